@@ -1,0 +1,111 @@
+#include "tlvforge/names.h"
+
+#include "engine/nodes.h"
+#include "engine/oids.h"
+#include "engine/output.h"
+#include "names/names.schema.h"
+
+using namespace tlvforge;
+
+namespace {
+
+// The value record of an alternative, from the caller's form of it. Null when out of memory.
+void* NewValue(const Asn1Item& alternative, const uint8_t* value, uint32_t length) {
+    switch (alternative.kind) {
+        case Asn1KindAny: return AllocAsn1Any(length != 0 ? value[0] : 0, value, length);
+        case Asn1KindObjectIdentifier: return AllocAsn1OidFromOid(value);
+        default: return AllocAsn1Value(alternative.kind, value, length);
+    }
+}
+
+Status Build(uint32_t alternative, const uint8_t* value, uint32_t length, Tree<X509GeneralName>* name) {
+    if (alternative >= schema::X509GeneralName.childCount) return Fail(StatusBadAlternative);
+    const Status status = name->Create();
+    if (status != StatusOk) return status;
+    (*name)->selected = alternative;
+    (*name)->value = NewValue(*schema::X509GeneralName.children[alternative], value, length);
+    if ((*name)->value == nullptr) return Fail(StatusOutOfMemory);
+    return StatusOk;
+}
+
+Status Read(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
+    if (name->value == nullptr) return Fail(StatusAbsent);
+    *alternative = name->selected;
+    if (name->selected >= schema::X509GeneralName.childCount) return Fail(StatusBadAlternative);
+    if (name->selected == X509GeneralNameRegisteredID) {
+        return GetAsn1Oid(static_cast<const Asn1Value*>(name->value), value, length);
+    }
+    return GetAsn1Value(name->value, value, length);
+}
+
+}  // namespace
+
+Status CreateX509GeneralName(X509GeneralName** out) {
+    return CreateAsn1Object(&schema::X509GeneralName, Untyped(out), 1);
+}
+
+Status CreateX509GeneralNameCopy(const X509GeneralName* source, X509GeneralName** out) {
+    return CopyTree(schema::X509GeneralName, source, out);
+}
+
+Status FreeX509GeneralName(X509GeneralName* name) { return FreeAsn1Object(&schema::X509GeneralName, name); }
+
+Status AllocX509GeneralNameValue(X509GeneralName** out, uint32_t alternative, const uint8_t* value, uint32_t length) {
+    if (AnyNull(out, value)) return Fail(StatusBadArgument);
+    Tree<X509GeneralName> name(schema::X509GeneralName);
+    const Status status = Build(alternative, value, length, &name);
+    *out = status == StatusOk ? name.Take() : nullptr;
+    return status;
+}
+
+Status GetX509GeneralNameValue(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
+    if (AnyNull(name, alternative, length)) return Fail(StatusBadArgument);
+    return Read(name, alternative, value, length);
+}
+
+Status CreateX509GeneralNames(X509GeneralNames** out) {
+    return CreateAsn1Object(&schema::X509GeneralNames, Untyped(out), 1);
+}
+
+Status CopyX509GeneralNames(const X509GeneralNames* source, X509GeneralNames** out) {
+    return CopyTree(schema::X509GeneralNames, source, out);
+}
+
+Status DecodeX509GeneralNames(const uint8_t* data, uint32_t length, X509GeneralNames** out) {
+    return DecodeTree(schema::X509GeneralNames, data, length, out);
+}
+
+Status EncodeX509GeneralNames(const X509GeneralNames* names, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(names, &schema::X509GeneralNames, buffer, length);
+}
+
+Status FreeX509GeneralNames(X509GeneralNames* names) { return FreeAsn1Object(&schema::X509GeneralNames, names); }
+
+Status AddX509GeneralName(X509GeneralNames* names, uint32_t alternative, const uint8_t* value, uint32_t length) {
+    if (AnyNull(names, value)) return Fail(StatusBadArgument);
+    Tree<X509GeneralName> name(schema::X509GeneralName);
+    const Status status = Build(alternative, value, length, &name);
+    return status == StatusOk ? name.MoveTo(names) : status;
+}
+
+Status GetX509GeneralNameCount(const X509GeneralNames* names, uint32_t* count) { return GetListCount(names, count); }
+
+Status GetX509GeneralName(const X509GeneralNames* names, uint32_t index, uint32_t* alternative, uint8_t* value,
+                          uint32_t* length) {
+    if (AnyNull(names, alternative, length)) return Fail(StatusBadArgument);
+    X509GeneralName* name = nullptr;
+    const Status status = GetListMember(names, index, &name);
+    return status == StatusOk ? Read(name, alternative, value, length) : status;
+}
+
+Status GetX509NameFromGeneralNames(const X509GeneralNames* names, X509Name** out) {
+    if (AnyNull(names, out)) return Fail(StatusBadArgument);
+    *out = nullptr;
+    for (uint32_t i = 0; i < names->count; ++i) {
+        const auto* name = static_cast<const X509GeneralName*>(names->items[i]);
+        if (name == nullptr || name->value == nullptr || name->selected != X509GeneralNameDirectoryName) continue;
+        const auto* element = static_cast<const Asn1Any*>(name->value);
+        if (DecodeX509Name(element->data, element->length, out) == StatusOk) return StatusOk;
+    }
+    return Fail(StatusNotFound);
+}

