@@ -13,12 +13,7 @@
 TLVFORGE_BEGIN
 
 /* Class bits of an identifier octet, as they stand in it. */
-enum {
-    Asn1ClassUniversal = 0x00,
-    Asn1ClassApplication = 0x40,
-    Asn1ClassContext = 0x80,
-    Asn1ClassPrivate = 0xC0
-};
+enum { Asn1ClassUniversal = 0x00, Asn1ClassApplication = 0x40, Asn1ClassContext = 0x80, Asn1ClassPrivate = 0xC0 };
 
 /* Constructed bit of an identifier octet. */
 enum { Asn1Constructed = 0x20 };
@@ -169,7 +164,8 @@ TLVFORGE_STATUS Asn1DecodeItem(const uint8_t* data, uint32_t length, const Asn1I
  */
 TLVFORGE_STATUS Asn1Encode(const void* node, const Asn1Item* item, uint8_t** out, uint32_t* length);
 
-/* GetAsn1EncodedValue writes a tree as DER into the caller's buffer, without a block of its own. Statuses as Asn1Encode, and 49. */
+/* GetAsn1EncodedValue writes a tree as DER into the caller's buffer, without a block of its own. As Asn1Encode, and 49.
+ */
 TLVFORGE_STATUS GetAsn1EncodedValue(const void* node, const Asn1Item* item, uint8_t* buffer, uint32_t* length);
 
 /*
@@ -180,7 +176,8 @@ TLVFORGE_STATUS GetAsn1EncodedValue(const void* node, const Asn1Item* item, uint
 TLVFORGE_STATUS GetAsn1Value(const void* value, uint8_t* buffer, uint32_t* length);
 TLVFORGE_STATUS GetAsn1AnyValue(const void* value, uint8_t* buffer, uint32_t* length);
 
-/* GetAsn1ValueAndType is GetAsn1Value with the type, stored only when bytes were copied. Status 311 also for a value of length 0. */
+/* GetAsn1ValueAndType is GetAsn1Value with the type, stored only when bytes were copied. Status 311 also for no bytes.
+ */
 TLVFORGE_STATUS GetAsn1ValueAndType(const void* value, uint32_t* type, uint8_t* buffer, uint32_t* length);
 
 /* GetAsn1ValueLength gives the length of a value in bytes, 0 for null. */
@@ -192,7 +189,7 @@ TLVFORGE_API Asn1Value* AllocAsn1Boolean(uint32_t flag);
 /* GetAsn1Boolean stores 1 for the byte 0xFF and 0 for 0; any other content gives 307. */
 TLVFORGE_STATUS GetAsn1Boolean(const Asn1Value* value, uint32_t* flag);
 
-/* CheckAsn1Boolean: 0 for a DER BOOLEAN, otherwise 307. CheckAsn1Integer: 0 for an INTEGER in minimal form, otherwise 307. */
+/* CheckAsn1Boolean: 0 for a DER BOOLEAN, CheckAsn1Integer: 0 for an INTEGER in minimal form; otherwise 307. */
 TLVFORGE_STATUS CheckAsn1Boolean(const Asn1Value* value);
 TLVFORGE_STATUS CheckAsn1Integer(const Asn1Value* value);
 
@@ -212,15 +209,16 @@ TLVFORGE_API Asn1Value* AllocAsn1Integer_s(const uint8_t* data, uint32_t length)
 TLVFORGE_STATUS SetAsn1Integer(Asn1Value* value, const uint8_t* data, uint32_t length);
 TLVFORGE_STATUS SetAsn1Int32(Asn1Value* value, int32_t number);
 
-/* GetAsn1Integer copies an INTEGER's bytes least significant byte first, without sign extension. Status 311 without bytes. */
+/* GetAsn1Integer copies an INTEGER's bytes, least significant first, without sign extension. Status 311 without bytes.
+ */
 TLVFORGE_STATUS GetAsn1Integer(const Asn1Value* value, uint8_t* buffer, uint32_t* length);
 
 /* GetAsn1Int32 reads an INTEGER of up to four bytes, sign-extended. Status 49 for a longer one. */
 TLVFORGE_STATUS GetAsn1Int32(const Asn1Value* value, int32_t* number);
 
 /*
- * DecodeAsn1Int32 and EncodeAsn1Int32: a 32-bit number from and to an INTEGER element. The Enumerated names are the same
- * functions, on purpose: they read and write the tag of INTEGER. Decoding: 32 for length 0, 49 above four bytes.
+ * DecodeAsn1Int32 and EncodeAsn1Int32: a 32-bit number from and to an INTEGER element. The Enumerated names are the
+ * same functions, on purpose: they read and write the tag of INTEGER. Decoding: 32 for length 0, 49 above four bytes.
  */
 TLVFORGE_STATUS DecodeAsn1Int32(const uint8_t* data, uint32_t length, int32_t* number);
 TLVFORGE_STATUS EncodeAsn1Int32(int32_t number, uint8_t* buffer, uint32_t* length);
@@ -228,9 +226,9 @@ TLVFORGE_STATUS DecodeAsn1Enumerated(const uint8_t* data, uint32_t length, int32
 TLVFORGE_STATUS EncodeAsn1Enumerated(int32_t number, uint8_t* buffer, uint32_t* length);
 
 /*
- * DecodeAsn1PrimitiveValue gives the content bytes of an element of a primitive kind (Asn1Kind...); EncodeAsn1PrimitiveValue
- * wraps content bytes in one. Content is not checked against the kind's alphabet. BIT STRINGs are whole bytes.
- * The string functions are these two with their kind.
+ * DecodeAsn1PrimitiveValue gives the content bytes of an element of a primitive kind (Asn1Kind...), and
+ * EncodeAsn1PrimitiveValue wraps content bytes in one. Content is not checked against the kind's alphabet.
+ * BIT STRINGs are whole bytes. The string functions are these two with their kind.
  */
 TLVFORGE_STATUS DecodeAsn1PrimitiveValue(uint8_t kind, const uint8_t* data, uint32_t length, uint8_t* buffer,
                                          uint32_t* bufferLength);
@@ -250,7 +248,7 @@ TLVFORGE_STATUS EncodeAsn1NumericString(const uint8_t* text, uint32_t textLength
 TLVFORGE_STATUS GetAsn1AnyInfo(const Asn1Any* any, uint8_t* tagClass, uint8_t* constructedBit, uint32_t* tagNumber,
                                uint32_t* contentLength, uint32_t* headerLength);
 
-/* GetAsn1BitString copies the bytes of a BIT STRING. unusedBits: out, may be null. Status 311 for an empty BIT STRING. */
+/* GetAsn1BitString copies the bytes of a BIT STRING. unusedBits: out, may be null. Status 311 for an empty one. */
 TLVFORGE_STATUS GetAsn1BitString(const Asn1BitString* bitString, uint8_t* unusedBits, uint8_t* buffer,
                                  uint32_t* length);
 

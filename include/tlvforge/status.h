@@ -39,29 +39,29 @@ TLVFORGE_NUMBER(StatusOk, 0)                   /* success */
 TLVFORGE_NUMBER(StatusOutOfMemory, 1)          /* an allocation failed */
 TLVFORGE_NUMBER(StatusFileSeekFailed, 3)       /* a seek in a file failed */
 TLVFORGE_NUMBER(StatusFileOpenFailed, 12)      /* a file can't be opened */
-TLVFORGE_NUMBER(StatusBadArgument, 32)         /* a required pointer is null, an index is out of range, arguments don't go together */
+TLVFORGE_NUMBER(StatusBadArgument, 32)         /* null pointer, index out of range, arguments that don't go together */
 TLVFORGE_NUMBER(StatusFileReadShort, 46)       /* fewer bytes than asked for came from a file */
 TLVFORGE_NUMBER(StatusFileWriteShort, 47)      /* fewer bytes than asked for went to a file */
 TLVFORGE_NUMBER(StatusBufferTooSmall, 49)      /* the output buffer is too small; the needed length has been stored */
 TLVFORGE_NUMBER(StatusUnsupportedKind, 300)    /* a schema item has a kind that the routine doesn't handle */
 TLVFORGE_NUMBER(StatusBadEncoding, 302)        /* malformed BER, or BER that doesn't match the schema */
-TLVFORGE_NUMBER(StatusLengthTooLong, 304)      /* a length of more than 4 octets; more sub-identifiers than there is room for */
+TLVFORGE_NUMBER(StatusLengthTooLong, 304)      /* a length of more than 4 octets; too many sub-identifiers */
 TLVFORGE_NUMBER(StatusBadItem, 305)            /* a schema item contradicts itself */
-TLVFORGE_NUMBER(StatusBadAlternative, 306)     /* a CHOICE holds, or is asked to take, an alternative that isn't defined */
+TLVFORGE_NUMBER(StatusBadAlternative, 306)     /* a CHOICE with an alternative that isn't defined */
 TLVFORGE_NUMBER(StatusBadValue, 307)           /* well-formed BER whose content isn't allowed */
 TLVFORGE_NUMBER(StatusUnknownOid, 308)         /* an object identifier isn't in the table that numbers it */
 TLVFORGE_NUMBER(StatusUnknownId, 309)          /* a number isn't in the table that gives its object identifier */
 TLVFORGE_NUMBER(StatusAbsent, 311)             /* a field that the operation needs isn't there */
 TLVFORGE_NUMBER(StatusBadTime, 313)            /* a date or time component is outside its range */
 TLVFORGE_NUMBER(StatusWrongContentType, 314)   /* a CMS content has another type than the operation works on */
-TLVFORGE_NUMBER(StatusBadKeyForm, 317)         /* a public key or its parameters have a form that can't be handled */
+TLVFORGE_NUMBER(StatusBadKeyForm, 317)         /* a key or its parameters have a form that can't be handled */
 TLVFORGE_NUMBER(StatusBadPem, 319)             /* not the armour or content that DecodePem requires */
 TLVFORGE_NUMBER(StatusNotEqual, 320)           /* two compared things differ */
 TLVFORGE_NUMBER(StatusNotFound, 322)           /* a searched item isn't in its container */
 TLVFORGE_NUMBER(StatusBadSignerData, 323)      /* a CMS signer gives no usable answer */
-TLVFORGE_NUMBER(StatusBadIndefinite, 335)      /* indefinite length where it isn't allowed, or its end is missing */
+TLVFORGE_NUMBER(StatusBadIndefinite, 335)      /* indefinite length not allowed here, or its end is missing */
 TLVFORGE_NUMBER(StatusBadSegment, 336)         /* a segment of a constructed OCTET STRING has another tag number */
-TLVFORGE_NUMBER(StatusWorkBufferTooSmall, 338) /* an internal work buffer of fixed size was too small for a value */
+TLVFORGE_NUMBER(StatusWorkBufferTooSmall, 338) /* a work buffer of fixed size was too small for a value */
 TLVFORGE_NUMBER(StatusDuplicateItem, 344)      /* the item to be added to a unique list is already in it */
 
 /*

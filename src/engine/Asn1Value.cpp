@@ -206,7 +206,7 @@ Status EncodeAsn1PrimitiveValue(uint8_t kind, const uint8_t* data, uint32_t leng
                                 uint32_t* bufferLength) {
     if (AnyNull(data, bufferLength)) return Fail(StatusBadArgument);
     const Asn1Item item = PrimitiveItem(kind);
-    uint8_t* bytes = const_cast<uint8_t*>(data); // the encoder only reads
+    uint8_t* bytes = const_cast<uint8_t*>(data);  // the encoder only reads
     const Asn1Value value = {kind, length, bytes};
     const Asn1Any any = {kind, length, bytes};
     const Asn1BitString bits = {0, length, bytes};

@@ -19,14 +19,14 @@ namespace {
 struct Header {
     uint32_t tagNumber;
     uint32_t headerLength;
-    uint32_t contentLength; // all that remains in the indefinite form
+    uint32_t contentLength;  // all that remains in the indefinite form
     uint8_t tagClass;
     uint8_t constructedBit;
     bool indefinite;
 };
 
-// Every form of a header. Non-minimal tags and lengths are accepted. Fields that were read before a failure stay stored.
-// The declared content is not compared with the bytes that are there: that is for the reader of the content.
+// Every form of a header. Non-minimal tags and lengths are accepted. Fields that were read before a failure stay
+// stored. The declared content is not compared with the bytes that are there: that is for the reader of the content.
 [[gnu::noinline]] Status ReadLongHeader(const uint8_t* data, uint32_t length, Header* header) {
     if (length < 2) return Fail(StatusBadEncoding);
     header->tagClass = data[0] & 0xC0;
@@ -64,21 +64,19 @@ struct Header {
 // The header at the front of [at, end). Nearly all are two bytes, and read here.
 inline Status ReadHeader(const uint8_t* at, const uint8_t* end, Header* header) {
     if (end - at >= 2 && (at[0] & 0x1F) != 0x1F && at[1] < 0x80) [[likely]] {
-        *header = {static_cast<uint32_t>(at[0] & 0x1F),
-                   2,
-                   at[1],
-                   static_cast<uint8_t>(at[0] & 0xC0),
-                   static_cast<uint8_t>(at[0] & Asn1Constructed),
-                   false};
+        header->tagClass = at[0] & 0xC0;
+        header->constructedBit = at[0] & Asn1Constructed;
+        header->tagNumber = at[0] & 0x1F;
+        header->indefinite = false;
+        header->headerLength = 2;
+        header->contentLength = at[1];
         return StatusOk;
     }
     return ReadLongHeader(at, static_cast<uint32_t>(end - at), header);
 }
 
 // Only where two bytes are left can they be the end-of-contents octets.
-inline bool AtEndOfContents(const uint8_t* at, const uint8_t* end) {
-    return end - at >= 2 && at[0] == 0 && at[1] == 0;
-}
+inline bool AtEndOfContents(const uint8_t* at, const uint8_t* end) { return end - at >= 2 && at[0] == 0 && at[1] == 0; }
 
 // Finds the end of an element in indefinite form, whose header has been read. Depth is counted, so that no input
 // can exhaust the stack.
@@ -220,7 +218,7 @@ Decoded DecodeSegments(const uint8_t* content, const uint8_t* end, Cell* out) {
     uint8_t* to = node->data;
     for (const uint8_t* from = content; from != at;) {
         Header header;
-        (void)ReadHeader(from, end, &header); // read before, without a failure
+        (void)ReadHeader(from, end, &header);  // read before, without a failure
         from += header.headerLength;
         CopyBytes(to, from, header.contentLength);
         to += header.contentLength;
@@ -268,7 +266,7 @@ Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite, c
         const Decoded decoded = DecodeElement(at, end, element, &static_cast<Cell*>(list->items)[list->count]);
         if (decoded.status != StatusOk) return decoded;
         ++list->count;
-        if (decoded.next == at) return Fail(StatusBadEncoding); // an absent optional element, again and again
+        if (decoded.next == at) return Fail(StatusBadEncoding);  // an absent optional element, again and again
         at = decoded.next;
     }
     return end;
@@ -318,7 +316,7 @@ Decoded DecodeBlock(const uint8_t* at, const uint8_t* end, bool indefinite, cons
         return decoded;
     }
     *out = block;
-    return indefinite ? decoded.next + 2 : end; // unknown fields behind the last known one are passed over
+    return indefinite ? decoded.next + 2 : end;  // unknown fields behind the last known one are passed over
 }
 
 // Whether an alternative of a CHOICE begins with this header. An alternative's own content isn't looked into.
@@ -338,8 +336,7 @@ Decoded DecodeChoice(const uint8_t* at, const uint8_t* end, const Header& header
         if (!Matches(*item.children[i], header)) continue;
         Asn1Choice* choice = AllocAsn1Choice(i);
         if (choice == nullptr) return Fail(StatusOutOfMemory);
-        const Decoded decoded =
-            DecodeElement(at, end, *item.children[i], reinterpret_cast<Cell*>(&choice->value));
+        const Decoded decoded = DecodeElement(at, end, *item.children[i], reinterpret_cast<Cell*>(&choice->value));
         if (decoded.status != StatusOk) {
             Release(choice);
             return decoded;
@@ -383,7 +380,7 @@ inline Decoded DecodeBody(const uint8_t* at, const uint8_t* end, const Asn1Item&
                           int32_t tagNumber, Cell* out) {
     Header header;
     const Status status = ReadHeader(at, end, &header);
-    if (status != StatusOk) return status; // a malformed header is a failure, also where an optional item may stand
+    if (status != StatusOk) return status;  // a malformed header is a failure, also where an optional item may stand
     if (item.kind == Asn1KindChoice) return DecodeChoice(at, end, header, item, out);
     if (item.kind == Asn1KindAny) return DecodeAny(at, end, header, out);
 
@@ -439,21 +436,22 @@ inline uint32_t TagOctets(uint32_t tagNumber) {
 // is the one reported. The writing pass fills its buffer from the end: content first, then the header, whose length
 // is simply known then. Each pass visits a node once.
 struct Measure {
-    using Cursor = uint64_t; // bytes so far
+    using Cursor = uint64_t;  // bytes so far
     static constexpr bool kBackwards = false;
 
     static uint64_t Between(Cursor mark, Cursor at) { return at - mark; }
     static Cursor Bytes(Cursor at, const uint8_t*, uint32_t count) { return at + count; }
     static Cursor Octet(Cursor at, uint8_t) { return at + 1; }
     static Cursor Header(Cursor at, uint8_t, uint8_t, uint32_t tagNumber, uint32_t contentLength) {
-        if (tagNumber < 31 && contentLength < 0x80) [[likely]] return at + 2;
+        if (tagNumber < 31 && contentLength < 0x80) [[likely]]
+            return at + 2;
         return at + TlvSize(contentLength, tagNumber) - contentLength;
     }
     static void ReplaceFirst(Cursor, uint8_t) {}
 };
 
 struct Write {
-    using Cursor = uint8_t*; // where what is written begins
+    using Cursor = uint8_t*;  // where what is written begins
     static constexpr bool kBackwards = true;
 
     static uint64_t Between(Cursor mark, Cursor at) { return static_cast<uint64_t>(mark - at); }
@@ -572,7 +570,8 @@ Status PermuteEncodings(uint8_t* at, Encoding* encodings, uint32_t count) {
 }
 
 template <class Pass>
-[[gnu::always_inline]] inline Emitted<Pass> EmitList(const Asn1List& list, const Asn1Item& item, typename Pass::Cursor at) {
+[[gnu::always_inline]] inline Emitted<Pass> EmitList(const Asn1List& list, const Asn1Item& item,
+                                                     typename Pass::Cursor at) {
     if (item.childCount != 1 || item.children == nullptr || item.children[0] == nullptr) {
         return Emitted<Pass>::Failed(Fail(StatusBadItem));
     }
@@ -582,7 +581,8 @@ template <class Pass>
         if (item.kind == Asn1KindSetOf && list.sorted != 0 && list.count > 1) return WriteSorted(list, element, at);
     }
     for (uint32_t i = 0; i < list.count; ++i) {
-        const Emitted<Pass> emitted = EmitItem<Pass>(list.items[Pass::kBackwards ? list.count - 1 - i : i], element, at);
+        const Emitted<Pass> emitted =
+            EmitItem<Pass>(list.items[Pass::kBackwards ? list.count - 1 - i : i], element, at);
         if (emitted.status != StatusOk) return emitted;
         at = emitted.at;
     }
@@ -590,7 +590,8 @@ template <class Pass>
 }
 
 template <class Pass>
-[[gnu::always_inline]] inline Emitted<Pass> EmitFields(const Cell* block, const Asn1Item& item, typename Pass::Cursor at) {
+[[gnu::always_inline]] inline Emitted<Pass> EmitFields(const Cell* block, const Asn1Item& item,
+                                                       typename Pass::Cursor at) {
     if (item.children == nullptr && item.childCount != 0) return Emitted<Pass>::Failed(Fail(StatusBadArgument));
     for (uint32_t i = 0; i < item.childCount; ++i) {
         const uint32_t field = Pass::kBackwards ? item.childCount - 1 - i : i;
@@ -617,7 +618,8 @@ Emitted<Pass> EmitPrimitive(const void* node, uint8_t kind, typename Pass::Curso
 }
 
 template <class Pass>
-[[gnu::always_inline]] inline Emitted<Pass> EmitContent(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
+[[gnu::always_inline]] inline Emitted<Pass> EmitContent(const void* node, const Asn1Item& item,
+                                                        typename Pass::Cursor at) {
     if (item.constructedBit == 0) return EmitPrimitive<Pass>(node, item.kind, at);
     if (IsList(item)) return EmitList<Pass>(*static_cast<const Asn1List*>(node), item, at);
     // A fixed SET can be decoded and not encoded.
@@ -638,12 +640,12 @@ Emitted<Pass> EmitAny(const Asn1Any& any, const Asn1Item& item, typename Pass::C
 }
 
 template <class Pass>
-[[gnu::always_inline]] inline Emitted<Pass> CloseElement(typename Pass::Cursor mark, typename Pass::Cursor at, uint8_t tagClass,
-                           uint8_t constructedBit, int32_t tagNumber) {
+[[gnu::always_inline]] inline Emitted<Pass> CloseElement(typename Pass::Cursor mark, typename Pass::Cursor at,
+                                                         uint8_t tagClass, uint8_t constructedBit, int32_t tagNumber) {
     const uint64_t content = Pass::Between(mark, at);
     if (content > UINT32_MAX) return Emitted<Pass>::Failed(Fail(StatusLengthTooLong));
-    return Emitted<Pass>::At(Pass::Header(at, tagClass, constructedBit, static_cast<uint32_t>(tagNumber),
-                                          static_cast<uint32_t>(content)));
+    return Emitted<Pass>::At(
+        Pass::Header(at, tagClass, constructedBit, static_cast<uint32_t>(tagNumber), static_cast<uint32_t>(content)));
 }
 
 // DER leaves out an optional item that equals its DEFAULT.
@@ -656,8 +658,8 @@ inline Status EqualsDefault(const void* node, const Asn1Item& item, uint32_t* eq
 }
 
 template <class Pass>
-[[gnu::always_inline]] inline Emitted<Pass> EmitBody(const void* node, const Asn1Item& item, uint8_t tagClass, int32_t tagNumber,
-                              typename Pass::Cursor at) {
+[[gnu::always_inline]] inline Emitted<Pass> EmitBody(const void* node, const Asn1Item& item, uint8_t tagClass,
+                                                     int32_t tagNumber, typename Pass::Cursor at) {
     if (item.kind == Asn1KindAny) return EmitAny<Pass>(*static_cast<const Asn1Any*>(node), item, at);
     if (item.kind == Asn1KindChoice) {
         // A tag of the CHOICE itself is not written: only an explicit one has an effect, by its wrapper.
@@ -712,7 +714,8 @@ uint32_t WriteHeader(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumbe
     uint32_t at = 0;
     uint32_t octets = TagOctets(tagNumber);
     out[at++] = static_cast<uint8_t>(tagClass | constructedBit | (octets != 0 ? 0x1F : tagNumber));
-    while (octets-- > 0) out[at++] = static_cast<uint8_t>((tagNumber >> (7 * octets) & 0x7F) | (octets != 0 ? 0x80 : 0));
+    while (octets-- > 0)
+        out[at++] = static_cast<uint8_t>((tagNumber >> (7 * octets) & 0x7F) | (octets != 0 ? 0x80 : 0));
     octets = LengthOctets(contentLength);
     out[at++] = static_cast<uint8_t>(octets != 0 ? 0x80 | octets : contentLength);
     while (octets-- > 0) out[at++] = static_cast<uint8_t>(contentLength >> (8 * octets));

@@ -12,6 +12,7 @@ inline constexpr uint32_t kMaxHeader = 11;
 uint64_t TlvSize(uint64_t contentLength, uint32_t tagNumber);
 
 // Writes identifier and minimal definite length, and gives their size.
-uint32_t WriteHeader(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumber, uint32_t contentLength, uint8_t* out);
+uint32_t WriteHeader(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumber, uint32_t contentLength,
+                     uint8_t* out);
 
 }  // namespace tlvforge

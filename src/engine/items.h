@@ -17,9 +17,7 @@ namespace tlvforge {
 template <const Asn1Item&... Children>
 inline constexpr const Asn1Item* childTable[] = {&Children...};
 
-constexpr bool IsList(const Asn1Item& item) {
-    return item.kind == Asn1KindSequenceOf || item.kind == Asn1KindSetOf;
-}
+constexpr bool IsList(const Asn1Item& item) { return item.kind == Asn1KindSequenceOf || item.kind == Asn1KindSetOf; }
 
 constexpr uint32_t KindBits() { return 0; }
 template <class... Rest>
@@ -28,17 +26,15 @@ constexpr uint32_t KindBits(uint32_t kind, Rest... rest) {
 }
 
 // Kinds whose node is an Asn1Value with the content bytes as they stand.
-inline constexpr uint32_t kValueKinds =
-    KindBits(1, 2, 4, 5, 6, 10, 12, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 30);
+inline constexpr uint32_t kValueKinds = KindBits(1, 2, 4, 5, 6, 10, 12, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 30);
 
 constexpr bool IsValueKind(uint8_t kind) { return kind < 32 && (kValueKinds >> kind & 1) != 0; }
 
 // Tag number that an item has on the wire.
-constexpr int32_t TagOf(const Asn1Item& item) {
-    return item.tagNumber >= 0 ? item.tagNumber : item.kind & 127;
-}
+constexpr int32_t TagOf(const Asn1Item& item) { return item.tagNumber >= 0 ? item.tagNumber : item.kind & 127; }
 
 namespace schema {
+// clang-format off
 
 template <uint8_t Kind, uint32_t RecordSize = sizeof(Asn1Value)>
 inline constexpr Asn1Item Primitive = {0, 0, 0, Kind, -1, RecordSize, nullptr, 0, nullptr};
@@ -135,5 +131,6 @@ inline constexpr const Asn1Value& kZero = ConstantValue<Asn1KindInteger, 0>;
 
 inline constexpr Asn1Item Time = Choice<UTCTime, GeneralizedTime>;
 
+// clang-format on
 }  // namespace schema
 }  // namespace tlvforge

@@ -186,7 +186,9 @@ public:
         return Asn1DecodeItem(data, length, &item_, Untyped(&node_), &consumed);
     }
     Status CopyOf(const T* source) { return CopyTree(item_, source, &node_); }
-    Status Encode(uint8_t* buffer, uint32_t* length) const { return GetAsn1EncodedValue(node_, &item_, buffer, length); }
+    Status Encode(uint8_t* buffer, uint32_t* length) const {
+        return GetAsn1EncodedValue(node_, &item_, buffer, length);
+    }
 
     // Hands the tree over.
     T* Take() {

@@ -23,7 +23,8 @@ inline Status ClaimBuffer(uint32_t needed, const void* buffer, uint32_t* length,
 }
 
 // Applies the rule to bytes that are there.
-inline Status GiveBytes(const void* bytes, uint32_t count, void* buffer, uint32_t* length, Place place = Place::Here()) {
+inline Status GiveBytes(const void* bytes, uint32_t count, void* buffer, uint32_t* length,
+                        Place place = Place::Here()) {
     bool write = false;
     const Status status = ClaimBuffer(count, buffer, length, &write, place);
     if (write && count != 0) memmove(buffer, bytes, count);

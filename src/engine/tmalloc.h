@@ -22,10 +22,10 @@ inline void CountEncoderVisit() {}
 struct Instruments {
     uint64_t allocations;
     uint64_t liveBlocks;
-    uint64_t failAt;       // number of the allocation that fails, from 1; 0: none
-    bool failEverAfter;    // and all later ones
-    uint64_t decoderVisits; // items that the decoder tried
-    uint64_t encoderVisits; // nodes that the encoder looked at, in both passes
+    uint64_t failAt;         // number of the allocation that fails, from 1; 0: none
+    bool failEverAfter;      // and all later ones
+    uint64_t decoderVisits;  // items that the decoder tried
+    uint64_t encoderVisits;  // nodes that the encoder looked at, in both passes
 };
 extern Instruments instruments;
 

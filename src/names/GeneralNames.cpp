@@ -101,7 +101,7 @@ Status GetX509GeneralName(const X509GeneralNames* names, uint32_t index, uint32_
 Status GetX509NameFromGeneralNames(const X509GeneralNames* names, X509Name** out) {
     if (AnyNull(names, out)) return Fail(StatusBadArgument);
     *out = nullptr;
-    for (uint32_t i = 0; i < names->count; ++i) {
+    for (uint32_t i = 0; names->items != nullptr && i < names->count; ++i) {
         const auto* name = static_cast<const X509GeneralName*>(names->items[i]);
         if (name == nullptr || name->value == nullptr || name->selected != X509GeneralNameDirectoryName) continue;
         const auto* element = static_cast<const Asn1Any*>(name->value);

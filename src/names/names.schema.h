@@ -1,14 +1,14 @@
-// Distinguished names and general names: their items, and the records that lie over them (RFC 5280, 4.1.2.4 and 4.2.1.6).
+// Distinguished names and general names (RFC 5280, 4.1.2.4 and 4.2.1.6): items, and the records that lie over them.
 #pragma once
 
 #include "engine/items.h"
 #include "tlvforge/names.h"
 
-struct X509Name : Asn1List {};          // of RelativeDistinguishedName
-struct X509GeneralName : Asn1Choice {}; // selected is the context tag number
-struct X509GeneralNames : Asn1List {};  // of X509GeneralName
-struct PKIFreeText : Asn1List {};       // of Asn1Value
-struct OctetStrings : Asn1List {};      // of Asn1Value
+struct X509Name : Asn1List {};           // of RelativeDistinguishedName
+struct X509GeneralName : Asn1Choice {};  // selected is the context tag number
+struct X509GeneralNames : Asn1List {};   // of X509GeneralName
+struct PKIFreeText : Asn1List {};        // of Asn1Value
+struct OctetStrings : Asn1List {};       // of Asn1Value
 
 namespace tlvforge {
 
@@ -17,9 +17,10 @@ struct AttributeTypeAndValue {
     Asn1Any* value;
 };
 
-using RelativeDistinguishedName = Asn1List; // of AttributeTypeAndValue
+using RelativeDistinguishedName = Asn1List;  // of AttributeTypeAndValue
 
 namespace schema {
+// clang-format off
 
 inline constexpr Asn1Item AttributeTypeAndValue = Sequence<
     ObjectIdentifier, // type
@@ -47,6 +48,7 @@ inline constexpr Asn1Item X509GeneralNames = SequenceOf<X509GeneralName>;
 inline constexpr Asn1Item PKIFreeText = SequenceOf<UTF8String>;
 inline constexpr Asn1Item OctetStrings = SequenceOf<OctetString>;
 
+// clang-format on
 }  // namespace schema
 
 static_assert(sizeof(AttributeTypeAndValue) == schema::AttributeTypeAndValue.valueSize);
