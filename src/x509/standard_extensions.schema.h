@@ -54,56 +54,62 @@ struct AccessDescription {
 };
 
 namespace schema {
+// clang-format off
 
-inline constexpr Asn1Item AuthorityKeyIdentifier =
-    Sequence<Optional<Implicit<0, OctetString>>,       // keyIdentifier
-             Optional<Implicit<1, X509GeneralNames>>,  // authorityCertIssuer
-             Optional<Implicit<2, Integer>>>;          // authorityCertSerialNumber
+inline constexpr Asn1Item AuthorityKeyIdentifier = Sequence<
+    Optional<Implicit<0, OctetString>>,      // keyIdentifier
+    Optional<Implicit<1, X509GeneralNames>>, // authorityCertIssuer
+    Optional<Implicit<2, Integer>>>;         // authorityCertSerialNumber
 
-inline constexpr Asn1Item BasicConstraints = Sequence<Default<Boolean, kFalse>,  // cA
-                                                      Optional<Integer>>;        // pathLenConstraint
+inline constexpr Asn1Item BasicConstraints = Sequence<
+    Default<Boolean, kFalse>, // cA
+    Optional<Integer>>;       // pathLenConstraint
 
-inline constexpr Asn1Item PrivateKeyUsagePeriod = Sequence<Optional<Implicit<0, GeneralizedTime>>,   // notBefore
-                                                           Optional<Implicit<1, GeneralizedTime>>>;  // notAfter
+inline constexpr Asn1Item PrivateKeyUsagePeriod = Sequence<
+    Optional<Implicit<0, GeneralizedTime>>,  // notBefore
+    Optional<Implicit<1, GeneralizedTime>>>; // notAfter
 
 // The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
 // tag: it can be written but not read back. That is the format.
-inline constexpr Asn1Item DistributionPointName = Choice<Implicit<0, X509GeneralNames>,  // fullName
-                                                         Implicit<1, Name>>;             // nameRelativeToCRLIssuer
+inline constexpr Asn1Item DistributionPointName = Choice<
+    Implicit<0, X509GeneralNames>, // fullName
+    Implicit<1, Name>>;            // nameRelativeToCRLIssuer
 
-inline constexpr Asn1Item DistributionPoint =
-    Sequence<Optional<Explicit<0, DistributionPointName>>,  // distributionPoint
-             Optional<Implicit<1, BitString>>,              // reasons
-             Optional<Implicit<2, X509GeneralNames>>>;      // cRLIssuer
+inline constexpr Asn1Item DistributionPoint = Sequence<
+    Optional<Explicit<0, DistributionPointName>>, // distributionPoint
+    Optional<Implicit<1, BitString>>,             // reasons
+    Optional<Implicit<2, X509GeneralNames>>>;     // cRLIssuer
 
 inline constexpr Asn1Item CRLDistributionPoints = SequenceOf<DistributionPoint>;
 
 // onlySomeReasons has the number of onlyContainsUserCerts, where RFC 5280 has 3. The bytes depend on it.
-inline constexpr Asn1Item IssuingDistributionPoint =
-    Sequence<Optional<Explicit<0, DistributionPointName>>,  // distributionPoint
-             Default<Implicit<1, Boolean>, kFalse>,         // onlyContainsUserCerts
-             Default<Implicit<2, Boolean>, kFalse>,         // onlyContainsCACerts
-             Optional<Implicit<1, BitString>>,              // onlySomeReasons
-             Default<Implicit<4, Boolean>, kFalse>,         // indirectCRL
-             Default<Implicit<5, Boolean>, kFalse>>;        // onlyContainsAttributeCerts
+inline constexpr Asn1Item IssuingDistributionPoint = Sequence<
+    Optional<Explicit<0, DistributionPointName>>, // distributionPoint
+    Default<Implicit<1, Boolean>, kFalse>,        // onlyContainsUserCerts
+    Default<Implicit<2, Boolean>, kFalse>,        // onlyContainsCACerts
+    Optional<Implicit<1, BitString>>,             // onlySomeReasons
+    Default<Implicit<4, Boolean>, kFalse>,        // indirectCRL
+    Default<Implicit<5, Boolean>, kFalse>>;       // onlyContainsAttributeCerts
 
-inline constexpr Asn1Item PolicyQualifierInfo = Sequence<ObjectIdentifier,  // policyQualifierId
-                                                         Any>;              // qualifier
+inline constexpr Asn1Item PolicyQualifierInfo = Sequence<
+    ObjectIdentifier, // policyQualifierId
+    Any>;             // qualifier
 
-inline constexpr Asn1Item PolicyQualifiers = SequenceOf<PolicyQualifierInfo>;
-
-inline constexpr Asn1Item PolicyInformation = Sequence<ObjectIdentifier,             // policyIdentifier
-                                                       Optional<PolicyQualifiers>>;  // policyQualifiers
+inline constexpr Asn1Item PolicyInformation = Sequence<
+    ObjectIdentifier,                            // policyIdentifier
+    Optional<SequenceOf<PolicyQualifierInfo>>>;  // policyQualifiers
 
 inline constexpr Asn1Item CertificatePolicies = SequenceOf<PolicyInformation>;
 
 inline constexpr Asn1Item ExtendedKeyUsage = SequenceOf<ObjectIdentifier>;
 
-inline constexpr Asn1Item AccessDescription = Sequence<ObjectIdentifier,  // accessMethod
-                                                       X509GeneralName>;  // accessLocation
+inline constexpr Asn1Item AccessDescription = Sequence<
+    ObjectIdentifier, // accessMethod
+    X509GeneralName>; // accessLocation
 
 inline constexpr Asn1Item AuthorityInformationAccess = SequenceOf<AccessDescription>;
 
+// clang-format on
 }  // namespace schema
 
 static_assert(sizeof(AuthorityKeyIdentifier) == schema::AuthorityKeyIdentifier.valueSize);

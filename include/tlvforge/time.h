@@ -1,0 +1,151 @@
+/*
+ * Calendar records, which stand for the times of documents at the interface, and the codecs of ASN.1 time values.
+ *
+ * All times are UTC unless a function says local. The argument order is day, month, year everywhere, and not the
+ * order of the fields. The null time is the record with all fields 0: it stands for a time that hasn't been set.
+ */
+#ifndef TLVFORGE_TIME_H
+#define TLVFORGE_TIME_H
+
+#include "tlvforge/status.h"
+
+TLVFORGE_BEGIN
+
+/* LibraryTime has a resolution of one second; a leap second isn't representable. */
+typedef struct LibraryTime {
+    uint32_t year;  /* 1900 to 2100 */
+    uint32_t month; /* 1 to 12 */
+    uint32_t day;   /* 1 to 31 */
+    uint32_t hour;
+    uint32_t minute;
+    uint32_t second;
+} LibraryTime;
+
+/* LibraryPreciseTime adds the fraction that time-stamps have. */
+typedef struct LibraryPreciseTime {
+    uint32_t year;
+    uint32_t month;
+    uint32_t day;
+    uint32_t hour;
+    uint32_t minute;
+    uint32_t second;
+    uint32_t millisecond; /* 0 to 999 */
+    uint32_t microsecond; /* 0 to 999, below the millisecond, not a total */
+} LibraryPreciseTime;
+
+/* Accuracy is the tolerance of a time-stamp (RFC 3161, 2.4.2). Its fields have no limits here. */
+typedef struct Accuracy {
+    uint32_t seconds;
+    uint32_t milliseconds;
+    uint32_t microseconds;
+} Accuracy;
+
+/* CreateLibraryTime and its like make a zeroed record, owned by the caller (the Free function of the same type). */
+TLVFORGE_STATUS CreateLibraryTime(LibraryTime** out);
+TLVFORGE_STATUS CreateLibraryPreciseTime(LibraryPreciseTime** out);
+TLVFORGE_STATUS CreateAccuracy(Accuracy** out);
+
+/* FreeLibraryTime and its like release a record. Null is allowed; always 0. */
+TLVFORGE_API Status FreeLibraryTime(LibraryTime* time);
+TLVFORGE_API Status FreeLibraryPreciseTime(LibraryPreciseTime* time);
+TLVFORGE_API Status FreeAccuracy(Accuracy* accuracy);
+
+/* CopyLibraryTime and its like copy all fields, without a check of their ranges. */
+TLVFORGE_STATUS CopyLibraryTime(LibraryTime* destination, const LibraryTime* source);
+TLVFORGE_STATUS CopyLibraryPreciseTime(LibraryPreciseTime* destination, const LibraryPreciseTime* source);
+TLVFORGE_STATUS CopyAccuracy(Accuracy* destination, const Accuracy* source);
+
+/*
+ * SetLibraryTime and SetLibraryPreciseTime check and store one field after the other: month, day, year, hour, minute,
+ * second, millisecond, microsecond. The first one out of its range gives 313 and ends there: the
+ * fields before it are stored already. 29 February passes in every year. The null time is refused.
+ */
+TLVFORGE_STATUS SetLibraryTime(LibraryTime* time, uint32_t day, int32_t month, int32_t year, uint32_t hour,
+                               uint32_t minute, uint32_t second);
+TLVFORGE_STATUS SetLibraryPreciseTime(LibraryPreciseTime* time, uint32_t day, int32_t month, int32_t year,
+                                      uint32_t hour, uint32_t minute, uint32_t second, uint32_t millisecond,
+                                      uint32_t microsecond);
+
+/* SetAccuracy stores the three fields as they are. */
+TLVFORGE_STATUS SetAccuracy(Accuracy* accuracy, uint32_t seconds, uint32_t milliseconds, uint32_t microseconds);
+
+/*
+ * SetLibraryTimeToNull and SetLibraryPreciseTimeToNull refuse every record with 313 and leave it as it was, since the
+ * month of the null time is out of range. Only a new record is a null time.
+ */
+TLVFORGE_STATUS SetLibraryTimeToNull(const LibraryTime* time);
+TLVFORGE_STATUS SetLibraryPreciseTimeToNull(const LibraryPreciseTime* time);
+
+/* SetAccuracyToNull sets all fields to 0. */
+TLVFORGE_STATUS SetAccuracyToNull(Accuracy* accuracy);
+
+/*
+ * GetLibraryTime and its like give the fields of a record; all outputs are required. A null record gives
+ * zeros and 32; a null output gives 32 without any store. The null time gives zeros and 0.
+ */
+TLVFORGE_STATUS GetLibraryTime(const LibraryTime* time, uint32_t* day, uint32_t* month, uint32_t* year, uint32_t* hour,
+                               uint32_t* minute, uint32_t* second);
+TLVFORGE_STATUS GetLibraryPreciseTime(const LibraryPreciseTime* time, uint32_t* day, uint32_t* month, uint32_t* year,
+                                      uint32_t* hour, uint32_t* minute, uint32_t* second, uint32_t* millisecond,
+                                      uint32_t* microsecond);
+TLVFORGE_STATUS GetAccuracy(const Accuracy* accuracy, uint32_t* seconds, uint32_t* milliseconds,
+                            uint32_t* microseconds);
+
+/*
+ * GetLibraryLocalTime and GetLibraryLocalPreciseTime give the fields in the process's time zone. The fraction is 0
+ * always. A time before 1970, which the null time is too, or one that the platform can't convert gives zeros and 32.
+ */
+TLVFORGE_STATUS GetLibraryLocalTime(const LibraryTime* time, uint32_t* day, uint32_t* month, uint32_t* year,
+                                    uint32_t* hour, uint32_t* minute, uint32_t* second);
+TLVFORGE_STATUS GetLibraryLocalPreciseTime(const LibraryPreciseTime* time, uint32_t* day, uint32_t* month,
+                                           uint32_t* year, uint32_t* hour, uint32_t* minute, uint32_t* second,
+                                           uint32_t* millisecond, uint32_t* microsecond);
+
+/* GetCurrentLibTime and GetCurrentLibPreciseTime read the clock, in whole seconds. Status 32 if that fails. */
+TLVFORGE_STATUS GetCurrentLibTime(LibraryTime* time);
+TLVFORGE_STATUS GetCurrentLibPreciseTime(LibraryPreciseTime* time);
+
+/* IsLibraryTimeNull and its like give 1 for a null pointer or a record of zeros, otherwise 0. No Status. */
+TLVFORGE_API uint32_t IsLibraryTimeNull(const LibraryTime* time);
+TLVFORGE_API uint32_t IsLibraryPreciseTimeNull(const LibraryPreciseTime* time);
+TLVFORGE_API uint32_t IsAccuracyNull(const Accuracy* accuracy);
+
+/*
+ * AddDaysToLibTime and AddDaysToLibPreciseTime move a date forward; the time of day stays.
+ * The length of February is remembered by the process, for both functions: a date in a leap year makes it 29 days, and
+ * it stays so for dates in a common year until a sum passes the end of a year.
+ * days is added in 32 bits, so that all bits set means one day less. The result may lie beyond 2100.
+ * Status 313 for a month above 12; the record is unchanged then.
+ */
+TLVFORGE_STATUS AddDaysToLibTime(LibraryTime* time, uint32_t days);
+TLVFORGE_STATUS AddDaysToLibPreciseTime(LibraryPreciseTime* time, uint32_t days);
+
+/*
+ * CompareTime gives -1, 0 or 1 for a time that is earlier than, equal to or later than the other; no Status. A null
+ * pointer counts as the null time, which is earlier than all others.
+ */
+TLVFORGE_API int32_t CompareTime(const LibraryTime* left, const LibraryTime* right);
+
+/* TestTimeValidity gives 0 when now lies between the two times, both included, otherwise 1. No Status. */
+TLVFORGE_API uint32_t TestTimeValidity(const LibraryTime* notBefore, const LibraryTime* now,
+                                       const LibraryTime* notAfter);
+
+/*
+ * DecodeTime reads an element of the type Time (RFC 5280, 4.1.2.5); EncodeTime writes one, as UTCTime below the year
+ * 2050 and GeneralizedTime from then on. Two-digit years from 50 on are 19xx.
+ * Decoding: 307 for a text that is too short, 313. Only the digits are read; what follows them isn't examined.
+ * Encoding: 311 for a null or invalid time; ranges are not checked again.
+ */
+TLVFORGE_STATUS DecodeTime(const uint8_t* data, uint32_t length, LibraryTime* time);
+TLVFORGE_STATUS EncodeTime(const LibraryTime* time, uint8_t* buffer, uint32_t* length);
+
+/*
+ * DecodeAsn1GeneralizedTime and EncodeAsn1GeneralizedTime do the same for the type GeneralizedTime alone.
+ * Encoding: 1 for the null time, and for one that has no text of the form YYYYMMDDhhmmssZ.
+ */
+TLVFORGE_STATUS DecodeAsn1GeneralizedTime(const uint8_t* data, uint32_t length, LibraryTime* time);
+TLVFORGE_STATUS EncodeAsn1GeneralizedTime(const LibraryTime* time, uint8_t* buffer, uint32_t* length);
+
+TLVFORGE_END
+
+#endif

@@ -1,0 +1,17 @@
+/* The whole interface of tlvforge. */
+#ifndef TLVFORGE_TLVFORGE_H
+#define TLVFORGE_TLVFORGE_H
+
+#include "tlvforge/algorithms.h"
+#include "tlvforge/asn1.h"
+#include "tlvforge/certificate.h"
+#include "tlvforge/convert.h"
+#include "tlvforge/extensions.h"
+#include "tlvforge/names.h"
+#include "tlvforge/oid.h"
+#include "tlvforge/pem.h"
+#include "tlvforge/sha1.h"
+#include "tlvforge/status.h"
+#include "tlvforge/time.h"
+
+#endif

@@ -1,0 +1,178 @@
+#include "tlvforge/extensions.h"
+
+#include "engine/nodes.h"
+#include "engine/oids.h"
+#include "tlvforge/oid.h"
+#include "x509/extension.schema.h"
+
+using namespace tlvforge;
+
+namespace {
+
+// Moves a list into a cell of its own.
+Status WrapInCell(Tree<Asn1List>* list, X509Extensions* out) {
+    void* block = Allocate(sizeof(X509ExtensionsCell));
+    if (block == nullptr) return Fail(StatusOutOfMemory);
+    *out = new (block) X509ExtensionsCell{list->Take()};
+    return StatusOk;
+}
+
+// Null members have no OID.
+bool HasOid(const void* member, const uint8_t* oid) {
+    const auto* extension = static_cast<const X509Extension*>(member);
+    return extension != nullptr && IsOidAndAsn1ObjectIdentifierEquals(oid, extension->extnID) != 0;
+}
+
+}  // namespace
+
+Status CreateX509Extension(X509Extension** out, const uint8_t* oid, uint32_t critical, const uint8_t* value,
+                           uint32_t valueLength) {
+    if (out == nullptr) return Fail(StatusBadArgument);
+    Tree<X509Extension> extension(schema::X509Extension);
+    Status status = extension.Create();
+    if (status == StatusOk) status = SetX509Extension(extension.Get(), oid, critical, value, valueLength);
+    *out = status == StatusOk ? extension.Take() : nullptr;
+    return status;
+}
+
+Status SetX509Extension(X509Extension* extension, const uint8_t* oid, uint32_t critical, const uint8_t* value,
+                        uint32_t valueLength) {
+    if (AnyNull(extension, oid, value)) return Fail(StatusBadArgument);
+    Status status = ReplaceOidField(&extension->extnID, oid);
+    if (status == StatusOk) status = SetAsn1BooleanField(&extension->critical, critical != 0);
+    if (status != StatusOk) return status;
+    return SetAsn1ValueField(&extension->extnValue, Asn1KindOctetString, value, valueLength);
+}
+
+Status GetX509Extension(const X509Extension* extension, uint8_t* oid, uint32_t* oidLength, uint32_t* critical,
+                        uint8_t* value, uint32_t* valueLength) {
+    if (AnyNull(extension, oidLength, valueLength)) return Fail(StatusBadArgument);
+    if (AnyNull(extension->extnID, extension->extnValue)) return Fail(StatusAbsent);
+    const Status oidStatus = GetAsn1Oid(extension->extnID, oid, oidLength);
+    if (oidStatus != StatusOk && oidStatus != StatusBufferTooSmall) return oidStatus;
+    const Status valueStatus = GetAsn1Value(extension->extnValue, value, valueLength);
+    if (valueStatus != StatusOk && valueStatus != StatusBufferTooSmall) return valueStatus;
+    const Status criticalStatus = GetAsn1Boolean(extension->critical, critical);
+    if (criticalStatus != StatusOk) return criticalStatus;
+    return oidStatus != StatusOk ? oidStatus : valueStatus;
+}
+
+Status DecodeX509Extension(const uint8_t* data, uint32_t length, X509Extension** out) {
+    return DecodeTree(schema::X509Extension, data, length, out);
+}
+
+Status EncodeX509Extension(const X509Extension* extension, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(extension, &schema::X509Extension, buffer, length);
+}
+
+Status FreeX509Extension(X509Extension* extension) { return FreeAsn1Object(&schema::X509Extension, extension); }
+
+Status CreateX509Extensions(X509Extensions* out) {
+    if (out == nullptr) return Fail(StatusBadArgument);
+    *out = nullptr;
+    Tree<Asn1List> list(schema::X509Extensions);
+    const Status status = list.Create();
+    return status == StatusOk ? WrapInCell(&list, out) : status;
+}
+
+Status DecodeX509Extensions(const uint8_t* data, uint32_t length, X509Extensions* out) {
+    if (AnyNull(data, out)) return Fail(StatusBadArgument);
+    Tree<Asn1List> list(schema::X509Extensions);
+    const Status status = list.Decode(data, length);
+    return status == StatusOk ? WrapInCell(&list, out) : status;
+}
+
+Status EncodeX509Extensions(X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
+    if (extensions == nullptr) return Fail(StatusBadArgument);
+    return GetAsn1EncodedValue(extensions->list, &schema::X509Extensions, buffer, length);
+}
+
+Status FreeX509Extensions(X509Extensions extensions) {
+    if (extensions == nullptr) return StatusOk;
+    FreeField(schema::X509Extensions, &extensions->list);
+    Release(extensions);
+    return StatusOk;
+}
+
+Status ClearX509Extensions(X509Extensions extensions) {
+    if (extensions == nullptr) return Fail(StatusBadArgument);
+    if (extensions->list != nullptr) ClearAsn1List(extensions->list, schema::X509Extension);
+    return StatusOk;
+}
+
+Status RemoveX509Extensions(X509Extensions extensions) {
+    if (extensions == nullptr) return Fail(StatusBadArgument);
+    FreeField(schema::X509Extensions, &extensions->list);
+    return StatusOk;
+}
+
+Status AddX509ExtensionsExtension(X509Extensions extensions, const uint8_t* oid, int32_t critical, const uint8_t* value,
+                                  uint32_t valueLength) {
+    if (AnyNull(extensions, oid, value)) return Fail(StatusBadArgument);
+    if (extensions->list == nullptr) extensions->list = AllocAsn1List();
+    if (extensions->list == nullptr) return Fail(StatusOutOfMemory);
+    X509Extension* extension = nullptr;
+    const Status status = CreateX509Extension(&extension, oid, critical != 0, value, valueLength);
+    return status == StatusOk ? Tree(schema::X509Extension, extension).MoveTo(extensions->list) : status;
+}
+
+Status FindX509Extension(X509Extensions extensions, const uint8_t* oid, uint32_t* index) {
+    if (AnyNull(extensions, oid, index)) return Fail(StatusBadArgument);
+    const uint32_t count = GetAsn1ListLength(extensions->list);
+    for (uint32_t i = 0; i < count; ++i) {
+        if (!HasOid(extensions->list->items[i], oid)) continue;
+        *index = i;
+        return StatusOk;
+    }
+    return Fail(StatusNotFound);
+}
+
+Status GetX509ExtensionsExtensionsCount(X509Extensions extensions, uint32_t* count) {
+    if (AnyNull(extensions, count)) return Fail(StatusBadArgument);
+    *count = GetAsn1ListLength(extensions->list);
+    return StatusOk;
+}
+
+Status GetX509ExtensionsExtension(X509Extensions extensions, uint32_t index, uint8_t* oid, uint32_t* oidLength,
+                                  uint32_t* critical, uint8_t* value, uint32_t* valueLength) {
+    if (AnyNull(extensions, oidLength, valueLength)) return Fail(StatusBadArgument);
+    if (extensions->list == nullptr) return Fail(StatusAbsent);
+    X509Extension* extension = nullptr;
+    const Status status = GetListMember(extensions->list, index, &extension);
+    return status == StatusOk ? GetX509Extension(extension, oid, oidLength, critical, value, valueLength) : status;
+}
+
+Status GetX509ExtensionsExtensionValue(X509Extensions extensions, const uint8_t* oid, uint8_t* value,
+                                       uint32_t* valueLength) {
+    if (valueLength == nullptr) return Fail(StatusBadArgument);
+    uint32_t index = 0;
+    const Status status = FindX509Extension(extensions, oid, &index);
+    if (status != StatusOk) return status;
+    const auto* extension = static_cast<const X509Extension*>(extensions->list->items[index]);
+    if (extension->extnValue == nullptr) return Fail(StatusAbsent);
+    return GetAsn1Value(extension->extnValue, value, valueLength);
+}
+
+Status RemoveX509ExtensionsExtension(X509Extensions extensions, uint32_t index) {
+    if (extensions == nullptr) return Fail(StatusBadArgument);
+    if (extensions->list == nullptr) return Fail(StatusAbsent);
+    return RemoveAsn1ListItem(extensions->list, index, schema::X509Extension);
+}
+
+Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* oid) {
+    if (AnyNull(extensions, oid)) return Fail(StatusBadArgument);
+    // The index goes up after a removal too, so that the member behind the removed one stays unseen. This is intended:
+    // the setters of the documents replace an extension with the effect that it has on neighbours of the same OID.
+    for (uint32_t i = 0; i < GetAsn1ListLength(extensions->list); ++i) {
+        if (!HasOid(extensions->list->items[i], oid)) continue;
+        const Status status = RemoveAsn1ListItem(extensions->list, i, schema::X509Extension);
+        if (status != StatusOk) return status;
+    }
+    return StatusOk;
+}
+
+Status SetX509ExtensionsSorted(X509Extensions extensions, uint32_t sorted) {
+    if (extensions == nullptr) return Fail(StatusBadArgument);
+    SetAsn1ListSorted(extensions->list, sorted);
+    return StatusOk;
+}
