@@ -166,7 +166,7 @@ Status GetAsn1Integer(const Asn1Value* value, uint8_t* buffer, uint32_t* length)
 
 Status GetAsn1Int32(const Asn1Value* value, int32_t* number) {
     if (AnyNull(value, number)) return Fail(StatusBadArgument);
-    uint8_t bytes[4];
+    uint8_t bytes[4] = {};
     uint32_t length = sizeof(bytes);
     const Status status = GetAsn1Integer(value, bytes, &length);
     if (status != StatusOk) return status;
