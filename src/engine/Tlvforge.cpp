@@ -433,11 +433,12 @@ inline uint32_t TagOctets(uint32_t tagNumber) {
 }
 
 // The two passes of the encoder are one code over two cursors. The measuring pass goes forward, so that the first fault
-// is the one reported. The writing pass fills its buffer from the end: content first, then the header, whose length
-// is simply known then. Each pass visits a node once.
+// is the one reported, and it alone checks the tree. The writing pass fills its buffer from the end: content first,
+// then the header, whose length is simply known then. Each pass visits a node once.
 struct Measure {
     using Cursor = uint64_t;  // bytes so far
     static constexpr bool kBackwards = false;
+    static constexpr bool kChecks = true;
 
     static uint64_t Between(Cursor mark, Cursor at) { return at - mark; }
     static Cursor Bytes(Cursor at, const uint8_t*, uint32_t count) { return at + count; }
@@ -453,6 +454,7 @@ struct Measure {
 struct Write {
     using Cursor = uint8_t*;  // where what is written begins
     static constexpr bool kBackwards = true;
+    static constexpr bool kChecks = false;
 
     static uint64_t Between(Cursor mark, Cursor at) { return static_cast<uint64_t>(mark - at); }
     static Cursor Bytes(Cursor at, const uint8_t* bytes, uint32_t count) {
@@ -508,15 +510,15 @@ template <class Pass>
 inline Emitted<Pass> EmitItem(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
     CountEncoderVisit();
     if (node == nullptr && (item.itemFlags & Asn1FlagOptional) != 0) return Emitted<Pass>::At(at);
-    if (node == nullptr || item.defaultValue != nullptr) return EmitAnyItem<Pass>(node, item, at);
+    if ((Pass::kChecks && node == nullptr) || item.defaultValue != nullptr) return EmitAnyItem<Pass>(node, item, at);
     if (IsPlainAny(item)) {
         const Asn1Any& any = *static_cast<const Asn1Any*>(node);
-        if (HasLostBytes(&any)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+        if (Pass::kChecks && HasLostBytes(&any)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
         return Emitted<Pass>::At(Pass::Bytes(at, any.data, any.length));
     }
     if (!IsPlainValue(item)) return EmitAnyItem<Pass>(node, item, at);
     const Asn1Value& value = *static_cast<const Asn1Value*>(node);
-    if (HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (Pass::kChecks && HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
     at = Pass::Bytes(at, value.data, value.length);
     return Emitted<Pass>::At(Pass::Header(at, item.tagClass, 0, static_cast<uint32_t>(TagOf(item)), value.length));
 }
@@ -572,10 +574,10 @@ Status PermuteEncodings(uint8_t* at, Encoding* encodings, uint32_t count) {
 template <class Pass>
 [[gnu::always_inline]] inline Emitted<Pass> EmitList(const Asn1List& list, const Asn1Item& item,
                                                      typename Pass::Cursor at) {
-    if (item.childCount != 1 || item.children == nullptr || item.children[0] == nullptr) {
+    if (Pass::kChecks && (item.childCount != 1 || item.children == nullptr || item.children[0] == nullptr)) {
         return Emitted<Pass>::Failed(Fail(StatusBadItem));
     }
-    if (list.count != 0 && list.items == nullptr) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (Pass::kChecks && list.count != 0 && list.items == nullptr) return Emitted<Pass>::Failed(Fail(StatusAbsent));
     const Asn1Item& element = *item.children[0];
     if constexpr (Pass::kBackwards) {
         if (item.kind == Asn1KindSetOf && list.sorted != 0 && list.count > 1) return WriteSorted(list, element, at);
@@ -592,10 +594,11 @@ template <class Pass>
 template <class Pass>
 [[gnu::always_inline]] inline Emitted<Pass> EmitFields(const Cell* block, const Asn1Item& item,
                                                        typename Pass::Cursor at) {
-    if (item.children == nullptr && item.childCount != 0) return Emitted<Pass>::Failed(Fail(StatusBadArgument));
+    if (Pass::kChecks && item.children == nullptr && item.childCount != 0)
+        return Emitted<Pass>::Failed(Fail(StatusBadArgument));
     for (uint32_t i = 0; i < item.childCount; ++i) {
         const uint32_t field = Pass::kBackwards ? item.childCount - 1 - i : i;
-        if (item.children[field] == nullptr) return Emitted<Pass>::Failed(Fail(StatusBadArgument));
+        if (Pass::kChecks && item.children[field] == nullptr) return Emitted<Pass>::Failed(Fail(StatusBadArgument));
         const Emitted<Pass> emitted = EmitItem<Pass>(block[field], *item.children[field], at);
         if (emitted.status != StatusOk) return emitted;
         at = emitted.at;
@@ -608,12 +611,12 @@ template <class Pass>
 Emitted<Pass> EmitPrimitive(const void* node, uint8_t kind, typename Pass::Cursor at) {
     if (kind == Asn1KindBitString) {
         const Asn1BitString& value = *static_cast<const Asn1BitString*>(node);
-        if (HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+        if (Pass::kChecks && HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
         return Emitted<Pass>::At(Pass::Octet(Pass::Bytes(at, value.data, value.length), value.unusedBits));
     }
     if (!IsValueKind(kind)) return Emitted<Pass>::Failed(Fail(StatusUnsupportedKind));
     const Asn1Value& value = *static_cast<const Asn1Value*>(node);
-    if (HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (Pass::kChecks && HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
     return Emitted<Pass>::At(Pass::Bytes(at, value.data, value.length));
 }
 
@@ -630,7 +633,7 @@ template <class Pass>
 // An implicit tag takes the place of the captured element's class and number; its constructed bit stays.
 template <class Pass>
 Emitted<Pass> EmitAny(const Asn1Any& any, const Asn1Item& item, typename Pass::Cursor at) {
-    if (HasLostBytes(&any)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (Pass::kChecks && HasLostBytes(&any)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
     at = Pass::Bytes(at, any.data, any.length);
     if (item.tagClass == Asn1ClassContext && (item.itemFlags & Asn1FlagExplicit) == 0 && any.length > 0) {
         Pass::ReplaceFirst(at, static_cast<uint8_t>((any.data[0] & Asn1Constructed) | Asn1ClassContext |
@@ -643,7 +646,7 @@ template <class Pass>
 [[gnu::always_inline]] inline Emitted<Pass> CloseElement(typename Pass::Cursor mark, typename Pass::Cursor at,
                                                          uint8_t tagClass, uint8_t constructedBit, int32_t tagNumber) {
     const uint64_t content = Pass::Between(mark, at);
-    if (content > UINT32_MAX) return Emitted<Pass>::Failed(Fail(StatusLengthTooLong));
+    if (Pass::kChecks && content > UINT32_MAX) return Emitted<Pass>::Failed(Fail(StatusLengthTooLong));
     return Emitted<Pass>::At(
         Pass::Header(at, tagClass, constructedBit, static_cast<uint32_t>(tagNumber), static_cast<uint32_t>(content)));
 }
@@ -664,8 +667,9 @@ template <class Pass>
     if (item.kind == Asn1KindChoice) {
         // A tag of the CHOICE itself is not written: only an explicit one has an effect, by its wrapper.
         const Asn1Choice& choice = *static_cast<const Asn1Choice*>(node);
-        if (choice.selected >= item.childCount) return Emitted<Pass>::Failed(Fail(StatusBadAlternative));
-        if (item.children == nullptr || item.children[choice.selected] == nullptr) {
+        if (Pass::kChecks && choice.selected >= item.childCount)
+            return Emitted<Pass>::Failed(Fail(StatusBadAlternative));
+        if (Pass::kChecks && (item.children == nullptr || item.children[choice.selected] == nullptr)) {
             return Emitted<Pass>::Failed(Fail(StatusBadArgument));
         }
         return EmitItem<Pass>(choice.value, *item.children[choice.selected], at);
@@ -677,14 +681,14 @@ template <class Pass>
 
 template <class Pass>
 Emitted<Pass> EmitAnyItem(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
-    if (node == nullptr) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (Pass::kChecks && node == nullptr) return Emitted<Pass>::Failed(Fail(StatusAbsent));
     if ((item.itemFlags & Asn1FlagOptional) != 0 && item.defaultValue != nullptr) {
         uint32_t equal = 0;
         const Status status = EqualsDefault(node, item, &equal);
         if (status != StatusOk || equal != 0) return {at, status};
     }
     const bool wrapped = (item.itemFlags & Asn1FlagExplicit) != 0;
-    if (wrapped && item.tagNumber < 0) return Emitted<Pass>::Failed(Fail(StatusBadItem));
+    if (Pass::kChecks && wrapped && item.tagNumber < 0) return Emitted<Pass>::Failed(Fail(StatusBadItem));
     const uint8_t tagClass = wrapped ? uint8_t{Asn1ClassUniversal} : item.tagClass;
     const Emitted<Pass> inner = EmitBody<Pass>(node, item, tagClass, wrapped ? item.kind & 127 : TagOf(item), at);
     if (!wrapped || inner.status != StatusOk) return inner;

@@ -14,7 +14,7 @@ Status DecodeAndWalk(const Bytes& input) {
     Certificate* certificate = nullptr;
     const Status status = DecodeCertificate(exact.get(), static_cast<uint32_t>(input.size()), &certificate);
     EXPECT_EQ(status == StatusOk, certificate != nullptr);
-    if (certificate != nullptr) WalkCertificate(certificate);
+    if (certificate != nullptr) walk::WalkCertificate(certificate);
     FreeCertificate(certificate);
     return status;
 }

@@ -1,0 +1,41 @@
+// Text in and out of its armour, and what else works on plain bytes.
+#include "walk.h"
+
+using namespace walk;
+
+namespace {
+
+const char* TextOf(const Bytes& bytes) { return reinterpret_cast<const char*>(bytes.data()); }
+
+void WalkArmour(const Bytes& in) {
+    (void)Get(DecodeFromBase64, TextOf(in), in.size());
+    if (const auto content = Get(DecodePem, TextOf(in), in.size())) Require((*content)[0].size() != 0);
+    if (in.size() == 0) return;  // has no text
+    const auto [base64] = Sure(Get(EncodeToBase64, in.data(), in.size()));
+    const auto [pem] = Sure(Get(EncodePem, in.data(), in.size(), "X"));
+    Require(Sure(Get(DecodeFromBase64, TextOf(base64), base64.size()))[0] == in);
+    for (const Bytes* text : {&base64, &pem}) Require(Sure(Get(DecodePem, TextOf(*text), text->size()))[0] == in);
+}
+
+void WalkText(const Bytes& in) {
+    const std::string text = std::string(in.data(), in.end()).c_str();
+    uint32_t type = 0, length = 0;
+    Require(Ok(DetermineSuitableStringType(in.data(), in.size(), &type)));
+    for (uint32_t size = 1;; size = std::max(2 * size, length)) {
+        const Bytes utf8(length = size);
+        if (Ok(ConvertAnsiToUTF8(text.c_str(), reinterpret_cast<char*>(utf8.data()), &length))) {
+            return Require(std::find(utf8.data(), utf8.end(), 0) - utf8.data() == length && length >= text.size());
+        }
+        Require(length == 20 + 2 * text.size());
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const Bytes in(data, size);
+    WalkArmour(in);
+    WalkText(in);
+    Require(Ok(sha1(in.data(), in.size(), Bytes(20).data())));
+    return 0;
+}

@@ -1,0 +1,103 @@
+// The engine over items that use every block of engine/items.h: the first byte chooses one, the others are decoded.
+#include "engine/items.h"
+#include "engine/nodes.h"
+#include "walk.h"
+
+using namespace tlvforge;
+using namespace tlvforge::schema;
+using namespace walk;
+
+namespace {
+
+constexpr Asn1Item kApplication = Tagged(OctetString, Asn1ClassApplication, 3, 0);
+constexpr Asn1Item kPrivate = Tagged(Integer, Asn1ClassPrivate, 1000000, Asn1FlagExplicit);
+constexpr Asn1Item kUniversal = Tagged(UTF8String, Asn1ClassUniversal, 2, Asn1FlagExplicit);
+constexpr Asn1Item kLeaf = Choice<Boolean, Integer, BitString, OctetString, Null, ObjectIdentifier, Enumerated,
+                                  UTF8String, Primitive<18>, Primitive<19>, Primitive<20>, Primitive<21>, IA5String,
+                                  UTCTime, GeneralizedTime, Primitive<25>, Primitive<26>, Primitive<27>, Primitive<28>,
+                                  Primitive<30>, Explicit<1, Any>, kApplication, kPrivate, Implicit<0, OctetString>>;
+constexpr Asn1Item kTagged =
+    Sequence<Optional<Implicit<0, Integer>>, Optional<Explicit<1, kLeaf>>, Default<Explicit<2, Integer>, kZero>,
+             Default<Implicit<3, Boolean>, kFalse>, Optional<Implicit<4, SetOf<Any>>>,
+             Optional<Implicit<31, BitString>>, Optional<Explicit<300, OctetString>>, Optional<kPrivate>,
+             Optional<kUniversal>, Optional<Explicit<5, SequenceOf<kLeaf>>>>;
+constexpr Asn1Item kSets = SetOf<SequenceOf<SetOf<kLeaf>>>;
+constexpr Asn1Item kDeep = Sequence<kTagged, Optional<Sequence<Integer, kSets, Optional<Any>>>, SequenceOf<kTagged>>;
+constexpr Asn1Item kComparable = Sequence<Boolean, Integer, Optional<BitString>, SequenceOf<OctetString>>;
+// A SET with fields can be read and not written.
+constexpr Asn1Item kSet = {0, Asn1Constructed, 0, Asn1KindSet, -1, 0, kComparable.children, 4, nullptr};
+constexpr const Asn1Item* kItems[] = {&kLeaf, &kTagged, &kSets, &kDeep, &kComparable, &Any, &kSet};
+
+struct Node {
+    const Asn1Item& item;
+    void* tree = nullptr;
+    ~Node() { FreeAsn1Object(&item, tree); }
+
+    bool Decode(const Bytes& in) {
+        uint32_t consumed = 0;
+        const bool read = Ok(Asn1DecodeItem(in.data(), in.size(), &item, &tree, &consumed));
+        Require(consumed <= in.size() && (read || tree == nullptr));
+        return read;
+    }
+    // Both ways to write, which have to agree.
+    MaybeBytes Encode() const {
+        auto written = Get(GetAsn1EncodedValue, tree, &item);
+        uint8_t* block = nullptr;
+        uint32_t length = 0;
+        Require(Ok(Asn1Encode(tree, &item, &block, &length)) == written.has_value());
+        if (written) Require(Bytes(block, length) == (*written)[0]);
+        Release(block);
+        return written;
+    }
+};
+
+void WalkItem(const Asn1Item& item, const Bytes& in) {
+    Node first{item}, second{item}, copy{item};
+    if (!first.Decode(in)) return;
+    const MaybeBytes once = first.Encode();
+    Require(once.has_value() == (item.kind != Asn1KindSet));
+    if (!once) return;
+    Require(second.Decode((*once)[0]) && second.Encode() == once);
+    uint32_t equal = 0;
+    if (Ok(CopyAsn1Object(&item, second.tree, &copy.tree))) Require(copy.Encode() == once);
+    if (Ok(CompareAsn1Objects(&item, second.tree, copy.tree, &equal))) Require((equal == 1) == (copy.tree != nullptr));
+}
+
+void WalkHeader(const Bytes& in) {
+    uint8_t tagClass = 0, constructed = 0;
+    uint32_t tag = 0, content = 0, header = 0, indefinite = 0;
+    (void)Ok(GetAsn1ObjectInfo(in.data(), in.size(), &tagClass, &constructed, &tag, &content, &indefinite, &header));
+    if (Ok(GetAsn1ObjectInfo(in.data(), in.size(), &tagClass, &constructed, &tag, &content, nullptr, &header))) {
+        Require(uint64_t{header} + content <= in.size());
+    }
+}
+
+void WalkContent(uint8_t kind, const Bytes& in) {
+    const auto rewritePrimitive = [kind](const Bytes& bytes) -> MaybeBytes {
+        const auto content = Get(DecodeAsn1PrimitiveValue, kind, bytes.data(), bytes.size());
+        if (!content) return std::nullopt;
+        return Sure(Get(EncodeAsn1PrimitiveValue, kind, (*content)[0].data(), (*content)[0].size()));
+    };
+    const auto rewriteOid = [](const Bytes& oid) -> MaybeBytes {
+        const auto text = Get(ConvertOidToString, oid.data());
+        return text ? Get(ConvertStringToOid, reinterpret_cast<const char*>((*text)[0].data())) : std::nullopt;
+    };
+    WalkTwice(in, rewritePrimitive, true);
+    for (const auto& oid : {Get(DecodeAsn1Oid, in.data(), in.size()),
+                            Get(ConvertStringToOid, std::string(in.data(), in.end()).c_str())}) {
+        if (oid) WalkTwice((*oid)[0], rewriteOid, true);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size == 0) return 0;
+    const uint64_t blocks = instruments.liveBlocks;
+    const Bytes in(data + 1, size - 1);
+    WalkItem(*kItems[data[0] % std::size(kItems)], in);
+    WalkHeader(in);
+    WalkContent(in.size() != 0 ? in.data()[0] & 0x1F : data[0], in);
+    Require(instruments.liveBlocks == blocks);
+    return 0;
+}
