@@ -106,6 +106,13 @@ Status FindOidOfId(const OidId* rows, uint32_t count, uint32_t id, const uint8_t
     return Fail(StatusUnknownId, place);
 }
 
+Status GiveOidOfId(const OidId* rows, uint32_t count, uint32_t id, uint8_t* oid, uint32_t* length, Place place) {
+    if (length == nullptr) return Fail(StatusBadArgument, place);
+    const uint8_t* found = nullptr;
+    const Status status = FindOidOfId(rows, count, id, &found, place);
+    return status == StatusOk ? GiveBytes(found, found[0] + 1u, oid, length, place) : status;
+}
+
 }  // namespace tlvforge
 
 Status DecodeAsn1Oid(const uint8_t* data, uint32_t length, uint8_t* buffer, uint32_t* bufferLength) {

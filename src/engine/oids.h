@@ -65,4 +65,12 @@ Status FindOid(const OidId (&table)[Count], uint32_t id, const uint8_t** oid, Pl
     return FindOidOfId(table, Count, id, oid, place);
 }
 
+// The OID of an id by the output-buffer rule, in the length-prefixed form.
+Status GiveOidOfId(const OidId* rows, uint32_t count, uint32_t id, uint8_t* oid, uint32_t* length, Place place);
+
+template <uint32_t Count>
+Status GiveOid(const OidId (&table)[Count], uint32_t id, uint8_t* oid, uint32_t* length, Place place = Place::Here()) {
+    return GiveOidOfId(table, Count, id, oid, length, place);
+}
+
 }  // namespace tlvforge

@@ -248,15 +248,8 @@ Status DetermineSuitableStringType(const uint8_t* text, uint32_t length, uint32_
     return StatusOk;
 }
 
-Status FindNameAttributeTypeIdByOid(const uint8_t* oid, uint32_t* id) {
-    if (AnyNull(oid, id)) return Fail(StatusBadArgument);
-    return FindId(kNameAttributeTypes, oid, id);
-}
+Status FindNameAttributeTypeIdByOid(const uint8_t* oid, uint32_t* id) { return FindId(kNameAttributeTypes, oid, id); }
 
 Status GetNameAttributeTypeOid(uint32_t id, uint8_t* oid, uint32_t* oidLength) {
-    if (oidLength == nullptr) return Fail(StatusBadArgument);
-    const uint8_t* found = nullptr;
-    const Status status = FindOid(kNameAttributeTypes, id, &found);
-    if (status != StatusOk) return status;
-    return GiveBytes(found, found[0] + 1u, oid, oidLength);
+    return GiveOid(kNameAttributeTypes, id, oid, oidLength);
 }

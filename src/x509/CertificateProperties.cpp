@@ -87,10 +87,10 @@ struct GostKeyForm {
 constexpr uint32_t Ids(uint32_t first, uint32_t last) { return (2u << last) - (1u << first); }
 
 constexpr GostKeyForm kGostKeyForms[] = {
-    {102, Ids(1, 6), Ids(1, 2)},
+    {AlgorithmGostR34102001, Ids(1, 6), Ids(1, 2)},
     // The sets of 2001 serve for 256-bit keys of 2012 as well.
-    {3000, Ids(1, 7) | Ids(9, 9), Ids(3, 3)},
-    {3001, Ids(8, 8) | Ids(10, 12), Ids(4, 4)},
+    {AlgorithmGostR34102012Key256, Ids(1, 7) | Ids(9, 9), Ids(3, 3)},
+    {AlgorithmGostR34102012Key512, Ids(8, 8) | Ids(10, 12), Ids(4, 4)},
 };
 
 const GostKeyForm* FindGostKeyForm(uint32_t algorithmId) {
@@ -122,9 +122,9 @@ Status ReadGostKeyForm(const AlgorithmIdentifier* algorithm, uint32_t* publicKey
     status = DecodeAlgorithmGostR34102001Parameters(parameters, parametersLength, &parametersForm, publicKeyParamSet,
                                                     digestParamSet, encryptionParamSet);
     if (status != StatusOk) return status;
-    if (parametersForm != 1) return Fail(StatusBadKeyForm);
-    const bool fits = Holds(form->publicKeyParamSets, *publicKeyParamSet) &&
-                      Holds(form->digestParamSets, *digestParamSet);
+    if (parametersForm != ParametersFormGost) return Fail(StatusBadKeyForm);
+    const bool fits =
+        Holds(form->publicKeyParamSets, *publicKeyParamSet) && Holds(form->digestParamSets, *digestParamSet);
     return fits ? StatusOk : Fail(StatusBadKeyForm);
 }
 
@@ -299,8 +299,8 @@ Status SetCertificatePublicKeyAlgorithmOidAndParameters(Certificate* certificate
     return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
 }
 
-Status SetCertificatePublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t id,
-                                                       const uint8_t* parameters, uint32_t length) {
+Status SetCertificatePublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t id, const uint8_t* parameters,
+                                                       uint32_t length) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
     AlgorithmIdentifier* algorithm = AlgorithmOf(KeyInfoOf(certificate));
     if (algorithm == nullptr) return Fail(StatusAbsent);
@@ -308,8 +308,7 @@ Status SetCertificatePublicKeyAlgorithmIdAndParameters(Certificate* certificate,
 }
 
 Status SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t algorithmId,
-                                                                    uint8_t parametersForm,
-                                                                    uint32_t publicKeyParamSet,
+                                                                    uint8_t parametersForm, uint32_t publicKeyParamSet,
                                                                     uint32_t digestParamSet,
                                                                     uint32_t encryptionParamSet) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
@@ -348,8 +347,7 @@ Status SetCertificateSignatureAlgorithmOidAndParameters(Certificate* certificate
 }
 
 Status SetCertificateGostR34102001SignatureAlgorithmIDAndParameters(Certificate* certificate, uint32_t algorithmId,
-                                                                    uint8_t parametersForm,
-                                                                    uint32_t publicKeyParamSet,
+                                                                    uint8_t parametersForm, uint32_t publicKeyParamSet,
                                                                     uint32_t digestParamSet,
                                                                     uint32_t encryptionParamSet) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
@@ -361,7 +359,7 @@ Status SetCertificateGostR34102001SignatureAlgorithmIDAndParameters(Certificate*
 
 Status SetCertificateGostR34102001SignatureAlgorithmID(Certificate* certificate, uint32_t algorithmId,
                                                        uint8_t parametersForm) {
-    if (parametersForm != 0 && parametersForm != 255) return Fail(StatusBadArgument);
+    if (parametersForm != ParametersFormNull && parametersForm != ParametersFormAbsent) return Fail(StatusBadArgument);
     return SetCertificateGostR34102001SignatureAlgorithmIDAndParameters(certificate, algorithmId, parametersForm, 0, 0,
                                                                         0);
 }

@@ -160,16 +160,10 @@ Status SetAlgorithmIdentifierIdAndParameters(AlgorithmIdentifier* record, uint32
 
 }  // namespace tlvforge
 
-Status FindAlgIdByOid(const uint8_t* oid, uint32_t* id) {
-    if (AnyNull(oid, id)) return Fail(StatusBadArgument);
-    return FindId(kAlgorithmIds, oid, id);
-}
+Status FindAlgIdByOid(const uint8_t* oid, uint32_t* id) { return FindId(kAlgorithmIds, oid, id); }
 
 Status GetPublicKeyAlgorithmOid(uint32_t id, uint8_t* oid, uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
-    const uint8_t* found = nullptr;
-    const Status status = FindOid(kAlgorithmIds, id, &found);
-    return status != StatusOk ? status : GiveBytes(found, found[0] + 1u, oid, length);
+    return GiveOid(kAlgorithmIds, id, oid, length);
 }
 
 Status DecodeAlgorithmGostR34102001Parameters(const uint8_t* bytes, uint32_t length, uint8_t* parametersForm,

@@ -65,8 +65,7 @@ Status GetBitStringField(const Asn1BitString* field, uint8_t* buffer, uint32_t* 
     return field == nullptr ? Fail(StatusAbsent, place) : GetAsn1BitString(field, nullptr, buffer, length);
 }
 
-Status ReplaceBitString(Asn1BitString** field, const uint8_t* bytes, uint32_t length, uint8_t unusedBits,
-                        Place place) {
+Status ReplaceBitString(Asn1BitString** field, const uint8_t* bytes, uint32_t length, uint8_t unusedBits, Place place) {
     Asn1BitString* replacement = AllocAsn1BitString(bytes, length, unusedBits);
     ReleaseRecord(*field);
     *field = replacement;
