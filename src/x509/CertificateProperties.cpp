@@ -102,8 +102,8 @@ const GostKeyForm* FindGostKeyForm(uint32_t algorithmId) {
 
 constexpr bool Holds(uint32_t mask, uint32_t id) { return id < 32 && (mask >> id & 1) != 0; }
 
-// Reads and checks algorithm and parameter sets. Work buffers that are too small give a plain 49 on purpose: callers
-// take it for a key that is no GOST key.
+// Reads and checks algorithm and parameter sets. What doesn't fit the work buffers is answered with 49 as it stands,
+// which is intended: the strict reader doesn't tell its own buffers from the caller's.
 Status ReadGostKeyForm(const AlgorithmIdentifier* algorithm, uint32_t* publicKeyParamSet, uint32_t* digestParamSet,
                        uint32_t* encryptionParamSet) {
     uint8_t oid[100];
