@@ -12,6 +12,8 @@
 #include <string_view>
 
 #include "outline/certificate.h"
+#include "outline/crl.h"
+#include "outline/request.h"
 #include "sample_certificate.h"
 
 using namespace examples;
@@ -26,6 +28,8 @@ struct Kind {
 
 constexpr Kind kKinds[] = {
     {"certificate", InspectCertificate},
+    {"crl", InspectCrl},
+    {"request", InspectRequest},
 };
 
 const Kind* FindKind(std::string_view name) {

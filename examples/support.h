@@ -37,6 +37,9 @@ private:
 };
 
 using OwnedCertificate = Owned<Certificate, FreeCertificate>;
+using OwnedCrl = Owned<X509Crl, FreeX509Crl>;
+using OwnedRequest = Owned<PKCS10CertReq, FreePKCS10CertReq>;
+using OwnedExtensions = Owned<X509ExtensionsCell, FreeX509Extensions>;
 using OwnedName = Owned<X509Name, FreeX509Name>;
 using OwnedGeneralNames = Owned<X509GeneralNames, FreeX509GeneralNames>;
 

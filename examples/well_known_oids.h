@@ -208,6 +208,15 @@ inline constexpr WellKnownOid kWellKnownOids[] = {
     {"1.2.643.100.114", "identificationKind"},
     {"1.2.643.3.123.3.1", "zelcryptKeyIdentifier"},
 
+    // Attributes of requests
+    {"1.2.840.113549.1.9.7", "challengePassword"},
+    {"1.2.840.113549.1.9.14", "extensionRequest"},
+    {"1.3.6.1.4.1.311.2.1.14", "certificateExtensions"},
+    {"1.3.6.1.4.1.311.13.2.1", "enrollmentNameValuePair"},
+    {"1.3.6.1.4.1.311.13.2.2", "enrollmentProvider"},
+    {"1.3.6.1.4.1.311.13.2.3", "operatingSystemVersion"},
+    {"1.3.6.1.4.1.311.21.20", "requestClientInfo"},
+
     // Extended key usages
     {"2.5.29.37.0", "anyExtendedKeyUsage"},
     {"1.3.6.1.5.5.7.3.1", "serverAuth"},

@@ -45,12 +45,10 @@ void Mutate(Bytes& bytes, std::mt19937& random) {
 std::vector<fs::path> Files(int count, char** names) {
     std::vector<fs::path> files;
     for (int i = 1; i < count; ++i) {
-        if (!fs::is_directory(names[i])) {
+        if (fs::is_directory(names[i])) {
+            for (const auto& entry : fs::directory_iterator(names[i])) files.push_back(entry.path());
+        } else {
             files.emplace_back(names[i]);
-            continue;
-        }
-        for (const auto& entry : fs::directory_iterator(names[i])) {
-            if (entry.is_regular_file()) files.push_back(entry.path());
         }
     }
     std::sort(files.begin(), files.end());
@@ -63,10 +61,7 @@ int main(int count, char** names) {
     size_t runs = 0;
     for (const fs::path& file : Files(count, names)) {
         std::ifstream in(file, std::ios::binary);
-        if (!in) {
-            fprintf(stderr, "%s can't be read\n", file.c_str());
-            return 1;
-        }
+        if (!in) return fprintf(stderr, "%s can't be read\n", file.c_str()), 1;
         const Bytes original{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
         Run(original);
         ++runs;

@@ -9,19 +9,11 @@
 namespace support {
 
 Bytes Hex(std::string_view text) {
-    Bytes bytes;
-    int high = -1;
-    for (const char c : text) {
-        if (!isxdigit(static_cast<unsigned char>(c))) continue;
-        const int digit = isdigit(static_cast<unsigned char>(c)) ? c - '0' : tolower(c) - 'a' + 10;
-        if (high < 0) {
-            high = digit;
-        } else {
-            bytes.push_back(static_cast<uint8_t>(high << 4 | digit));
-            high = -1;
-        }
-    }
-    EXPECT_LT(high, 0) << "odd number of digits: " << text;
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isxdigit);
+    EXPECT_EQ(digits.size() % 2, 0u) << "odd number of digits: " << text;
+    Bytes bytes(digits.size() / 2);
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = uint8_t(std::stoi(digits.substr(2 * i, 2), nullptr, 16));
     return bytes;
 }
 
@@ -43,17 +35,10 @@ Bytes OidOf(const char* dotted) {
 }
 
 Bytes Tlv(uint8_t identifier, const Bytes& content) {
-    Bytes out{identifier};
-    const size_t length = content.size();
-    if (length < 0x80) {
-        out.push_back(static_cast<uint8_t>(length));
-    } else {
-        int octets = 1;
-        while (length >> (8 * octets)) ++octets;
-        out.push_back(static_cast<uint8_t>(0x80 | octets));
-        for (int octet = octets; octet-- > 0;) out.push_back(static_cast<uint8_t>(length >> (8 * octet)));
-    }
-    return out + content;
+    if (content.size() < 0x80) return Bytes{identifier, uint8_t(content.size())} + content;
+    Bytes length;
+    for (size_t rest = content.size(); rest > 0; rest >>= 8) length.insert(length.begin(), uint8_t(rest));
+    return Bytes{identifier, uint8_t(0x80 | length.size())} + length + content;
 }
 
 Bytes operator+(const Bytes& left, const Bytes& right) {

@@ -11,10 +11,12 @@
 #include <vector>
 
 #include "tlvforge/tlvforge.h"
+#include "walk.h"
 
 namespace support {
 
 using Bytes = std::vector<uint8_t>;
+using Numbers = std::vector<uint32_t>;
 
 // "30 03 02 01 05"; anything but hex digits is skipped.
 Bytes Hex(std::string_view text);
@@ -28,28 +30,44 @@ Bytes OidOf(const char* dotted);
 Bytes Tlv(uint8_t identifier, const Bytes& content);
 Bytes operator+(const Bytes& left, const Bytes& right);
 
-template <class T, auto Free>
-struct Deleter {
-    void operator()(T* object) const { (void)Free(object); }
-};
+template <class Container>
+uint32_t Size(const Container& container) {
+    return static_cast<uint32_t>(container.size());
+}
+inline Bytes OidTlv(const std::string& dotted) { return Bytes{6} + OidOf(dotted.c_str()); }
 
-template <class T, auto Free>
-using Owned = std::unique_ptr<T, Deleter<T, Free>>;
-
-// Calls create(&object) and owns what it gives; null, with a test failure, if the call fails.
-template <class T, auto Free, class Create>
-Owned<T, Free> Make(Create&& create) {
-    T* object = nullptr;
-    EXPECT_EQ(create(&object), StatusOk);
-    return Owned<T, Free>(object);
+// Calls made one after the other, and values looked at between them, each with what it must give.
+inline void Check(std::initializer_list<std::pair<uint32_t, uint32_t>> calls) {
+    for (const auto& call : calls) EXPECT_EQ(call.first, call.second) << "call " << &call - calls.begin();
 }
 
-// Fetches the result of call(buffer, &length), and checks the output-buffer rule on the way: the size query, a buffer
-// that is one byte short (49, length stored, buffer untouched) and one of the exact size give the same length.
-template <class Call>
-Bytes Fetch(Call&& call) {
+template <class T, auto Free>
+using Owned = walk::Owned<Free>;
+
+// Owns what function(arguments..., &object) gives; null, with a test failure, if the call fails.
+template <auto Free, class Function, class... Arguments>
+walk::Owned<Free> Make(Function&& function, Arguments... arguments) {
+    typename walk::Owned<Free>::pointer object = nullptr;
+    EXPECT_EQ(function(arguments..., &object), StatusOk);
+    return walk::Owned<Free>(object);
+}
+template <class T, auto Free, class Function>
+Owned<T, Free> Make(Function&& function) {
+    return Make<Free>(function);
+}
+template <auto Free, class Function>
+walk::Owned<Free> Decoded(Function decode, const Bytes& in) {
+    return Make<Free>(decode, in.data(), Size(in));
+}
+
+// Fetches the result of function(arguments..., buffer, &length), and checks the output-buffer rule on the way: the size
+// query, a buffer that is one byte short (49, length stored, buffer untouched) and one of the exact size give the same
+// length.
+template <class Function, class... Arguments>
+Bytes Fetch(Function&& function, Arguments... arguments) {
+    const auto call = [&](uint8_t* buffer, uint32_t* length) { return function(arguments..., buffer, length); };
     uint32_t needed = 0;
-    const Status asked = call(static_cast<uint8_t*>(nullptr), &needed);
+    const Status asked = call(nullptr, &needed);
     EXPECT_EQ(asked, StatusOk) << "size query";
     if (asked != StatusOk) return {};
     if (needed > 0) {

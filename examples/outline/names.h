@@ -14,11 +14,6 @@ inline std::string ToText(const LibraryTime& time) {
     return text;
 }
 
-inline void PrintTime(Outline& outline, const std::string& label, Status status, const LibraryTime& time) {
-    if (status != StatusOk) return outline.Failed(label, status);
-    outline.Line(label, ToText(time));
-}
-
 // An entry that joins the one before it in a set of several is marked with a plus sign.
 inline void PrintNameEntry(Outline& outline, const X509Name* name, uint32_t rdn, uint32_t entry) {
     Output value, oid;

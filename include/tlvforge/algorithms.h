@@ -77,7 +77,8 @@ TLVFORGE_STATUS GetPublicKeyAlgorithmOid(uint32_t id, uint8_t* oid, uint32_t* le
  * DecodeAlgorithmGostR34102001Parameters reads GOST parameters, of keys of 2001 and 2012, as numbers of sets.
  * bytes: the whole element; null or length 0 for absent parameters. parametersForm: out, stored in all cases.
  * The sets are stored for form 1 only, where they are required. A missing encryption set is always number 1.
- * Status 302 for any other content; 308 for a set without a number, with the sets before it stored.
+ * Status 302 for any other content, also for parameters without a digest set, which RFC 9215 allows; 308 for a set
+ * without a number, with the sets before it stored.
  */
 TLVFORGE_STATUS DecodeAlgorithmGostR34102001Parameters(const uint8_t* bytes, uint32_t length, uint8_t* parametersForm,
                                                        uint32_t* publicKeyParamSet, uint32_t* digestParamSet,
@@ -98,7 +99,7 @@ TLVFORGE_STATUS EncodeAlgorithmGostR34102001Parameters(uint8_t parametersForm, u
  * algorithmId: 102, 3000 or 3001 (else 32); it decides the encryption OID that stands in for a missing
  *              one: 1.2.643.2.2.31.1 for 102, otherwise 1.2.643.7.1.2.5.1.1.
  * bytes: the whole element, or null. With parametersForm 0 and 255 the three lengths become 0.
- * Status 302 for any other content.
+ * Status 302 for any other content, also for parameters without a digest set.
  */
 TLVFORGE_STATUS DecodeAlgorithmGostR3410ParameterOids(uint32_t algorithmId, const uint8_t* bytes, uint32_t length,
                                                       uint8_t* parametersForm, uint8_t* publicKeyOid,

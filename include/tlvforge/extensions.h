@@ -214,7 +214,7 @@ TLVFORGE_STATUS EncodeExtensionAuthorityKeyIdentifier(const uint8_t* keyId, uint
 /*
  * DecodeExtensionIssuingDistributionPoint reads all fields.
  * fullName, relativeName: only tell by not being null that the name is there. What they point to has been freed when
- * the function returns: never follow or free them.
+ * the function returns: never follow or free them. A relative name in the form of RFC 5280 gives 302.
  * The four booleans give their byte, 0 or 255, and a has flag that is always 1, since an absent one reads as false.
  * onlySomeReasons: flag word. Its field has the tag [1], the same as onlyContainsUserCerts, so that reasons written
  * without onlyContainsUserCerts are taken for it: 307.

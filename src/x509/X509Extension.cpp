@@ -2,28 +2,10 @@
 
 #include "engine/nodes.h"
 #include "engine/oids.h"
-#include "tlvforge/oid.h"
 #include "x509/extension.schema.h"
+#include "x509/list_cells.h"
 
 using namespace tlvforge;
-
-namespace {
-
-// Moves a list into a cell of its own.
-Status WrapInCell(Tree<Asn1List>* list, X509Extensions* out) {
-    void* block = Allocate(sizeof(X509ExtensionsCell));
-    if (block == nullptr) return Fail(StatusOutOfMemory);
-    *out = new (block) X509ExtensionsCell{list->Take()};
-    return StatusOk;
-}
-
-// Null members have no OID.
-bool HasOid(const void* member, const uint8_t* oid) {
-    const auto* extension = static_cast<const X509Extension*>(member);
-    return extension != nullptr && IsOidAndAsn1ObjectIdentifierEquals(oid, extension->extnID) != 0;
-}
-
-}  // namespace
 
 Status CreateX509Extension(X509Extension** out, const uint8_t* oid, uint32_t critical, const uint8_t* value,
                            uint32_t valueLength) {
@@ -67,70 +49,39 @@ Status EncodeX509Extension(const X509Extension* extension, uint8_t* buffer, uint
 
 Status FreeX509Extension(X509Extension* extension) { return FreeAsn1Object(&schema::X509Extension, extension); }
 
-Status CreateX509Extensions(X509Extensions* out) {
-    if (out == nullptr) return Fail(StatusBadArgument);
-    *out = nullptr;
-    Tree<Asn1List> list(schema::X509Extensions);
-    const Status status = list.Create();
-    return status == StatusOk ? WrapInCell(&list, out) : status;
-}
+Status CreateX509Extensions(X509Extensions* out) { return CreateCell(schema::X509Extensions, out); }
 
 Status DecodeX509Extensions(const uint8_t* data, uint32_t length, X509Extensions* out) {
-    if (AnyNull(data, out)) return Fail(StatusBadArgument);
-    Tree<Asn1List> list(schema::X509Extensions);
-    const Status status = list.Decode(data, length);
-    return status == StatusOk ? WrapInCell(&list, out) : status;
+    return DecodeCell(schema::X509Extensions, data, length, out);
 }
 
 Status EncodeX509Extensions(X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
-    if (extensions == nullptr) return Fail(StatusBadArgument);
-    return GetAsn1EncodedValue(extensions->list, &schema::X509Extensions, buffer, length);
+    return EncodeCell(schema::X509Extensions, extensions, buffer, length);
 }
 
-Status FreeX509Extensions(X509Extensions extensions) {
-    if (extensions == nullptr) return StatusOk;
-    FreeField(schema::X509Extensions, &extensions->list);
-    Release(extensions);
-    return StatusOk;
-}
+Status FreeX509Extensions(X509Extensions extensions) { return FreeCell(schema::X509Extensions, extensions); }
 
-Status ClearX509Extensions(X509Extensions extensions) {
-    if (extensions == nullptr) return Fail(StatusBadArgument);
-    if (extensions->list != nullptr) ClearAsn1List(extensions->list, schema::X509Extension);
-    return StatusOk;
-}
+Status ClearX509Extensions(X509Extensions extensions) { return ClearCell(schema::X509Extensions, extensions); }
 
-Status RemoveX509Extensions(X509Extensions extensions) {
-    if (extensions == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::X509Extensions, &extensions->list);
-    return StatusOk;
-}
+Status RemoveX509Extensions(X509Extensions extensions) { return EmptyCell(schema::X509Extensions, extensions); }
 
 Status AddX509ExtensionsExtension(X509Extensions extensions, const uint8_t* oid, int32_t critical, const uint8_t* value,
                                   uint32_t valueLength) {
     if (AnyNull(extensions, oid, value)) return Fail(StatusBadArgument);
-    if (extensions->list == nullptr) extensions->list = AllocAsn1List();
-    if (extensions->list == nullptr) return Fail(StatusOutOfMemory);
+    Status status = NeedList(&extensions->list);
+    if (status != StatusOk) return status;
     X509Extension* extension = nullptr;
-    const Status status = CreateX509Extension(&extension, oid, critical != 0, value, valueLength);
+    status = CreateX509Extension(&extension, oid, critical != 0, value, valueLength);
     return status == StatusOk ? Tree(schema::X509Extension, extension).MoveTo(extensions->list) : status;
 }
 
 Status FindX509Extension(X509Extensions extensions, const uint8_t* oid, uint32_t* index) {
     if (AnyNull(extensions, oid, index)) return Fail(StatusBadArgument);
-    const uint32_t count = GetAsn1ListLength(extensions->list);
-    for (uint32_t i = 0; i < count; ++i) {
-        if (!HasOid(extensions->list->items[i], oid)) continue;
-        *index = i;
-        return StatusOk;
-    }
-    return Fail(StatusNotFound);
+    return FindByOid(extensions->list, &X509Extension::extnID, oid, index);
 }
 
 Status GetX509ExtensionsExtensionsCount(X509Extensions extensions, uint32_t* count) {
-    if (AnyNull(extensions, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(extensions->list);
-    return StatusOk;
+    return GetCellCount(extensions, count);
 }
 
 Status GetX509ExtensionsExtension(X509Extensions extensions, uint32_t index, uint8_t* oid, uint32_t* oidLength,
@@ -164,15 +115,11 @@ Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* 
     // The index goes up after a removal too, so that the member behind the removed one stays unseen. This is intended:
     // the setters of the documents replace an extension with the effect that it has on neighbours of the same OID.
     for (uint32_t i = 0; i < GetAsn1ListLength(extensions->list); ++i) {
-        if (!HasOid(extensions->list->items[i], oid)) continue;
+        if (!HasOid(extensions->list, i, &X509Extension::extnID, oid)) continue;
         const Status status = RemoveAsn1ListItem(extensions->list, i, schema::X509Extension);
         if (status != StatusOk) return status;
     }
     return StatusOk;
 }
 
-Status SetX509ExtensionsSorted(X509Extensions extensions, uint32_t sorted) {
-    if (extensions == nullptr) return Fail(StatusBadArgument);
-    SetAsn1ListSorted(extensions->list, sorted);
-    return StatusOk;
-}
+Status SetX509ExtensionsSorted(X509Extensions extensions, uint32_t sorted) { return SetCellSorted(extensions, sorted); }

@@ -54,9 +54,9 @@ Status SetAuthorityKeyIdentifier(X509Extensions extensions, const uint8_t* keyId
 
 // The parts of an authority key identifier that an issuer's certificate gives.
 struct AuthorityIdentity {
-    const uint8_t* keyId = nullptr; // the bytes below, or null: any failure to read one means none
+    const uint8_t* keyId = nullptr;  // the bytes below, or null: any failure to read one means none
     uint32_t keyIdLength = 32;
-    X509Name* issuer = nullptr; // of the certificate's issuer, lent
+    X509Name* issuer = nullptr;  // of the certificate's issuer, lent
     uint32_t serialLength = 64;
     uint8_t keyIdBytes[32];
     uint8_t serial[64];

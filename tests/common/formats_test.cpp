@@ -117,11 +117,12 @@ TEST(Convert, CodePageNeedsTenFreeBytesPerCharacter) {
 
 TEST(Convert, ArraysAreEqualByLengthAndBytes) {
     const uint8_t bytes[] = {1, 2, 1, 3};
-    EXPECT_EQ(IsArrayEquals(nullptr, 5, nullptr, 7) + IsArrayEquals(bytes, 1, bytes + 2, 1), StatusOk);
-    EXPECT_EQ(IsArrayEquals(bytes, -1, bytes + 2, -1), StatusOk);
-    EXPECT_EQ(IsArrayEquals(bytes, 0, nullptr, 0), StatusNotEqual);
-    EXPECT_EQ(IsArrayEquals(bytes, 2, bytes + 2, 2), StatusNotEqual);
-    EXPECT_EQ(IsArrayEquals(bytes, 2, bytes, 1), StatusNotEqual);
+    // clang-format off
+    Check({{IsArrayEquals(nullptr, 5, nullptr, 7), 0}, {IsArrayEquals(bytes, 1, bytes + 2, 1), 0},
+           {IsArrayEquals(bytes, -1, bytes + 2, -1), 0}, {IsArrayEquals(bytes, 0, nullptr, 0), StatusNotEqual},
+           {IsArrayEquals(bytes, 2, bytes + 2, 2), StatusNotEqual},
+           {IsArrayEquals(bytes, 2, bytes, 1), StatusNotEqual}});
+    // clang-format on
 }
 
 TEST(Sha1, DigestOfAllDigestsOverThePaddingBoundaries) {

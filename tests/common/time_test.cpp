@@ -10,7 +10,6 @@ using namespace support;
 
 namespace {
 
-using Numbers = std::vector<uint32_t>;
 using Fields = std::array<uint32_t, 8>;  // in the order of the records
 
 const LibraryTime kNoon = {2024, 2, 29, 12, 30, 45};
@@ -25,14 +24,14 @@ struct Zone {
 
 // What a time is written as, behind U for UTCTime or G for GeneralizedTime.
 std::string Written(const LibraryTime& time, decltype(EncodeTime) encode = EncodeTime) {
-    const Bytes tlv = Fetch([&](uint8_t* out, uint32_t* length) { return encode(&time, out, length); });
+    const Bytes tlv = Fetch(encode, &time);
     return (tlv.at(0) == 0x17 ? "U" : "G") + std::string(tlv.begin() + 2, tlv.end());
 }
 
 // The status of reading such a text.
 Status Read(const std::string& text, LibraryTime* time, decltype(DecodeTime) decode = DecodeTime) {
     const Bytes data = Tlv(text[0] == 'U' ? 0x17 : text[0] == 'G' ? 0x18 : 0x04, Text(text.substr(1)));
-    return decode(data.data(), uint32_t(data.size()), time);
+    return decode(data.data(), Size(data), time);
 }
 
 }  // namespace
@@ -57,7 +56,7 @@ TEST(LibraryTime, SetStoresUpToTheFirstFieldOutOfRange) {
 }
 
 TEST(LibraryTime, NullTimeIsOnlyANewRecordAndCannotBeSet) {
-    const auto time = Make<LibraryTime, FreeLibraryTime>(CreateLibraryTime);
+    const auto time = Make<FreeLibraryTime>(CreateLibraryTime);
     Accuracy accuracy{0, 0, 1};
     EXPECT_EQ(IsLibraryTimeNull(time.get()) + IsLibraryPreciseTimeNull(nullptr) + IsAccuracyNull(&accuracy), 2u);
     time->second = 1;

@@ -1,11 +1,11 @@
-// Every allocation fails once: the answer is the out-of-memory status, nothing leaks, everything can still be freed.
+// Every allocation fails once, for certificates and their parts.
 
-#include <functional>
+#include "faults.h"
 
-#include "engine/tmalloc.h"
-#include "support.h"
-
+using faults::MakeAndFree;
 using support::Bytes;
+using support::Size;
+using support::Tlv;
 using support::operator+;
 using tlvforge::instruments;
 
@@ -13,14 +13,11 @@ namespace {
 
 using CertificateOwner = support::Owned<Certificate, FreeCertificate>;
 
-// In each scenario the first failure ends the chain of calls; what was made until then is freed in any case.
-
 Status FillName(X509Name* name) {
     const Bytes text = support::Text("Example"), oid = support::OidOf("2.5.4.3");
     Status status = StatusOk;
-    for (int32_t i = 0; i < 12 && status == StatusOk; ++i) {
+    for (int32_t i = 0; i < 12 && status == StatusOk; ++i)
         status = AddX509NameEntry(name, text.data(), 7, 12, oid.data(), i % 3 == 0);
-    }
     return status;
 }
 
@@ -54,18 +51,17 @@ Status Build(CertificateOwner* out) {
 
 // A set and a list of many elements, which make the encoder and the decoder allocate.
 Bytes LargeName() {
+    const Bytes type = support::OidTlv("2.5.4.3");
     Bytes set;
-    for (int i = 40; i-- > 0;) {
-        set = set + support::Tlv(0x30, support::Hex("0603550403") + support::Tlv(0x0C, Bytes(3, uint8_t('A' + i))));
-    }
-    return support::Tlv(0x30, support::Tlv(0x31, set));
+    for (uint8_t c = 'A' + 40; c-- > 'A';) set = set + Tlv(0x30, type + Tlv(0x0C, Bytes(3, c)));
+    return Tlv(0x30, Tlv(0x31, set));
 }
 
 Status DecodeAndEncodeName(const Bytes& encoded) {
     X509Name *name = nullptr, *found = nullptr;
     X509GeneralNames* names = nullptr;
     Bytes out(encoded.size());
-    uint32_t length = uint32_t(out.size());
+    uint32_t length = Size(out);
     Status status = StatusOk;
     (void)((status = DecodeX509Name(encoded.data(), length, &name)) ||
            (status = EncodeX509Name(name, out.data(), &length)) || (status = FillName(name)) ||
@@ -87,22 +83,10 @@ Status GrowPolicies() {
     return status + FreeExtensionCertificatePolicies(policies);
 }
 
-std::vector<std::pair<const char*, std::function<Status()>>> Scenarios(const Bytes& encoded, const Certificate* whole) {
+faults::Scenarios Scenarios(const Bytes& encoded, const Certificate* whole) {
     const auto build = [] {
         CertificateOwner built;
         return Build(&built);
-    };
-    const auto decode = [&encoded] {
-        Certificate* decoded = nullptr;
-        const Status status = DecodeCertificate(encoded.data(), uint32_t(encoded.size()), &decoded);
-        EXPECT_EQ(status == StatusOk, decoded != nullptr);
-        return status + FreeCertificate(decoded);
-    };
-    const auto copy = [whole] {
-        Certificate* made = nullptr;
-        const Status status = CreateCertificateCopy(whole, &made);
-        EXPECT_EQ(status == StatusOk, made != nullptr);
-        return status + FreeCertificate(made);
     };
     const auto readIdentifier = [whole] {
         uint8_t keyId[64], serial[64];
@@ -113,8 +97,8 @@ std::vector<std::pair<const char*, std::function<Status()>>> Scenarios(const Byt
         return status + FreeX509Name(issuer);
     };
     return {{"build", build},
-            {"decode", decode},
-            {"copy", copy},
+            {"decode", [&] { return MakeAndFree<FreeCertificate>(DecodeCertificate, encoded.data(), Size(encoded)); }},
+            {"copy", [whole] { return MakeAndFree<FreeCertificate>(CreateCertificateCopy, whole); }},
             {"authority key identifier", readIdentifier},
             {"name", [name = LargeName()] { return DecodeAndEncodeName(name); }},
             {"policies", GrowPolicies}};
@@ -124,35 +108,11 @@ TEST(Faults, EveryAllocationFailsOnceOrFromThenOn) {
     CertificateOwner whole;
     instruments = {};
     ASSERT_EQ(Build(&whole), StatusOk);
-    const Bytes encoded =
-        support::Fetch([&](uint8_t* out, uint32_t* n) { return EncodeCertificate(whole.get(), out, n); });
     const uint64_t built = instruments.allocations;
-    (void)support::Fetch([&](uint8_t* out, uint32_t* n) { return EncodeCertificate(whole.get(), out, n); });
+    const Bytes encoded = support::Fetch(EncodeCertificate, whole.get());
     EXPECT_EQ(instruments.allocations, built) << "encoding a certificate needs no memory";
-    for (const auto& [name, run] : Scenarios(encoded, whole.get())) {
-        SCOPED_TRACE(name);
-        const uint64_t before = instruments.liveBlocks;
-        for (const bool ever : {false, true}) {
-            uint64_t fail = 0;
-            Status status = StatusOk;
-            do {
-                instruments = {.allocations = 0,
-                               .liveBlocks = before,
-                               .failAt = ++fail,
-                               .failEverAfter = ever,
-                               .decoderVisits = 0,
-                               .encoderVisits = 0};
-                status = run();
-                EXPECT_EQ(instruments.liveBlocks, before) << "leak at allocation " << fail;
-                if (instruments.allocations < fail) break;
-                // A name that can't be decoded for want of memory is passed over as any broken one.
-                EXPECT_TRUE(status == StatusOutOfMemory || status == StatusNotFound) << fail << ": " << status;
-            } while (true);
-            instruments.failAt = 0;
-            EXPECT_EQ(status, StatusOk);
-            EXPECT_GT(fail, 1u) << "no allocation was tried";
-        }
-    }
+    // A name that can't be decoded for want of memory is passed over as any broken one.
+    faults::FailEveryAllocation(Scenarios(encoded, whole.get()), StatusNotFound);
 }
 
 }  // namespace

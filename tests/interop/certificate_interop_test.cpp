@@ -7,10 +7,10 @@
 #include "support.h"
 
 using support::Bytes;
+using support::Fetch;
 
 namespace {
 
-using CertificateOwner = support::Owned<Certificate, FreeCertificate>;
 using Peer = std::unique_ptr<X509, decltype(&X509_free)>;
 
 template <class Value, class Write>
@@ -26,16 +26,10 @@ Bytes ContentOf(const ASN1_STRING* text) {
     return Bytes(ASN1_STRING_get0_data(text), ASN1_STRING_get0_data(text) + ASN1_STRING_length(text));
 }
 
-template <class Getter>
-Bytes Read(Getter getter, const Certificate* certificate) {
-    return support::Fetch([&](uint8_t* out, uint32_t* length) { return getter(certificate, out, length); });
-}
-
 void ExpectName(Status (*getter)(Certificate*, X509Name**), Certificate* certificate, X509_NAME* expected) {
     X509Name* name = nullptr;
     ASSERT_EQ(getter(certificate, &name), 0u);
-    EXPECT_EQ(support::Fetch([&](uint8_t* out, uint32_t* n) { return EncodeX509Name(name, out, n); }),
-              DerOf(expected, i2d_X509_NAME));
+    EXPECT_EQ(Fetch(EncodeX509Name, name), DerOf(expected, i2d_X509_NAME));
 }
 
 void ExpectTime(Status (*getter)(const Certificate*, LibraryTime*), const Certificate* certificate,
@@ -49,10 +43,9 @@ void ExpectTime(Status (*getter)(const Certificate*, LibraryTime*), const Certif
         return;
     }
     EXPECT_EQ(status, 0u);
-    const uint32_t ours[] = {time.year, time.month, time.day, time.hour, time.minute, time.second};
-    const int theirs[] = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
-                          fields.tm_hour,        fields.tm_min,     fields.tm_sec};
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(ours[i], static_cast<uint32_t>(theirs[i])) << "component " << i;
+    EXPECT_EQ(std::vector<int>({fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour, fields.tm_min,
+                                fields.tm_sec}),
+              std::vector<int>(&time.year, &time.second + 1));
 }
 
 void ExpectExtensions(Certificate* certificate, const X509* peer) {
@@ -63,16 +56,12 @@ void ExpectExtensions(Certificate* certificate, const X509* peer) {
     ASSERT_EQ(count, static_cast<uint32_t>(X509_get_ext_count(peer)));
     for (uint32_t i = 0; i < count; ++i) {
         X509_EXTENSION* expected = X509_get_ext(peer, static_cast<int>(i));
-        uint32_t critical = 9, oidLength = 0, valueLength = 0;
-        ASSERT_EQ(GetX509ExtensionsExtension(extensions, i, nullptr, &oidLength, &critical, nullptr, &valueLength), 0u);
-        Bytes oid(oidLength), value(valueLength);
-        ASSERT_EQ(
-            GetX509ExtensionsExtension(extensions, i, oid.data(), &oidLength, &critical, value.data(), &valueLength),
-            0u);
+        uint32_t critical = 9;
+        const auto [oid, value] =
+            walk::Sure(walk::Get(GetX509ExtensionsExtension, extensions, i, walk::kOut, &critical, walk::kOut));
         EXPECT_EQ(critical, static_cast<uint32_t>(X509_EXTENSION_get_critical(expected)));
-        EXPECT_EQ(value, ContentOf(X509_EXTENSION_get_data(expected)));
-        EXPECT_EQ(support::Fetch([&](uint8_t* out, uint32_t* n) { return EncodeAsn1Oid(oid.data(), out, n); }),
-                  DerOf(X509_EXTENSION_get_object(expected), i2d_ASN1_OBJECT));
+        EXPECT_EQ(Bytes(value.data(), value.end()), ContentOf(X509_EXTENSION_get_data(expected)));
+        EXPECT_EQ(Fetch(EncodeAsn1Oid, oid.data()), DerOf(X509_EXTENSION_get_object(expected), i2d_ASN1_OBJECT));
     }
 }
 
@@ -83,9 +72,7 @@ TEST(Interop, ReadsRealCertificatesAsOpenSslDoes) {
         SCOPED_TRACE(name);
         const uint8_t* at = bytes.data();
         const Peer peer(d2i_X509(nullptr, &at, static_cast<long>(bytes.size())), X509_free);
-        const auto ours = support::Make<Certificate, FreeCertificate>([&](Certificate** out) {
-            return DecodeCertificate(bytes.data(), static_cast<uint32_t>(bytes.size()), out);
-        });
+        const auto ours = support::Decoded<FreeCertificate>(DecodeCertificate, bytes);
         ASSERT_TRUE(ours);
         if (!peer) continue;  // OpenSSL refuses some that are well-formed
         ++compared;
@@ -93,23 +80,20 @@ TEST(Interop, ReadsRealCertificatesAsOpenSslDoes) {
         EXPECT_EQ(GetCertificateVersion(ours.get(), &version), 0u);
         EXPECT_EQ(version, X509_get_version(peer.get()));
         ASN1_INTEGER* serial = X509_get_serialNumber(peer.get());
-        EXPECT_EQ(support::Tlv(2, Read(GetCertificateSerialNumber, ours.get())), DerOf(serial, i2d_ASN1_INTEGER));
+        EXPECT_EQ(support::Tlv(2, Fetch(GetCertificateSerialNumber, ours.get())), DerOf(serial, i2d_ASN1_INTEGER));
         ExpectName(GetCertificateIssuer, ours.get(), X509_get_issuer_name(peer.get()));
         ExpectName(GetCertificateSubject, ours.get(), X509_get_subject_name(peer.get()));
         ExpectTime(GetCertificateValidNotBefore, ours.get(), X509_get0_notBefore(peer.get()));
         ExpectTime(GetCertificateValidNotAfter, ours.get(), X509_get0_notAfter(peer.get()));
-        EXPECT_EQ(Read(GetCertificatePublicKey, ours.get()), ContentOf(X509_get0_pubkey_bitstr(peer.get())));
+        EXPECT_EQ(Fetch(GetCertificatePublicKey, ours.get()), ContentOf(X509_get0_pubkey_bitstr(peer.get())));
         const ASN1_BIT_STRING* signature = nullptr;
         X509_get0_signature(&signature, nullptr, peer.get());
-        EXPECT_EQ(Read(GetCertificateSignature, ours.get()), ContentOf(signature));
-        EXPECT_EQ(Read(GetCertificateToBeSignedPart, ours.get()), DerOf(peer.get(), i2d_re_X509_tbs));
+        EXPECT_EQ(Fetch(GetCertificateSignature, ours.get()), ContentOf(signature));
+        EXPECT_EQ(Fetch(GetCertificateToBeSignedPart, ours.get()), DerOf(peer.get(), i2d_re_X509_tbs));
         ExpectExtensions(ours.get(), peer.get());
         const ASN1_OCTET_STRING* keyId = X509_get0_subject_key_id(peer.get());
         if (keyId == nullptr) continue;
-        EXPECT_EQ(support::Fetch([&](uint8_t* out, uint32_t* n) {
-                      return GetCertificateSubjectKeyIdentifier(ours.get(), out, n);
-                  }),
-                  ContentOf(keyId));
+        EXPECT_EQ(Fetch(GetCertificateSubjectKeyIdentifier, ours.get()), ContentOf(keyId));
     }
     EXPECT_GE(compared, 100u);
 }

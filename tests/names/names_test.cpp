@@ -9,11 +9,10 @@ using Texts = std::vector<std::string_view>;
 
 // One commonName a text; with "+" in front it joins the RDN before.
 Name NameOf(const Texts& texts, const char* type = "2.5.4.3", uint8_t tag = 12) {
-    Name name = Make<X509Name, FreeX509Name>(CreateX509Name);
+    Name name = Make<FreeX509Name>(CreateX509Name);
     for (const std::string_view text : texts) {
         const Bytes value = Text(text.substr(text[0] == '+')), oid = OidOf(type);
-        const auto length = static_cast<uint32_t>(value.size());
-        EXPECT_EQ(AddX509NameEntry(name.get(), value.data(), length, tag, oid.data(), text[0] != '+'), StatusOk);
+        EXPECT_EQ(AddX509NameEntry(name.get(), value.data(), Size(value), tag, oid.data(), text[0] != '+'), StatusOk);
     }
     return name;
 }
@@ -55,7 +54,7 @@ TEST(X509Name, DeleteHoldsTheIndexAgainstTheLastRdnToo) {
     for (const auto& [rdn, entry] : {std::pair(0u, 2u), {1u, 1u}, {3u, 0u}, {UINT32_MAX, 0u}, {0u, UINT32_MAX}})
         EXPECT_EQ(DeleteX509NameEntry(name.get(), rdn, entry), StatusBadArgument) << rdn << ", " << entry;
     EXPECT_EQ(DeleteX509NameEntry(name.get(), 0, 0) | DeleteX509NameEntry(name.get(), 1, 0), StatusOk);
-    EXPECT_EQ(ToHex(Fetch([&](uint8_t* out, uint32_t* length) { return EncodeX509Name(name.get(), out, length); })),
+    EXPECT_EQ(ToHex(Fetch(EncodeX509Name, name.get())),
               "30223114300806035504030C0161300806035504030C0163310A300806035504030C0165");
     EXPECT_EQ(AddX509NameEntry(NameOf({}).get(), Hex("00").data(), 1, 12, Hex("00").data(), 0), StatusBadArgument);
 }
@@ -77,7 +76,7 @@ TEST(X509Name, StringTypeIsTheNarrowest) {
         for (const std::string_view text : texts) {
             const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
             uint32_t type = 0;
-            EXPECT_EQ(DetermineSuitableStringType(bytes, static_cast<uint32_t>(text.size()), &type), StatusOk);
+            EXPECT_EQ(DetermineSuitableStringType(bytes, uint32_t(text.size()), &type), StatusOk);
             EXPECT_EQ(type, expected) << text;
         }
 }
@@ -85,9 +84,8 @@ TEST(X509Name, StringTypeIsTheNarrowest) {
 TEST(X509Name, AttributeTypesAreNumberedBothWays) {
     uint32_t id = 0;
     const Bytes last = OidOf("1.2.643.100.1");
-    EXPECT_EQ(FindNameAttributeTypeIdByOid(last.data(), &id), StatusOk);
-    EXPECT_EQ(id, 32u);
-    EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* length) { return GetNameAttributeTypeOid(id, out, length); }), last);
+    Check({{FindNameAttributeTypeIdByOid(last.data(), &id), 0}, {id, 32}});
+    EXPECT_EQ(Fetch(GetNameAttributeTypeOid, id), last);
     EXPECT_EQ(GetNameAttributeTypeOid(33, nullptr, &id), StatusUnknownId);
 }
 
@@ -98,20 +96,18 @@ TEST(GeneralNames, EachAlternativeGoesToTheWireAndBack) {
         {"753A76", "8603753A76"}, {"01020304", "870401020304"}, {"022A03", "88022A03"}};
     const Bytes broken = Hex("30 02 30 00");  // a directoryName that isn't one
     for (uint32_t i = 0; i < 9; ++i) {
-        const auto names = Make<X509GeneralNames, FreeX509GeneralNames>(CreateX509GeneralNames);
+        const auto names = Make<FreeX509GeneralNames>(CreateX509GeneralNames);
         const Bytes value = Hex(rows[i].first), element = Hex(rows[i].second);
-        const uint32_t length = i == 8 ? 0 : static_cast<uint32_t>(value.size());  // an OID tells its own length
-        EXPECT_EQ(AddX509GeneralName(names.get(), 4, broken.data(), 4), StatusOk);
-        EXPECT_EQ(AddX509GeneralName(names.get(), 9, value.data(), length), StatusBadAlternative);
-        EXPECT_EQ(AddX509GeneralName(names.get(), i, value.data(), length), StatusOk);
-        const Bytes der = Fetch([&](uint8_t* out, uint32_t* n) { return EncodeX509GeneralNames(names.get(), out, n); });
+        const uint32_t length = i == 8 ? 0 : Size(value);  // an OID tells its own length
+        Check({{AddX509GeneralName(names.get(), 4, broken.data(), 4), 0},
+               {AddX509GeneralName(names.get(), 9, value.data(), length), StatusBadAlternative},
+               {AddX509GeneralName(names.get(), i, value.data(), length), 0}});
+        const Bytes der = Fetch(EncodeX509GeneralNames, names.get());
         EXPECT_EQ(ToHex(der), ToHex(Tlv(0x30, Hex("A404") + broken + element)));
-        const auto decoded = Make<X509GeneralNames, FreeX509GeneralNames>([&](X509GeneralNames** out) {
-            return DecodeX509GeneralNames(der.data(), static_cast<uint32_t>(der.size()), out);
-        });
+        const auto decoded = Decoded<FreeX509GeneralNames>(DecodeX509GeneralNames, der);
         uint32_t kind = 99;
-        const auto get = [&](uint8_t* out, uint32_t* n) { return GetX509GeneralName(decoded.get(), 1, &kind, out, n); };
-        EXPECT_EQ(ToHex(Fetch(get)), ToHex(i == 0 || i == 3 || i == 5 ? element : value));
+        EXPECT_EQ(ToHex(Fetch(GetX509GeneralName, decoded.get(), 1, &kind)),
+                  ToHex(i == 0 || i == 3 || i == 5 ? element : value));
         EXPECT_EQ(kind, i);
         X509Name* name = nullptr;
         EXPECT_EQ(GetX509NameFromGeneralNames(decoded.get(), &name), i == 4 ? StatusOk : StatusNotFound);
@@ -120,19 +116,19 @@ TEST(GeneralNames, EachAlternativeGoesToTheWireAndBack) {
 }
 
 TEST(ValueLists, KeepBytesAsTheyStand) {
-    const auto texts = Make<PKIFreeText, FreePKIFreeText>(CreatePKIFreeText);
-    const auto strings = Make<OctetStrings, FreeOctetStrings>(CreateOctetStrings);
+    const auto texts = Make<FreePKIFreeText>(CreatePKIFreeText);
+    const auto strings = Make<FreeOctetStrings>(CreateOctetStrings);
     const Bytes bytes = Hex("FFC0");
     for (const uint32_t length : {0u, 2u}) EXPECT_EQ(AddPKIFreeTextString(texts.get(), bytes.data(), length), StatusOk);
-    const auto encode = [&](uint8_t* out, uint32_t* n) { return EncodePKIFreeText(texts.get(), out, n); };
-    EXPECT_EQ(Fetch(encode), Hex("3006 0C00 0C02 FFC0"));
-    EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* n) { return GetPKIFreeTextString(texts.get(), 1, out, n); }), bytes);
-    EXPECT_EQ(AddOctetStringsValue(strings.get(), bytes.data(), 2), StatusOk);
+    EXPECT_EQ(Fetch(EncodePKIFreeText, texts.get()), Hex("3006 0C00 0C02 FFC0"));
+    EXPECT_EQ(Fetch(GetPKIFreeTextString, texts.get(), 1), bytes);
     Bytes read(2);
     uint32_t length = 1;  // the size offered doesn't count
-    EXPECT_EQ(GetOctetStringsValue(strings.get(), 0, read.data(), &length), StatusOk);
-    EXPECT_EQ(std::pair(read, length), std::pair(bytes, 2u));
-    EXPECT_EQ(FreeOctetStrings(nullptr), StatusBadArgument);
+    Check({{AddOctetStringsValue(strings.get(), bytes.data(), 2), 0},
+           {GetOctetStringsValue(strings.get(), 0, read.data(), &length), 0},
+           {length, 2},
+           {FreeOctetStrings(nullptr), StatusBadArgument}});
+    EXPECT_EQ(read, bytes);
 }
 
 }  // namespace

@@ -7,18 +7,11 @@ using namespace support;
 
 namespace {
 
-using Numbers = std::vector<uint32_t>;
-
-uint32_t Size(const Bytes& bytes) { return static_cast<uint32_t>(bytes.size()); }
-
 // The SEQUENCE of the OIDs in a text, with blanks between.
 Bytes Sets(const std::string& text) {
     Bytes content;
     std::istringstream words(text);
-    for (std::string dotted; words >> dotted;) {
-        const Bytes oid = OidOf(dotted.c_str());
-        content = content + Tlv(6, Bytes(oid.begin() + 1, oid.end()));
-    }
+    for (std::string dotted; words >> dotted;) content = content + OidTlv(dotted.c_str());
     return Tlv(0x30, content);
 }
 
@@ -33,12 +26,10 @@ Numbers Decoded(const Bytes& bytes) {
 
 // The parameters in hex, or the status.
 std::string Encoded(uint8_t form, const Numbers& sets) {
-    const auto encode = [&](uint8_t* out, uint32_t* length) {
-        return EncodeAlgorithmGostR34102001Parameters(form, sets[0], sets[1], sets[2], out, length);
-    };
+    const auto encode = EncodeAlgorithmGostR34102001Parameters;
     uint32_t length = 0;
-    const Status status = encode(nullptr, &length);
-    return status == StatusOk ? ToHex(Fetch(encode)) : std::to_string(status);
+    const Status status = encode(form, sets[0], sets[1], sets[2], nullptr, &length);
+    return status == StatusOk ? ToHex(Fetch(encode, form, sets[0], sets[1], sets[2])) : std::to_string(status);
 }
 
 }  // namespace
@@ -58,7 +49,7 @@ TEST(Algorithm, NumbersStandForTheirOids) {
         const Bytes oid = OidOf(("1.2." + arcs).c_str());
         if (kind == 3) {
             EXPECT_EQ(FindAlgIdByOid(oid.data(), &found) + found, id);
-            EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* n) { return GetPublicKeyAlgorithmOid(id, out, n); }), oid);
+            EXPECT_EQ(Fetch(GetPublicKeyAlgorithmOid, id), oid);
             continue;
         }
         std::string text[] = {"1.2.643.2.2.35.1", "1.2.643.2.2.30.1", ""};  // the third is the default
@@ -90,10 +81,7 @@ TEST(GostParameters, DefaultOfTheEncryptionSetGoesByTheAlgorithm) {
     for (const uint32_t id : {102, 3000, 3001}) {
         const Bytes standing = OidOf(id == 102 ? "1.2.643.2.2.31.1" : "1.2.643.7.1.2.5.1.1");
         for (const uint8_t* set : {standing.data(), static_cast<const uint8_t*>(nullptr)}) {
-            EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* n) {
-                          return EncodeAlgorithmGostR3410ParametersOid(id, 1, key.data(), digest.data(), set, out, n);
-                      }),
-                      bytes);
+            EXPECT_EQ(Fetch(EncodeAlgorithmGostR3410ParametersOid, id, 1, key.data(), digest.data(), set), bytes);
         }
         uint8_t form = 7, out[16];
         uint32_t keyLength = 1, digestLength = 0, n = 0;
@@ -119,7 +107,7 @@ TEST(GostParameters, OtherFormsIgnoreTheSets) {
 }
 
 TEST(Algorithm, UnknownNumberLeavesNoOidAndTheOldParameters) {
-    const auto cert = Make<Certificate, FreeCertificate>(CreateCertificate);
+    const auto cert = Make<FreeCertificate>(CreateCertificate);
     uint32_t oid = 0, n = 0;
     const auto set = [&](uint32_t id, uint8_t form, uint32_t key) {
         return SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters(cert.get(), id, form, key, 1, 1);

@@ -1,0 +1,152 @@
+#include "tlvforge/crl.h"
+
+#include "engine/nodes.h"
+#include "x509/crl.schema.h"
+#include "x509/fields.h"
+
+using namespace tlvforge;
+
+namespace {
+
+Status FindEntry(const X509Crl* crl, uint32_t index, X509RevokedCertificate** entry, Place place = Place::Here()) {
+    if (crl->tbsCertList == nullptr || crl->tbsCertList->revokedCertificates == nullptr) {
+        return Fail(StatusAbsent, place);
+    }
+    return GetListMember(crl->tbsCertList->revokedCertificates, index, entry, place);
+}
+
+}  // namespace
+
+Status CreateX509Crl(X509Crl** crl) { return CreateAsn1Object(&schema::X509Crl, Untyped(crl), 1); }
+
+Status CreateX509CrlCopy(const X509Crl* crl, X509Crl** copy) { return CopyTree(schema::X509Crl, crl, copy); }
+
+Status DecodeX509Crl(const uint8_t* bytes, uint32_t length, X509Crl** crl) {
+    return DecodeTree(schema::X509Crl, bytes, length, crl);
+}
+
+Status EncodeX509Crl(const X509Crl* crl, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(crl, &schema::X509Crl, buffer, length);
+}
+
+Status FreeX509Crl(X509Crl* crl) { return FreeAsn1Object(&schema::X509Crl, crl); }
+
+Status CreateX509Crls(X509Crls** crls) { return CreateAsn1Object(&schema::X509Crls, Untyped(crls), 0); }
+
+Status CreateX509CrlsCopy(const X509Crls* crls, X509Crls** copy) { return CopyTree(schema::X509Crls, crls, copy); }
+
+Status DecodeX509Crls(const uint8_t* bytes, uint32_t length, X509Crls** crls) {
+    return DecodeTree(schema::X509Crls, bytes, length, crls);
+}
+
+Status EncodeX509Crls(const X509Crls* crls, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(crls, &schema::X509Crls, buffer, length);
+}
+
+Status FreeX509Crls(X509Crls* crls) { return FreeAsn1Object(&schema::X509Crls, crls); }
+
+Status AddX509CrlToX509Crls(X509Crls* crls, X509Crl* crl) {
+    if (AnyNull(crls, crl)) return Fail(StatusBadArgument);
+    return AddAsn1ListItem(crls, schema::X509Crl, crl);
+}
+
+Status GetX509CrlsCount(const X509Crls* crls, uint32_t* count) { return GetListCount(crls, count); }
+
+Status GetX509CrlsCrl(const X509Crls* crls, uint32_t index, X509Crl** crl) { return GetListMember(crls, index, crl); }
+
+Status GetX509CrlToBeSignedPart(const X509Crl* crl, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(crl, length)) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    return GetAsn1EncodedValue(crl->tbsCertList, &schema::TBSCertList, buffer, length);
+}
+
+Status AddX509CrlRevokedCertificate(X509Crl* crl, const uint8_t* serial, uint32_t serialLength,
+                                    const LibraryTime* revocationDate, uint32_t* index) {
+    if (AnyNull(crl, serial, revocationDate)) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    X509RevokedCertificates** list = &crl->tbsCertList->revokedCertificates;
+    const Status status = *list == nullptr ? CreateX509RevokedCertificates(list) : StatusOk;
+    if (status != StatusOk) return status;
+    return AddX509RevokedCertificatesRevokedCertificate(*list, serial, serialLength, revocationDate, index);
+}
+
+Status GetX509CrlRevokedCertificateCount(const X509Crl* crl, uint32_t* count) {
+    if (AnyNull(crl, count)) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    *count = GetAsn1ListLength(crl->tbsCertList->revokedCertificates);
+    return StatusOk;
+}
+
+Status GetX509CrlRevokedCertificateSerialNumber(const X509Crl* crl, uint32_t index, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(crl, length)) return Fail(StatusBadArgument);
+    X509RevokedCertificate* entry = nullptr;
+    const Status status = FindEntry(crl, index, &entry);
+    if (status != StatusOk) return status;
+    if (entry->userCertificate == nullptr) return Fail(StatusAbsent);
+    return GetAsn1Value(entry->userCertificate, buffer, length);
+}
+
+Status GetX509CrlRevokedCertificateRevokationDate(const X509Crl* crl, uint32_t index, LibraryTime* revocationDate) {
+    if (AnyNull(crl, revocationDate)) return Fail(StatusBadArgument);
+    X509RevokedCertificate* entry = nullptr;
+    const Status status = FindEntry(crl, index, &entry);
+    return status == StatusOk ? GetTimeField(entry->revocationDate, revocationDate) : status;
+}
+
+Status GetX509CrlRevokedCertificateExtensions(const X509Crl* crl, uint32_t index, X509Extensions* extensions) {
+    if (AnyNull(crl, extensions)) return Fail(StatusBadArgument);
+    X509RevokedCertificate* entry = nullptr;
+    const Status status = FindEntry(crl, index, &entry);
+    if (status == StatusOk) *extensions = &entry->crlEntryExtensions;
+    return status;
+}
+
+Status ClearX509CrlRevokedCertificates(X509Crl* crl) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    X509RevokedCertificates* list = crl->tbsCertList->revokedCertificates;
+    if (list != nullptr) ClearAsn1List(list, schema::X509RevokedCertificate);
+    return StatusOk;
+}
+
+Status RemoveX509CrlRevokedCertificates(X509Crl* crl) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    FreeField(schema::X509RevokedCertificates, &crl->tbsCertList->revokedCertificates);
+    return StatusOk;
+}
+
+Status CreateX509RevokedCertificates(X509RevokedCertificates** list) {
+    return CreateAsn1Object(&schema::X509RevokedCertificates, Untyped(list), 1);
+}
+
+Status AddX509RevokedCertificatesRevokedCertificate(X509RevokedCertificates* list, const uint8_t* serial,
+                                                    uint32_t serialLength, const LibraryTime* revocationDate,
+                                                    uint32_t* index) {
+    if (AnyNull(list, serial, revocationDate)) return Fail(StatusBadArgument);
+    Tree<X509RevokedCertificate> entry(schema::X509RevokedCertificate);
+    Status status = entry.Create();
+    if (status != StatusOk) return status;
+    status = SetAsn1ValueField(&entry->userCertificate, Asn1KindInteger, serial, serialLength);
+    if (status == StatusOk) status = SetTimeField(entry->revocationDate, revocationDate);
+    if (status == StatusOk) status = entry.MoveTo(list);
+    if (status == StatusOk && index != nullptr) *index = list->count - 1;
+    return status;
+}
+
+Status GetX509RevokedCertificatesRevokedCertificateExtensions(const X509RevokedCertificates* list, uint32_t index,
+                                                              X509Extensions* extensions) {
+    if (AnyNull(list, extensions)) return Fail(StatusBadArgument);
+    X509RevokedCertificate* entry = nullptr;
+    const Status status = GetListMember(list, index, &entry);
+    if (status == StatusOk) *extensions = &entry->crlEntryExtensions;
+    return status;
+}
+
+Status EncodeX509RevokedCertificates(const X509RevokedCertificates* list, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(list, &schema::X509RevokedCertificates, buffer, length);
+}
+
+Status FreeX509RevokedCertificates(X509RevokedCertificates* list) {
+    return FreeAsn1Object(&schema::X509RevokedCertificates, list);
+}

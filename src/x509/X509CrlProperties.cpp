@@ -1,0 +1,281 @@
+#include "tlvforge/crl.h"
+
+#include "engine/items.h"
+#include "engine/nodes.h"
+#include "x509/crl.schema.h"
+#include "x509/fields.h"
+
+using namespace tlvforge;
+
+namespace {
+
+// A field of tbsCertList; null too where the CRL has no tbsCertList.
+template <class Field>
+Field* FieldOf(const X509Crl* crl, Field* TBSCertList::*field) {
+    return crl->tbsCertList == nullptr ? nullptr : crl->tbsCertList->*field;
+}
+
+template <class Set>
+Status SetSignatureAlgorithm(X509Crl* crl, Set set, Place place = Place::Here()) {
+    return SetSignatureAlgorithms(FieldOf(crl, &TBSCertList::signature), crl->signatureAlgorithm, set, place);
+}
+
+// ---- Lookup --------------------------------------------------------------------------------------------------------
+
+constexpr uint32_t kNameLimit = 1500;  // of names and of extension values
+constexpr uint32_t kSerialLimit = 150;
+
+// 2.5.29.29
+constexpr const Asn1Value& kCertificateIssuer = schema::ConstantValue<Asn1KindObjectIdentifier, 0x55, 0x1D, 0x1D>;
+
+struct Span {
+    const uint8_t* data;
+    uint32_t length;
+};
+
+Status Read(const Asn1Value* value, uint32_t limit, Span* bytes) {
+    if (value == nullptr || HasLostBytes(value)) return Fail(StatusAbsent);
+    if (value->length > limit) return Fail(StatusBufferTooSmall);
+    *bytes = {value->data, value->length};
+    return StatusOk;
+}
+
+// A header with more than one octet of length. False for a bad one and for the indefinite form.
+bool ReadLongHeader(const Span& bytes, uint32_t* headerLength, uint32_t* contentLength) {
+    uint8_t tagClass = 0, constructedBit = 0;
+    uint32_t tagNumber = 0, indefinite = 0;
+    const Status status = GetAsn1ObjectInfo(bytes.data, bytes.length, &tagClass, &constructedBit, &tagNumber,
+                                            contentLength, &indefinite, headerLength);
+    return status == StatusOk && indefinite == 0;
+}
+
+// Takes an element with a one-octet identifier and a definite length off the front of the bytes, if one stands there.
+bool TakeElement(Span* bytes, uint8_t identifier, Span* content) {
+    if (bytes->length < 2 || bytes->data[0] != identifier) return false;
+    uint32_t headerLength = 2, contentLength = bytes->data[1];
+    if (contentLength >= 0x80 && !ReadLongHeader(*bytes, &headerLength, &contentLength)) return false;
+    if (contentLength > bytes->length - headerLength) return false;
+    *content = {bytes->data + headerLength, contentLength};
+    *bytes = {content->data + contentLength, bytes->length - headerLength - contentLength};
+    return true;
+}
+
+// The issuer that the entries belong to while they are walked: the CRL's own, until one carries another in a
+// certificateIssuer extension (RFC 5280, 5.3.3). Walking large lists is what a CRL is for: nothing is allocated, and no
+// failure recorded, for the entries that have nothing unusual.
+class IssuerInForce {
+public:
+    Status Begin(const X509Name* own) { return EncodeX509Name(own, own_, &length_); }
+
+    Status Follow(const Asn1List* extensions) {
+        for (uint32_t i = 0; extensions != nullptr && i < extensions->count; ++i) {
+            const auto* extension = static_cast<const X509Extension*>(extensions->items[i]);
+            if (extension == nullptr || extension->extnID == nullptr) continue;
+            if (EqualRecords(*extension->extnID, kCertificateIssuer)) return ReadNames(extension->extnValue);
+        }
+        return StatusOk;
+    }
+
+    bool Is(const uint8_t* name, uint32_t length) const { return SameBytes(name_, length_, name, length); }
+
+private:
+    Status ReadNames(const Asn1Value* extnValue) {
+        Span value{};
+        const Status status = Read(extnValue, kNameLimit, &value);
+        if (status != StatusOk) return status;
+        return TakeDirectoryNames(value) ? StatusOk : DecodeNames(value);
+    }
+
+    // False for a value with anything but directory names in the definite form, or with bytes behind a name. What was
+    // taken of it until then is taken again by DecodeNames.
+    bool TakeDirectoryNames(Span value) {
+        Span names{}, name{};
+        if (!TakeElement(&value, 0x30, &names)) return false;
+        while (names.length != 0) {
+            if (!TakeElement(&names, 0xA0 | X509GeneralNameDirectoryName, &name)) return false;
+            Span rest = name, rdns{};
+            if (!TakeElement(&rest, 0x30, &rdns) || rest.length != 0) return false;
+            memcpy(carried_, name.data, name.length);
+            Carry(name.length);
+        }
+        return true;
+    }
+
+    // Each name is read over the one before it, and only a directory name sets the length. A name of another type
+    // thereby spoils a carried issuer that is in force. This is intended.
+    Status DecodeNames(const Span& value) {
+        Tree<X509GeneralNames> names(schema::X509GeneralNames);
+        Status status = value.length == 0 ? Fail(StatusBadEncoding) : names.Decode(value.data, value.length);
+        for (uint32_t i = 0; status == StatusOk && i < GetAsn1ListLength(names.Get()); ++i) {
+            uint32_t alternative = 0, length = sizeof carried_;
+            status = GetX509GeneralName(names.Get(), i, &alternative, carried_, &length);
+            if (status == StatusOk && alternative == X509GeneralNameDirectoryName) Carry(length);
+        }
+        return status;
+    }
+
+    void Carry(uint32_t length) {
+        name_ = carried_;
+        length_ = length;
+    }
+
+    uint8_t own_[kNameLimit];
+    uint8_t carried_[kNameLimit] = {};
+    const uint8_t* name_ = own_;
+    uint32_t length_ = sizeof own_;
+};
+
+}  // namespace
+
+Status GetX509CrlVersion(const X509Crl* crl, int32_t* version) {
+    if (AnyNull(crl, version)) return Fail(StatusBadArgument);
+    const Asn1Value* value = FieldOf(crl, &TBSCertList::version);
+    if (value == nullptr) return Fail(StatusAbsent);
+    return GetAsn1Int32(value, version);
+}
+
+Status SetX509CrlVersion(X509Crl* crl, uint32_t version) {
+    if (crl == nullptr || version > 1) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    return SetAsn1Int32Field(&crl->tbsCertList->version, static_cast<int32_t>(version));
+}
+
+Status GetX509CrlIssuer(X509Crl* crl, X509Name** name) {
+    if (AnyNull(crl, name)) return Fail(StatusBadArgument);
+    return LendName(FieldOf(crl, &TBSCertList::issuer), name);
+}
+
+Status SetX509CrlIssuer(X509Crl* crl, const X509Name* name) {
+    if (AnyNull(crl, name)) return Fail(StatusBadArgument);
+    return CopyNameInto(FieldOf(crl, &TBSCertList::issuer), name);
+}
+
+Status GetX509CrlThisUpdate(const X509Crl* crl, LibraryTime* time) {
+    if (AnyNull(crl, time)) return Fail(StatusBadArgument);
+    return GetTimeField(FieldOf(crl, &TBSCertList::thisUpdate), time);
+}
+
+Status GetX509CrlNextUpdate(const X509Crl* crl, LibraryTime* time) {
+    if (AnyNull(crl, time)) return Fail(StatusBadArgument);
+    return GetTimeField(FieldOf(crl, &TBSCertList::nextUpdate), time);
+}
+
+Status SetX509CrlThisUpdate(X509Crl* crl, const LibraryTime* time) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    return SetTimeField(FieldOf(crl, &TBSCertList::thisUpdate), time);
+}
+
+Status SetX509CrlNextUpdate(X509Crl* crl, const LibraryTime* time) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    Asn1Choice** field = &crl->tbsCertList->nextUpdate;
+    if (*field != nullptr) return SetTimeField(*field, time);
+    Tree<Asn1Choice> choice(schema::Time, AllocAsn1Choice());
+    if (!choice) return Fail(StatusOutOfMemory);
+    const Status status = SetTimeField(choice.Get(), time);
+    if (status == StatusOk) *field = choice.Take();
+    return status;
+}
+
+Status RemoveX509CrlNextUpdate(X509Crl* crl) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    FreeField(schema::Time, &crl->tbsCertList->nextUpdate);
+    return StatusOk;
+}
+
+Status GetX509CrlExtensions(const X509Crl* crl, X509Extensions* extensions) {
+    if (AnyNull(crl, extensions)) return Fail(StatusBadArgument);
+    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
+    *extensions = &crl->tbsCertList->crlExtensions;
+    return StatusOk;
+}
+
+Status SetX509CrlAuthorityKeyIdentifier(X509Crl* crl, Certificate* issuerCertificate) {
+    if (AnyNull(crl, issuerCertificate)) return Fail(StatusBadArgument);
+    AuthorityIdentity identity;
+    const Status status = identity.ReadFrom(issuerCertificate);
+    if (status != StatusOk) return status;
+    return SetX509CrlAuthorityKeyIdentifier2(crl, identity.keyId, identity.keyIdLength, identity.issuer,
+                                             identity.serial, identity.serialLength);
+}
+
+Status SetX509CrlAuthorityKeyIdentifier2(X509Crl* crl, const uint8_t* keyId, uint32_t keyIdLength,
+                                         const X509Name* issuer, const uint8_t* serial, uint32_t serialLength) {
+    // Unlike in certificates, a key identifier can't stand alone. This is intended.
+    if (AnyNull(crl, issuer)) return Fail(StatusBadArgument);
+    const X509Extensions extensions = crl->tbsCertList == nullptr ? nullptr : &crl->tbsCertList->crlExtensions;
+    return SetAuthorityKeyIdentifier(extensions, keyId, keyIdLength, issuer, serial, serialLength);
+}
+
+Status FindX509CrlFind(X509Crl* crl, const X509Name* issuer, const uint8_t* serial, uint32_t serialLength,
+                       uint32_t* index) {
+    if (AnyNull(crl, issuer, serial, index)) return Fail(StatusBadArgument);
+    Block name;
+    uint32_t nameLength = 0;
+    X509Name* own = nullptr;
+    IssuerInForce inForce;
+    Status status = Asn1Encode(issuer, &schema::X509Name, name.Slot(), &nameLength);
+    if (status == StatusOk) status = GetX509CrlIssuer(crl, &own);
+    if (status == StatusOk) status = inForce.Begin(own);
+    if (status != StatusOk) return status;
+
+    const Asn1List* entries = crl->tbsCertList->revokedCertificates;
+    const uint32_t count = GetAsn1ListLength(entries);
+    for (uint32_t i = 0; i < count; ++i) {
+        const auto* entry = static_cast<const X509RevokedCertificate*>(entries->items[i]);
+        if (entry == nullptr) return Fail(StatusAbsent);
+        Span number{};
+        status = inForce.Follow(entry->crlEntryExtensions.list);
+        if (status == StatusOk) status = Read(entry->userCertificate, kSerialLimit, &number);
+        if (status != StatusOk) return status;
+        if (!SameBytes(serial, serialLength, number.data, number.length)) continue;
+        if (!inForce.Is(name.Bytes(), nameLength)) continue;
+        *index = i;
+        return StatusOk;
+    }
+    return Fail(StatusNotFound);
+}
+
+Status GetX509CrlSignature(const X509Crl* crl, uint8_t* signature, uint32_t* length) {
+    if (AnyNull(crl, length)) return Fail(StatusBadArgument);
+    return GetBitStringField(crl->signature, signature, length);
+}
+
+Status SetX509CrlSignature(X509Crl* crl, const uint8_t* signature, uint32_t length) {
+    if (AnyNull(crl, signature)) return Fail(StatusBadArgument);
+    return SetAsn1BitStringField(&crl->signature, signature, length);
+}
+
+Status GetX509CrlSignatureAlgorithmOidAndParameters(const X509Crl* crl, uint8_t* oid, uint32_t* oidLength,
+                                                    uint8_t* parameters, uint32_t* parametersLength) {
+    if (AnyNull(crl, oidLength)) return Fail(StatusBadArgument);
+    const AlgorithmIdentifier* algorithm = FieldOf(crl, &TBSCertList::signature);
+    if (algorithm == nullptr) return Fail(StatusAbsent);
+    return GetAlgorithmIdentifierOidAndParameters(algorithm, oid, oidLength, parameters, parametersLength);
+}
+
+Status SetX509CrlSignatureAlgorithmOidAndParameters(X509Crl* crl, const uint8_t* oid, const uint8_t* parameters,
+                                                    uint32_t length) {
+    if (AnyNull(crl, oid)) return Fail(StatusBadArgument);
+    return SetSignatureAlgorithm(crl, [=](AlgorithmIdentifier* algorithm) {
+        return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
+    });
+}
+
+Status SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters(X509Crl* crl, uint32_t algorithmId,
+                                                                uint8_t parametersForm, uint32_t publicKeyParamSet,
+                                                                uint32_t digestParamSet, uint32_t encryptionParamSet) {
+    if (crl == nullptr) return Fail(StatusBadArgument);
+    return SetSignatureAlgorithm(crl, [=](AlgorithmIdentifier* algorithm) {
+        return SetAlgorithmGostR34102001AndParameters(algorithm, algorithmId, parametersForm, publicKeyParamSet,
+                                                      digestParamSet, encryptionParamSet);
+    });
+}
+
+Status SetX509CrlGostR34102001SignatureAlgorithmID(X509Crl* crl, uint32_t algorithmId, uint32_t parametersForm) {
+    // Only the low byte counts. This is intended.
+    const uint8_t form = static_cast<uint8_t>(parametersForm);
+    if (form != ParametersFormNull && form != ParametersFormAbsent) return Fail(StatusBadArgument);
+    return SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters(crl, algorithmId, form, 0, 0, 0);
+}
