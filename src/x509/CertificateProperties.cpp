@@ -286,17 +286,13 @@ Status GetCertificatePublicKeyAlgorithmOidAndParameters(const Certificate* certi
                                                         uint32_t* oidLength, uint8_t* parameters,
                                                         uint32_t* parametersLength) {
     if (AnyNull(certificate, oidLength)) return Fail(StatusBadArgument);
-    const AlgorithmIdentifier* algorithm = AlgorithmOf(KeyInfoOf(certificate));
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return GetAlgorithmIdentifierOidAndParameters(algorithm, oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), oid, oidLength, parameters, parametersLength);
 }
 
 Status SetCertificatePublicKeyAlgorithmOidAndParameters(Certificate* certificate, const uint8_t* oid,
                                                         const uint8_t* parameters, uint32_t length) {
     if (AnyNull(certificate, oid)) return Fail(StatusBadArgument);
-    AlgorithmIdentifier* algorithm = AlgorithmOf(KeyInfoOf(certificate));
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
+    return SetAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), oid, parameters, length);
 }
 
 Status SetCertificatePublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t id, const uint8_t* parameters,
@@ -312,10 +308,8 @@ Status SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters(Certificate*
                                                                     uint32_t digestParamSet,
                                                                     uint32_t encryptionParamSet) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
-    AlgorithmIdentifier* algorithm = AlgorithmOf(KeyInfoOf(certificate));
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return SetAlgorithmGostR34102001AndParameters(algorithm, algorithmId, parametersForm, publicKeyParamSet,
-                                                  digestParamSet, encryptionParamSet);
+    return SetGostAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), algorithmId, parametersForm, publicKeyParamSet,
+                            digestParamSet, encryptionParamSet);
 }
 
 Status GetCertificateSignature(const Certificate* certificate, uint8_t* signature, uint32_t* length) {
@@ -333,9 +327,7 @@ Status GetCertificateSignatureAlgorithmOidAndParameters(const Certificate* certi
                                                         uint32_t* oidLength, uint8_t* parameters,
                                                         uint32_t* parametersLength) {
     if (AnyNull(certificate, oidLength)) return Fail(StatusBadArgument);
-    const AlgorithmIdentifier* algorithm = FieldOf(certificate, &TBSCertificate::signature);
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return GetAlgorithmIdentifierOidAndParameters(algorithm, oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(FieldOf(certificate, &TBSCertificate::signature), oid, oidLength, parameters, parametersLength);
 }
 
 Status SetCertificateSignatureAlgorithmOidAndParameters(Certificate* certificate, const uint8_t* oid,

@@ -26,26 +26,6 @@ AlgorithmIdentifier* SignatureAlgorithmOf(const PKCS10CertReq* request) {
     return request->certificationRequestInfo == nullptr ? nullptr : request->signatureAlgorithm;
 }
 
-Status GetAlgorithm(const AlgorithmIdentifier* algorithm, uint8_t* oid, uint32_t* oidLength, uint8_t* parameters,
-                    uint32_t* parametersLength, Place place = Place::Here()) {
-    if (algorithm == nullptr) return Fail(StatusAbsent, place);
-    return GetAlgorithmIdentifierOidAndParameters(algorithm, oid, oidLength, parameters, parametersLength);
-}
-
-Status SetAlgorithm(AlgorithmIdentifier* algorithm, const uint8_t* oid, const uint8_t* parameters, uint32_t length,
-                    Place place = Place::Here()) {
-    if (algorithm == nullptr) return Fail(StatusAbsent, place);
-    return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
-}
-
-Status SetGostAlgorithm(AlgorithmIdentifier* algorithm, uint32_t algorithmId, uint8_t parametersForm,
-                        uint32_t publicKeyParamSet, uint32_t digestParamSet, uint32_t encryptionParamSet,
-                        Place place = Place::Here()) {
-    if (algorithm == nullptr) return Fail(StatusAbsent, place);
-    return SetAlgorithmGostR34102001AndParameters(algorithm, algorithmId, parametersForm, publicKeyParamSet,
-                                                  digestParamSet, encryptionParamSet);
-}
-
 }  // namespace
 
 Status GetPKCS10CertReqVersion(const PKCS10CertReq* request, int32_t* version) {

@@ -250,9 +250,7 @@ Status SetX509CrlSignature(X509Crl* crl, const uint8_t* signature, uint32_t leng
 Status GetX509CrlSignatureAlgorithmOidAndParameters(const X509Crl* crl, uint8_t* oid, uint32_t* oidLength,
                                                     uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(crl, oidLength)) return Fail(StatusBadArgument);
-    const AlgorithmIdentifier* algorithm = FieldOf(crl, &TBSCertList::signature);
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return GetAlgorithmIdentifierOidAndParameters(algorithm, oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(FieldOf(crl, &TBSCertList::signature), oid, oidLength, parameters, parametersLength);
 }
 
 Status SetX509CrlSignatureAlgorithmOidAndParameters(X509Crl* crl, const uint8_t* oid, const uint8_t* parameters,

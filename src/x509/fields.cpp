@@ -103,6 +103,25 @@ Status ReplaceExtension(X509Extensions extensions, const uint8_t* oid, const uin
     return status != StatusOk ? status : AddX509ExtensionsExtension(extensions, oid, 0, value, length);
 }
 
+Status GetAlgorithm(const AlgorithmIdentifier* field, uint8_t* oid, uint32_t* oidLength, uint8_t* parameters,
+                    uint32_t* parametersLength, Place place) {
+    if (field == nullptr) return Fail(StatusAbsent, place);
+    return GetAlgorithmIdentifierOidAndParameters(field, oid, oidLength, parameters, parametersLength);
+}
+
+Status SetAlgorithm(AlgorithmIdentifier* field, const uint8_t* oid, const uint8_t* parameters, uint32_t length,
+                    Place place) {
+    if (field == nullptr) return Fail(StatusAbsent, place);
+    return SetAlgorithmIdentifierOidAndParameters(field, oid, parameters, length);
+}
+
+Status SetGostAlgorithm(AlgorithmIdentifier* field, uint32_t algorithmId, uint8_t parametersForm,
+                        uint32_t publicKeyParamSet, uint32_t digestParamSet, uint32_t encryptionParamSet, Place place) {
+    if (field == nullptr) return Fail(StatusAbsent, place);
+    return SetAlgorithmGostR34102001AndParameters(field, algorithmId, parametersForm, publicKeyParamSet, digestParamSet,
+                                                  encryptionParamSet);
+}
+
 Status SetAuthorityKeyIdentifier(X509Extensions extensions, const uint8_t* keyId, uint32_t keyIdLength,
                                  const X509Name* issuer, const uint8_t* serial, uint32_t serialLength, Place place) {
     if (keyId == nullptr && AnyNull(issuer, serial)) return Fail(StatusBadArgument, place);

@@ -33,6 +33,15 @@ inline AlgorithmIdentifier* AlgorithmOf(const SubjectPublicKeyInfo* info) {
     return info == nullptr ? nullptr : info->algorithm;
 }
 
+// The algorithm of a document, by the rule of its getters and setters.
+Status GetAlgorithm(const AlgorithmIdentifier* field, uint8_t* oid, uint32_t* oidLength, uint8_t* parameters,
+                    uint32_t* parametersLength, Place place = Place::Here());
+Status SetAlgorithm(AlgorithmIdentifier* field, const uint8_t* oid, const uint8_t* parameters, uint32_t length,
+                    Place place = Place::Here());
+Status SetGostAlgorithm(AlgorithmIdentifier* field, uint32_t algorithmId, uint8_t parametersForm,
+                        uint32_t publicKeyParamSet, uint32_t digestParamSet, uint32_t encryptionParamSet,
+                        Place place = Place::Here());
+
 // Writes a signature algorithm into the signed part and then beside the signature, so that the two agree. If the second
 // write fails, the first stays.
 template <class Set>
