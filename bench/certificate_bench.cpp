@@ -1,14 +1,11 @@
-// Decode, encode and build of certificates beside the peers and the floor, and a table of the ratios.
-#include <benchmark/benchmark.h>
-
+// Decode, encode and build of certificates beside the peers and the floor.
 #include <algorithm>
-#include <chrono>
 #include <fstream>
-#include <functional>
 #include <iterator>
 
 #include "floor.h"
 #include "peers.h"
+#include "rounds.h"
 #include "x509/certificate.schema.h"
 
 namespace {
@@ -38,17 +35,12 @@ std::vector<Document> Documents() {
     return documents;
 }
 
-// One piece of work that is timed again and again.
-struct Work {
-    std::string name;
-    std::function<void()> run;
-    double nanoseconds = 1e18;
-};
-
-// All work on one document.
-class Bench {
+class CertificateContest : public Contest {
 public:
-    explicit Bench(Document document) : document_(std::move(document)), buffer_(document_.der.size() + 1024) {
+    explicit CertificateContest(Document document)
+        : Contest("certificate/" + document.name, 400),
+          document_(std::move(document)),
+          buffer_(document_.der.size() + 1024) {
         Must(DecodeCertificate(document_.der.data(), Size(document_.der), &certificate_));
         Collect(tlvforge::schema::Certificate, certificate_, &nodes_);
         blocks_.resize(nodes_.size());
@@ -56,21 +48,21 @@ public:
         for (const auto& codec : codecs_) AddCodec(codec.get());
         if (document_.name == "sample") Add("build/tlvforge", [this] { BuildAndEncode(); });
     }
-    ~Bench() { FreeCertificate(certificate_); }
+    ~CertificateContest() override { FreeCertificate(certificate_); }
 
-    const Document& Its() const { return document_; }
-    size_t Nodes() const { return nodes_.size(); }
-    std::vector<Work>& Works() { return works_; }
-    double Time(const std::string& name) const {
-        for (const Work& work : works_) {
-            if (work.name == name) return work.nanoseconds;
+    void PrintRatios() const override {
+        PrintFloorAndOwn(document_.der.size(), nodes_.size());
+        PrintRatio("build, encode and free", "build/tlvforge", "decode/tlvforge", "of decode and free");
+        for (const auto& codec : codecs_) {
+            const std::string name = codec->Name();
+            if (name == "tlvforge") continue;
+            for (const std::string what : {"decode", "encode"}) {
+                PrintRatio(name + ", " + what, what + "/" + name, what + "/tlvforge", "times ours");
+            }
         }
-        return 0;
     }
 
 private:
-    void Add(std::string name, std::function<void()> run) { works_.push_back({std::move(name), std::move(run)}); }
-
     void AddCodec(Codec* codec) {
         if (!codec->DecodeAndFree(document_.der)) return;
         Add(std::string("decode/") + codec->Name(), [this, codec] { codec->DecodeAndFree(document_.der); });
@@ -96,68 +88,12 @@ private:
     std::vector<Node> nodes_;
     std::vector<void*> blocks_;
     std::vector<std::unique_ptr<Codec>> codecs_ = Codecs();
-    std::vector<Work> works_;
 };
-
-double Seconds(const std::function<void()>& run, int times) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < times; ++i) run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The least time of many short rounds, in each of which all take their turn: what disturbs the machine hits all alike.
-void TimeInterleaved(std::vector<Work>* works) {
-    constexpr int kRounds = 400;
-    constexpr double kSlice = 200e-6;  // seconds
-    std::vector<int> times;
-    for (const Work& work : *works) times.push_back(1 + static_cast<int>(kSlice / (Seconds(work.run, 10) / 10)));
-    for (int round = 0; round < kRounds; ++round) {
-        for (size_t i = 0; i < works->size(); ++i) {
-            Work& work = (*works)[i];
-            work.nanoseconds = std::min(work.nanoseconds, Seconds(work.run, times[i]) / times[i] * 1e9);
-        }
-    }
-}
-
-void PrintRatios(const Bench& bench) {
-    const double decode = bench.Time("decode/tlvforge"), encode = bench.Time("encode/tlvforge");
-    printf("\n%s: %zu bytes, %zu nodes\n", bench.Its().name.c_str(), bench.Its().der.size(), bench.Nodes());
-    printf("  %-40s %10.0f ns\n", "floor, a block for each node", bench.Time("floor"));
-    printf("  %-40s %10.0f ns  %6.2f of the floor\n", "decode and free", decode, decode / bench.Time("floor"));
-    printf("  %-40s %10.0f ns  %6.2f of decode and free\n", "encode", encode, encode / decode);
-    if (const double build = bench.Time("build/tlvforge")) {
-        printf("  %-40s %10.0f ns  %6.2f of decode and free\n", "build, encode and free", build, build / decode);
-    }
-    for (const auto& codec : Codecs()) {
-        const std::string name = codec->Name();
-        for (const auto& [what, own] : {std::pair("decode", decode), std::pair("encode", encode)}) {
-            const double time = bench.Time(std::string(what) + "/" + name);
-            if (name == "tlvforge" || time == 0) continue;
-            printf("  %-40s %10.0f ns  %6.2f times ours\n", (name + ", " + what).c_str(), time, time / own);
-        }
-    }
-}
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    std::vector<std::unique_ptr<Bench>> benches;
-    for (Document& document : Documents()) benches.push_back(std::make_unique<Bench>(std::move(document)));
-    for (const auto& bench : benches) {
-        for (const Work& work : bench->Works()) {
-            const auto loop = [&run = work.run](benchmark::State& state) {
-                for (auto _ : state) run();
-            };
-            benchmark::RegisterBenchmark(("certificate/" + bench->Its().name + "/" + work.name).c_str(), loop);
-        }
+void bench::AddCertificates(Contests* contests) {
+    for (Document& document : Documents()) {
+        contests->push_back(std::make_unique<CertificateContest>(std::move(document)));
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    for (const auto& bench : benches) {
-        TimeInterleaved(&bench->Works());
-        PrintRatios(*bench);
-    }
-    return 0;
 }

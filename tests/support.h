@@ -46,14 +46,10 @@ using Owned = walk::Owned<Free>;
 
 // Owns what function(arguments..., &object) gives; null, with a test failure, if the call fails.
 template <auto Free, class Function, class... Arguments>
-walk::Owned<Free> Make(Function&& function, Arguments... arguments) {
+walk::Owned<Free> Make(Function function, Arguments... arguments) {
     typename walk::Owned<Free>::pointer object = nullptr;
     EXPECT_EQ(function(arguments..., &object), StatusOk);
     return walk::Owned<Free>(object);
-}
-template <class T, auto Free, class Function>
-Owned<T, Free> Make(Function&& function) {
-    return Make<Free>(function);
 }
 template <auto Free, class Function>
 walk::Owned<Free> Decoded(Function decode, const Bytes& in) {

@@ -40,23 +40,17 @@ Status Read(const Asn1Value* value, uint32_t limit, Span* bytes) {
     return StatusOk;
 }
 
-// A header with more than one octet of length. False for a bad one and for the indefinite form.
-bool ReadLongHeader(const Span& bytes, uint32_t* headerLength, uint32_t* contentLength) {
-    uint8_t tagClass = 0, constructedBit = 0;
-    uint32_t tagNumber = 0, indefinite = 0;
-    const Status status = GetAsn1ObjectInfo(bytes.data, bytes.length, &tagClass, &constructedBit, &tagNumber,
-                                            contentLength, &indefinite, headerLength);
-    return status == StatusOk && indefinite == 0;
-}
-
-// Takes an element with a one-octet identifier and a definite length off the front of the bytes, if one stands there.
+// Takes an element with a one-octet identifier off the front of the bytes, if one stands there. What is longer than the
+// limits above, or of indefinite length, is left to the decoder.
 bool TakeElement(Span* bytes, uint8_t identifier, Span* content) {
-    if (bytes->length < 2 || bytes->data[0] != identifier) return false;
-    uint32_t headerLength = 2, contentLength = bytes->data[1];
-    if (contentLength >= 0x80 && !ReadLongHeader(*bytes, &headerLength, &contentLength)) return false;
-    if (contentLength > bytes->length - headerLength) return false;
-    *content = {bytes->data + headerLength, contentLength};
-    *bytes = {content->data + contentLength, bytes->length - headerLength - contentLength};
+    const uint8_t* at = bytes->data;
+    if (bytes->length < 2 || at[0] != identifier || at[1] == 0x80) return false;
+    const uint32_t octets = at[1] < 0x80 ? 0 : at[1] - 0x80;
+    if (octets > 2 || bytes->length < 2 + octets) return false;
+    const uint32_t length = octets == 0 ? at[1] : octets == 1 ? at[2] : at[2] << 8 | at[3];
+    if (length > bytes->length - 2 - octets) return false;
+    *content = {at + 2 + octets, length};
+    *bytes = {content->data + length, bytes->length - 2 - octets - length};
     return true;
 }
 

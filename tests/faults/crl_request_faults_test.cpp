@@ -30,8 +30,7 @@ Status BuildCrl(bool directoryAlone, X509Crl** out) {
            (status = AddX509NameEntry(name, kKey.data(), 9, 12, kCommonName.data(), 1)) ||
            (status = SetX509CrlThisUpdate(crl, &kTime)) || (status = SetX509CrlNextUpdate(crl, &kLater)) ||
            (status = SetX509CrlSignatureAlgorithmOidAndParameters(crl, algorithm.data(), kNull.data(), 2)) ||
-           (status = SetX509CrlAuthorityKeyIdentifier2(crl, kKey.data(), 20, name, kKey.data(), 3)) ||
-           (status = SetX509CrlSignature(crl, kKey.data(), 64)));
+           (status = SetX509CrlAuthorityKeyIdentifier2(crl, kKey.data(), 20, name, kKey.data(), 3)));
     for (uint8_t i = 1; i <= 15 && status == StatusOk; ++i) {
         (void)((status = AddX509CrlRevokedCertificate(crl, &i, 1, &kTime, &index)) ||
                (status = GetX509CrlRevokedCertificateExtensions(crl, index, &handle)) ||

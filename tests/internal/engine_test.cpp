@@ -85,7 +85,8 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"constructed", "2380 03020001 0000", 32}}},
     {OneAny, {
         {"definite", "3004 A0020500", "="},             {"nested", "300B A080 30800000 020105 0000", "="},
-        {"past the end", "3004 A0030500", 302},         {"without end", "3006 A080 020105 00", 302},
+        {"past the end", "3004 A0030500", 302},         {"past the end, nested", "3006 A080 0205 0102", 335},
+        {"without end", "3006 A080 020105 00", 302},
         {"end of the bytes", "3005 A080 020105", 335},  {"end of the sequence is taken", "3080 0000", 335}}},
     {Integers, {
         {"out of order", "3106 020105 020103", "3106 020103 020105"},

@@ -1,0 +1,167 @@
+#include "support.h"
+
+using namespace support;
+
+namespace {
+
+const Bytes kOne = Hex("01"), kSerial = Hex("0080"), kNull = Hex("0500");
+const LibraryTime kUtc = {2049, 12, 31, 23, 59, 58}, kLater = {2050, 1, 2, 3, 4, 5}, kNoTime = {};
+
+// A CRL of version 2 around its entries.
+Bytes ExtensionTlv(const char* oid, const Bytes& value) { return Tlv(0x30, OidTlv(oid) + Tlv(4, value)); }
+Bytes NameTlv(const std::string& cn) { return Tlv(48, Tlv(49, Tlv(48, OidTlv("2.5.4.3") + Tlv(12, Text(cn))))); }
+const Bytes kUtcTlv = Tlv(23, Text("491231235958Z")), kLaterTlv = Tlv(24, Text("20500102030405Z"));
+const Bytes kAlgorithm = Tlv(0x30, OidTlv("1.2.840.113549.1.1.11") + kNull), kReason = ExtensionTlv("2.5.29.21", kNull);
+Bytes Entry(const Bytes& serial, const Bytes& rest = {}) { return Tlv(0x30, Tlv(2, serial) + kUtcTlv + rest); }
+Bytes CrlOf(const Bytes& entries, const Bytes& algorithm = kAlgorithm) {
+    const Bytes fields = algorithm + NameTlv("Root") + kUtcTlv + kLaterTlv + entries + Tlv(0xA0, Tlv(0x30, kReason));
+    return Tlv(0x30, Tlv(0x30, Hex("020101") + fields) + algorithm + Hex("03020001"));
+}
+const Bytes kEntries = Tlv(0x30, Entry(kOne) + Entry(kSerial, Tlv(0x30, kReason))), kWhole = CrlOf(kEntries);
+
+auto NameOf(const std::string& text) { return Decoded<FreeX509Name>(DecodeX509Name, NameTlv(text)); }
+
+// Calls made one after the other, all of which give one status.
+void Expect(Status status, std::initializer_list<Status> calls) {
+    for (const Status& call : calls) EXPECT_EQ(call, status) << "call " << &call - calls.begin();
+}
+Status AddReason(X509Extensions handle) {
+    return AddX509ExtensionsExtension(handle, OidOf("2.5.29.21").data(), 0, kNull.data(), 2);
+}
+uint32_t Find(X509Crl* crl, const std::string& issuer, const Bytes& serial) {
+    uint32_t index = 9;
+    const Status status = FindX509CrlFind(crl, NameOf(issuer).get(), serial.data(), Size(serial), &index);
+    return status == StatusOk ? index : status;
+}
+
+struct CrlTest : testing::Test {
+    const walk::Owned<FreeX509Crl> decoded = Decoded<FreeX509Crl>(DecodeX509Crl, kWhole);
+    walk::Owned<FreeX509Crl> made = Make<FreeX509Crl>(CreateX509Crl);
+    X509Crl *const c = decoded.get(), *const fresh = made.get(), *lent = nullptr;
+    const walk::Owned<FreeX509Name> root = NameOf("Root");
+    X509Extensions handle = nullptr;
+    LibraryTime time = {};
+    int32_t version = 9;
+    uint32_t n = 9;
+};
+
+TEST_F(CrlTest, BuiltFromNothingHasItsBytesAndReadsBack) {
+    const Bytes oid = OidOf("1.2.840.113549.1.1.11");
+    X509Name* name = nullptr;
+    Expect(0, {SetX509CrlVersion(fresh, 1), SetX509CrlIssuer(fresh, root.get()), SetX509CrlThisUpdate(fresh, &kUtc),
+               SetX509CrlNextUpdate(fresh, &kUtc), SetX509CrlNextUpdate(fresh, &kLater),
+               AddX509CrlRevokedCertificate(fresh, kOne.data(), 1, &kUtc, nullptr),
+               AddX509CrlRevokedCertificate(fresh, kSerial.data(), 2, &kUtc, &n),
+               GetX509CrlRevokedCertificateExtensions(fresh, n, &handle), AddReason(handle),
+               GetX509CrlExtensions(fresh, &handle), AddReason(handle), SetX509CrlSignature(fresh, kOne.data(), 1),
+               SetX509CrlSignatureAlgorithmOidAndParameters(fresh, oid.data(), kNull.data(), 2)});
+    EXPECT_EQ(ToHex(Fetch(EncodeX509Crl, fresh)), ToHex(kWhole));
+    EXPECT_EQ(Tlv(0x30, Fetch(GetX509CrlToBeSignedPart, c) + kAlgorithm + Hex("03020001")), kWhole);
+    EXPECT_EQ(Fetch(GetX509CrlRevokedCertificateSerialNumber, c, 1) + Fetch(GetX509CrlSignature, c), kSerial + kOne);
+    const auto differs = [&](Status status, const LibraryTime& is) { return status + (CompareTime(&time, &is) != 0); };
+    Expect(0, {differs(GetX509CrlThisUpdate(c, &time), kUtc), differs(GetX509CrlNextUpdate(c, &time), kLater),
+               differs(GetX509CrlRevokedCertificateRevokationDate(c, 1, &time), kUtc), GetX509CrlVersion(c, &version),
+               version != 1, GetX509CrlIssuer(c, &name), CompareX509Names(name, root.get())});
+}
+
+TEST_F(CrlTest, FreshOneAndBadArgumentsAreAnswered) {
+    const auto add = [&](X509Crl* crl, auto date) { return AddX509CrlRevokedCertificate(crl, &kOne[0], 0, date, &n); };
+    Expect(32, {CreateX509CrlCopy(fresh, &lent), FindX509CrlFind(c, root.get(), nullptr, 0, &n), add(c, nullptr),
+                GetX509CrlRevokedCertificateRevokationDate(c, 2, &time), SetX509CrlVersion(c, 2)});
+    Expect(311, {GetX509CrlVersion(fresh, &version), GetX509CrlNextUpdate(fresh, &time), EncodeX509Crl(fresh, 0, &n),
+                 GetX509CrlRevokedCertificateRevokationDate(fresh, 0, &time), GetX509CrlSignature(fresh, nullptr, &n)});
+    Expect(313, {SetX509CrlThisUpdate(c, &kNoTime), SetX509CrlNextUpdate(c, nullptr), add(c, &kNoTime),
+                 SetX509CrlNextUpdate(fresh, nullptr), add(fresh, &kNoTime)});
+    EXPECT_EQ(Fetch(EncodeX509Crl, Make<FreeX509Crl>(CreateX509CrlCopy, c).get()), kWhole) << "unchanged";
+    Check({{GetX509CrlThisUpdate(fresh, &time), 302}, {Find(fresh, "Root", kNull), 322}});
+    Expect(0, {SetX509CrlVersion(fresh, 0), SetX509CrlThisUpdate(fresh, &kUtc)});
+    EXPECT_EQ(Fetch(GetX509CrlToBeSignedPart, fresh), Tlv(0x30, Hex("020100 30020600 3000") + kUtcTlv + Hex("3000")));
+    Expect(0, {add(c, &kUtc), ClearX509CrlRevokedCertificates(c), RemoveX509CrlNextUpdate(fresh)});
+    EXPECT_EQ(Fetch(EncodeX509Crl, c), CrlOf(Hex("3000")));
+    Expect(0, {RemoveX509CrlRevokedCertificates(c), ClearX509CrlRevokedCertificates(c)});
+    EXPECT_EQ(Fetch(EncodeX509Crl, c), CrlOf({}));
+}
+
+TEST_F(CrlTest, ListsAdoptLendAndEncode) {
+    const auto list = Decoded<FreeX509Crls>(DecodeX509Crls, Tlv(0x30, kWhole));
+    EXPECT_EQ(Fetch(EncodeX509Crls, Make<FreeX509Crls>(CreateX509CrlsCopy, list.get()).get()), Tlv(0x30, kWhole));
+    Check({{AddX509CrlToX509Crls(list.get(), made.release()), 0}, {GetX509CrlsCrl(list.get(), 2, &lent), 32}});
+    Check({{GetX509CrlsCount(list.get(), &n), 0}, {n, 2}, {GetX509CrlsCrl(list.get(), 1, &lent), lent != fresh}});
+    const auto entries = Make<FreeX509RevokedCertificates>(CreateX509RevokedCertificates);
+    const auto add = AddX509RevokedCertificatesRevokedCertificate;
+    Expect(0, {add(entries.get(), kOne.data(), 1, &kUtc, nullptr), add(entries.get(), kSerial.data(), 2, &kUtc, &n),
+               GetX509RevokedCertificatesRevokedCertificateExtensions(entries.get(), n, &handle), AddReason(handle)});
+    EXPECT_EQ(Fetch(EncodeX509RevokedCertificates, entries.get()), kEntries);
+}
+
+TEST_F(CrlTest, SignatureAlgorithmsAreSetTogether) {
+    const Bytes oid = OidTlv("1.2.643.2.2.3");
+    const auto set = SetX509CrlGostR34102001SignatureAlgorithmID;
+    Check({{set(c, 100, 1), 32}, {SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters(c, 100, 1, 99, 1, 1), 309}});
+    for (const auto& [form, parameters] : {std::pair(0xFF, Bytes()), {0x100, kNull}}) {
+        EXPECT_EQ(set(c, 100, form), StatusOk);
+        EXPECT_EQ(Fetch(EncodeX509Crl, c), CrlOf(kEntries, Tlv(0x30, oid + parameters)));
+    }
+}
+
+TEST_F(CrlTest, AuthorityKeyIdentifierNamesTheSignersCertificate) {
+    const auto signer = Make<FreeCertificate>(CreateCertificate);
+    const Bytes serial(65, 7), issuer = Tlv(0xA1, Tlv(0xA4, NameTlv("Root")));
+    const auto set = [&](auto key, auto name) {
+        return SetX509CrlAuthorityKeyIdentifier2(c, key, 1, name, nullptr, 0);
+    };
+    const auto expect = [&](const Bytes& value) {
+        EXPECT_EQ(GetX509CrlExtensions(c, &handle), StatusOk);
+        EXPECT_EQ(Fetch(EncodeX509Extensions, handle), Tlv(48, kReason + ExtensionTlv("2.5.29.35", Tlv(48, value))));
+    };
+    Check({{set(&kOne[0], nullptr), 32}, {set(nullptr, root.get()), 32}, {set(&kOne[0], root.get()), 0}});
+    expect(Hex("800101") + issuer);
+    Expect(0, {SetCertificateIssuer(signer.get(), root.get()), SetCertificateSerialNumber(signer.get(), &serial[0], 64),
+               SetX509CrlAuthorityKeyIdentifier(c, signer.get())});
+    expect(issuer + Tlv(0x82, Bytes(64, 7)));
+    EXPECT_EQ(SetCertificateSerialNumber(signer.get(), serial.data(), 65), StatusOk);
+    EXPECT_EQ(SetX509CrlAuthorityKeyIdentifier(c, signer.get()), StatusWorkBufferTooSmall);
+}
+
+// An entry with a certificateIssuer extension behind another one.
+Bytes Entry(const Bytes& serial, const Bytes& names, const Bytes& behind) {
+    return Entry(serial, Tlv(0x30, kReason + ExtensionTlv("2.5.29.29", Tlv(0x30, names) + behind)));
+}
+Bytes Dir(const std::string& text) { return Tlv(0xA4, NameTlv(text)); }
+
+TEST_F(CrlTest, FindsEntriesUnderTheIssuerInForce) {
+    const Bytes a = kOne, b = Hex("02"), d = Hex("03"), x = Dir("X"), y = Dir("Y"), dns = Hex("820161"), no,
+                ea = Entry(a);
+    const Bytes list = ea + Entry(b, x, no) + Entry(d), big(150, 1), tooBig(151, 1);
+    const std::string lengthy(120, 'n'), longest(1471, 'n');  // with longest a value has 1500 bytes
+    const Bytes tooLong = Entry(b, Dir(longest + 'n'), no), odd = Hex("A480") + NameTlv("X") + Hex("0000");
+    const std::tuple<const char*, Bytes, std::string, Bytes, uint32_t> rows[] = {
+        // clang-format off
+        {"own issuer", list, "Root", a, 0}, {"own under another", list, "X", a, 322}, {"case", list, "root", a, 322},
+        {"carried", list, "X", b, 1}, {"carried under own", list, "Root", b, 322}, {"carried on", list, "X", d, 2},
+        {"carried on under own", list, "Root", d, 322}, {"first of equals", Entry(b) + ea + ea, "Root", a, 1},
+        {"leading zero", ea, "Root", Hex("0001"), 322}, {"first of two names", Entry(a, x + y, no), "X", a, 322},
+        {"last of two names", Entry(a, x + y, no), "Y", a, 0}, {"no names", list + Entry(a, no, no), "X", a, 3},
+        {"by turns", list + Entry(a, y, no) + Entry(a, x, no), "X", a, 4},
+        {"other name in front", Entry(a, dns + x, no), "X", a, 0},
+        {"other name spoils the one in front", Entry(a, x + dns, no), "X", a, 322},
+        {"other name spoils the carried one", list + Entry(a, dns, no), "X", a, 322},
+        {"other name leaves the own one", Entry(a, dns, no), "Root", a, 0},
+        {"indefinite length", Entry(a, odd, no), "X", a, 0}, {"bytes behind", Entry(a, x, kNull), "X", a, 0},
+        {"short wrapper", Entry(a, Hex("A40B") + NameTlv("X"), no), "X", a, 0},
+        {"wrapper around two", Entry(a, Hex("A41E") + NameTlv("X") + y, no), "Y", a, 0},
+        {"long", Entry(a, Dir(lengthy), no), lengthy, a, 0}, {"longest", Entry(a, Dir(longest), no), longest, a, 0},
+        {"too long", tooLong + ea, "Root", a, 49}, {"too long, behind", ea + tooLong, "Root", a, 0},
+        {"not names", Entry(b, kNull, no) + ea, "Root", a, 302}, {"longest serial", Entry(big), "Root", big, 0},
+        {"too long a serial", Entry(tooBig) + ea, "Root", a, 49},
+        // clang-format on
+    };
+    for (const auto& [what, entries, issuer, serial, outcome] : rows) {
+        const auto crl = Decoded<FreeX509Crl>(DecodeX509Crl, CrlOf(Tlv(0x30, entries)));
+        EXPECT_EQ(Find(crl.get(), issuer, serial), outcome) << what;
+    }
+    EXPECT_EQ(SetX509CrlIssuer(fresh, NameOf(std::string(1480, 'n')).get()), StatusOk);
+    EXPECT_EQ(Find(fresh, "Root", a), StatusBufferTooSmall) << "an issuer of 1501 bytes";
+}
+
+}  // namespace
