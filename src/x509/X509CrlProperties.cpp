@@ -40,8 +40,8 @@ Status Read(const Asn1Value* value, uint32_t limit, Span* bytes) {
     return StatusOk;
 }
 
-// Takes an element with a one-octet identifier off the front of the bytes, if one stands there. What is longer than the
-// limits above, or of indefinite length, is left to the decoder.
+// Takes an element with a one-octet identifier off the front of the bytes, if one stands there. An indefinite length,
+// and one of more octets than the limits above need, is left to the decoder.
 bool TakeElement(Span* bytes, uint8_t identifier, Span* content) {
     const uint8_t* at = bytes->data;
     if (bytes->length < 2 || at[0] != identifier || at[1] == 0x80) return false;
