@@ -1,5 +1,6 @@
 // Value records: raw content, BOOLEAN, INTEGER, and the codecs of single primitive elements.
 
+#include "engine/codec.h"
 #include "engine/items.h"
 #include "engine/nodes.h"
 #include "engine/output.h"
@@ -110,23 +111,23 @@ Asn1Value* AllocAsn1Boolean(uint32_t flag) {
 Status GetAsn1Boolean(const Asn1Value* value, uint32_t* flag) {
     if (AnyNull(value, flag)) return Fail(StatusBadArgument);
     if (HasLostBytes(value)) return Fail(StatusAbsent);
-    if (value->length != 1 || (value->data[0] != 0 && value->data[0] != 0xFF)) return Fail(StatusBadValue);
+    if (!IsDerBoolean(value->data, value->length)) return Fail(StatusBadValue);
     *flag = value->data[0] != 0 ? 1 : 0;
     return StatusOk;
 }
 
 Status CheckAsn1Boolean(const Asn1Value* value) {
     if (value == nullptr) return Fail(StatusBadArgument);
-    if (value->type != Asn1KindBoolean || value->length != 1 || value->data == nullptr) return Fail(StatusBadValue);
-    return value->data[0] == 0 || value->data[0] == 0xFF ? StatusOk : Fail(StatusBadValue);
+    const bool allowed =
+        value->type == Asn1KindBoolean && !HasLostBytes(value) && IsDerBoolean(value->data, value->length);
+    return allowed ? StatusOk : Fail(StatusBadValue);
 }
 
 Status CheckAsn1Integer(const Asn1Value* value) {
     if (value == nullptr) return Fail(StatusBadArgument);
-    if (value->type != Asn1KindInteger || value->length == 0 || value->data == nullptr) return Fail(StatusBadValue);
-    if (value->length == 1) return StatusOk;
-    const uint8_t padding = value->data[1] & 0x80 ? 0xFF : 0x00;
-    return value->data[0] == padding ? Fail(StatusBadValue) : StatusOk;
+    const bool allowed =
+        value->type == Asn1KindInteger && !HasLostBytes(value) && IsMinimalInteger(value->data, value->length);
+    return allowed ? StatusOk : Fail(StatusBadValue);
 }
 
 Asn1Value* AllocAsn1Integer(int32_t value) {

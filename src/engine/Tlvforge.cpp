@@ -121,16 +121,6 @@ struct Decoded {
 // In all functions below [at, end) are the bytes that are there, and *out is stored only on success.
 Decoded DecodeAnyItem(const uint8_t* at, const uint8_t* end, const Asn1Item& item, Cell* out);
 
-inline bool IsDerBoolean(const uint8_t* content, uint32_t length) {
-    return length == 1 && (content[0] == 0 || content[0] == 0xFF);
-}
-
-// Minimal two's complement: not all of the first nine bits are equal.
-inline bool IsMinimalInteger(const uint8_t* content, uint32_t length) {
-    if (length < 2) return length == 1;
-    return content[0] != (content[1] & 0x80 ? 0xFF : 0x00);
-}
-
 inline bool IsAllowed(uint8_t kind, const uint8_t* content, uint32_t length) {
     if (kind == Asn1KindBoolean) return IsDerBoolean(content, length);
     if (kind == Asn1KindInteger) return IsMinimalInteger(content, length);
