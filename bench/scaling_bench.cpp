@@ -18,13 +18,15 @@ void CountBytes(benchmark::State& state, size_t bytes) {
 
 // ---- Engine ----
 
-// A list of many small elements.
-Bytes ManyNames(int64_t count) {
-    const Bytes element = Tlv(0x82, Text("www.example.com"));
+Bytes ListOf(const Bytes& element, int64_t count) {
     Bytes content;
     for (int64_t i = 0; i < count; ++i) content.insert(content.end(), element.begin(), element.end());
     return Tlv(0x30, content);
 }
+
+// A list of many small elements, and one whose elements nobody can count without reading them.
+Bytes ManyNames(int64_t count) { return ListOf(Tlv(0x82, Text("www.example.com")), count); }
+Bytes IndefiniteNames(int64_t count) { return ListOf({0xA4, 0x80, 0x30, 0x00, 0x00, 0x00}, count); }
 
 // A name whose one RDN has its entries in the reverse of DER order.
 Bytes ReversedSet(int64_t count) {
@@ -84,6 +86,7 @@ constexpr Codec<X509GeneralNames> kList = {DecodeX509GeneralNames, EncodeX509Gen
 constexpr Codec<X509Name> kName = {DecodeX509Name, EncodeX509Name, FreeX509Name};
 BENCHMARK_CAPTURE(Decode, list, kList, ManyNames)->Apply(Lengths);
 BENCHMARK_CAPTURE(Encode, list, kList, ManyNames)->Apply(Lengths);
+BENCHMARK_CAPTURE(Decode, indefinite_list, kList, IndefiniteNames)->Apply(Lengths);
 BENCHMARK_CAPTURE(Decode, reversed_set, kName, ReversedSet)->Apply(Lengths);
 BENCHMARK_CAPTURE(Encode, reversed_set, kName, ReversedSet)->Apply(Lengths);
 BENCHMARK_CAPTURE(Decode, nested, kName, NestedValue)->Apply(Lengths);

@@ -155,7 +155,7 @@ inline void FreeChild(const Asn1Item* item, void* node) {
 void FreeList(const Asn1Item* element, Asn1List* list) {
     if (list->items != nullptr) {
         for (uint32_t i = 0; i < list->count; ++i) FreeChild(element, list->items[i]);
-        if (list->items != reinterpret_cast<void**>(list + 1)) Release(list->items);
+        ReleaseListTable(list);
     }
     Release(list);
 }

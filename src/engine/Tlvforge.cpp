@@ -129,7 +129,7 @@ inline bool IsAllowed(uint8_t kind, const uint8_t* content, uint32_t length) {
 
 // Primitive, with its own or an implicit tag of one octet.
 inline bool IsPlainValue(const Asn1Item& item) {
-    return item.constructedBit == 0 && (item.itemFlags & Asn1FlagExplicit) == 0 && IsValueKind(item.kind) &&
+    return (item.constructedBit | (item.itemFlags & Asn1FlagExplicit)) == 0 && IsValueKind(item.kind) &&
            item.tagNumber < 31;
 }
 
@@ -218,29 +218,34 @@ Decoded DecodeSegments(const uint8_t* content, const uint8_t* end, Cell* out) {
     return at == end ? at : at + 2;
 }
 
-// A decoded list is known to get elements: its first table lies in the same block.
-Asn1List* NewListWithTable() {
-    void* block = Allocate(sizeof(Asn1List) + kFirstSlots * sizeof(void*));
-    if (block == nullptr) return nullptr;
-    Asn1List* list = new (block) Asn1List{};
-    list->items = reinterpret_cast<void**>(list + 1);
-    list->capacity = kFirstSlots;
-    list->sorted = 1;
-    return list;
-}
-
-// How many elements seem to follow, at least 1. It decides on the size of a table and on nothing else.
-uint32_t CountElements(const uint8_t* at, const uint8_t* end) {
+// Slots for the elements that seem to follow. The count is exact for definite elements; behind an indefinite one nobody
+// has looked, and the table may have to grow. It ends at the first of these, so that all counts together are linear.
+uint32_t CountSlots(const uint8_t* at, const uint8_t* end, bool indefinite) {
     uint32_t count = 0;
     Header header;
-    do {
+    while (at != end && !(indefinite && AtEndOfContents(at, end))) {
+        if (ReadHeader(at, end, &header) != StatusOk || header.indefinite) return count + kFirstSlots;
         ++count;
-        if (ReadHeader(at, end, &header) != StatusOk || header.indefinite) break;
         at += header.headerLength;
         if (header.contentLength >= static_cast<uint64_t>(end - at)) break;
         at += header.contentLength;
-    } while (true);
-    return count;
+    }
+    return count != 0 ? count : 1;
+}
+
+// A decoded list is known to get elements: a table of the right size, beside the record while it is small.
+Asn1List* NewListWithTable(uint32_t slots) {
+    const uint32_t beside = slots <= kFirstSlots ? slots : 0;
+    void* block = Allocate(sizeof(Asn1List) + beside * sizeof(void*));
+    if (block == nullptr) return nullptr;
+    Asn1List* list = new (block) Asn1List{};
+    list->items =
+        beside != 0 ? reinterpret_cast<void**>(list + 1) : static_cast<void**>(AllocateTable(slots * sizeof(void*)));
+    list->capacity = slots;
+    list->sorted = 1;
+    if (list->items != nullptr) return list;
+    Release(block);
+    return nullptr;
 }
 
 // In indefinite form a list may end with its bytes, without end-of-contents octets.
@@ -250,7 +255,7 @@ Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite, c
         if (end - at == 1) return Fail(StatusBadEncoding);
         if (indefinite && AtEndOfContents(at, end)) return at + 2;
         if (list->count == list->capacity) {
-            const Status status = GrowAsn1List(list, element, uint64_t{list->count} + CountElements(at, end));
+            const Status status = GrowAsn1List(list, element);
             if (status != StatusOk) return status;
         }
         const Decoded decoded = DecodeElement(at, end, element, &static_cast<Cell*>(list->items)[list->count]);
@@ -266,7 +271,7 @@ Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite, c
 Decoded DecodeList(const uint8_t* at, const uint8_t* end, bool indefinite, const Asn1Item& item, Cell* out) {
     if (item.childCount != 1 || item.children == nullptr || item.children[0] == nullptr) return Fail(StatusBadItem);
     if (at == end) return StoreNode(AllocAsn1List(), out, end);
-    Asn1List* list = NewListWithTable();
+    Asn1List* list = NewListWithTable(CountSlots(at, end, indefinite));
     if (list == nullptr) return Fail(StatusOutOfMemory);
     const Decoded decoded = DecodeElements(at, end, indefinite, *item.children[0], list);
     if (decoded.status != StatusOk) {
@@ -490,25 +495,35 @@ struct Emitted {
 template <class Pass>
 Emitted<Pass> EmitAnyItem(const void* node, const Asn1Item& item, typename Pass::Cursor at);
 
-// A captured element without a tag of its own, which goes out as it stands.
-inline bool IsPlainAny(const Asn1Item& item) {
-    return item.kind == Asn1KindAny && item.tagClass != Asn1ClassContext && (item.itemFlags & Asn1FlagExplicit) == 0;
+// DER leaves out an optional item that equals its DEFAULT. A tree with a NULL or ENUMERATED default can't be compared.
+inline Status EqualsDefault(const void* node, const Asn1Item& item, uint32_t* equal) {
+    if (!IsPlainValue(item) || item.kind == Asn1KindNull || item.kind == Asn1KindEnumerated) {
+        return CompareAsn1Objects(&item, node, item.defaultValue, equal);
+    }
+    *equal = EqualRecords(*static_cast<const Asn1Value*>(node), *static_cast<const Asn1Value*>(item.defaultValue));
+    return StatusOk;
 }
 
-// As in the decoder, most nodes are present primitive values.
+inline bool HasDefault(const Asn1Item& item) {
+    return item.defaultValue != nullptr && (item.itemFlags & Asn1FlagOptional) != 0;
+}
+
+// As in the decoder, most nodes are present primitive values, and most others are alternatives or blocks of them.
 template <class Pass>
-inline Emitted<Pass> EmitItem(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
+[[gnu::always_inline]] inline Emitted<Pass> EmitItem(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
     CountEncoderVisit();
-    if (node == nullptr && (item.itemFlags & Asn1FlagOptional) != 0) return Emitted<Pass>::At(at);
-    if ((Pass::kChecks && node == nullptr) || item.defaultValue != nullptr) return EmitAnyItem<Pass>(node, item, at);
-    if (IsPlainAny(item)) {
-        const Asn1Any& any = *static_cast<const Asn1Any*>(node);
-        if (Pass::kChecks && HasLostBytes(&any)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
-        return Emitted<Pass>::At(Pass::Bytes(at, any.data, any.length));
+    if (node == nullptr) [[unlikely]] {
+        if ((item.itemFlags & Asn1FlagOptional) != 0) return Emitted<Pass>::At(at);
+        return Emitted<Pass>::Failed(Fail(StatusAbsent));
     }
     if (!IsPlainValue(item)) return EmitAnyItem<Pass>(node, item, at);
     const Asn1Value& value = *static_cast<const Asn1Value*>(node);
     if (Pass::kChecks && HasLostBytes(&value)) return Emitted<Pass>::Failed(Fail(StatusAbsent));
+    if (HasDefault(item)) {
+        uint32_t equal = 0;
+        const Status status = EqualsDefault(node, item, &equal);
+        if (status != StatusOk || equal != 0) return {at, status};
+    }
     at = Pass::Bytes(at, value.data, value.length);
     return Emitted<Pass>::At(Pass::Header(at, item.tagClass, 0, static_cast<uint32_t>(TagOf(item)), value.length));
 }
@@ -641,15 +656,6 @@ template <class Pass>
         Pass::Header(at, tagClass, constructedBit, static_cast<uint32_t>(tagNumber), static_cast<uint32_t>(content)));
 }
 
-// DER leaves out an optional item that equals its DEFAULT.
-inline Status EqualsDefault(const void* node, const Asn1Item& item, uint32_t* equal) {
-    if (!IsPlainValue(item) || item.kind == Asn1KindNull || item.kind == Asn1KindEnumerated) {
-        return CompareAsn1Objects(&item, node, item.defaultValue, equal);
-    }
-    *equal = EqualRecords(*static_cast<const Asn1Value*>(node), *static_cast<const Asn1Value*>(item.defaultValue));
-    return StatusOk;
-}
-
 template <class Pass>
 [[gnu::always_inline]] inline Emitted<Pass> EmitBody(const void* node, const Asn1Item& item, uint8_t tagClass,
                                                      int32_t tagNumber, typename Pass::Cursor at) {
@@ -671,8 +677,7 @@ template <class Pass>
 
 template <class Pass>
 Emitted<Pass> EmitAnyItem(const void* node, const Asn1Item& item, typename Pass::Cursor at) {
-    if (Pass::kChecks && node == nullptr) return Emitted<Pass>::Failed(Fail(StatusAbsent));
-    if ((item.itemFlags & Asn1FlagOptional) != 0 && item.defaultValue != nullptr) {
+    if (HasDefault(item)) {
         uint32_t equal = 0;
         const Status status = EqualsDefault(node, item, &equal);
         if (status != StatusOk || equal != 0) return {at, status};

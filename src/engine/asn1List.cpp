@@ -3,13 +3,10 @@
 using namespace tlvforge;
 
 namespace tlvforge {
-namespace {
 
-void ReleaseTable(Asn1List* list) {
-    if (list->items != reinterpret_cast<void**>(list + 1)) Release(list->items);
+void ReleaseListTable(Asn1List* list) {
+    if (list->items != reinterpret_cast<void**>(list + 1)) ReleaseTable(list->items, list->capacity * sizeof(void*));
 }
-
-}  // namespace
 
 Asn1List* AllocAsn1List() {
     Asn1List* list = NewRecord<Asn1List>();
@@ -17,32 +14,50 @@ Asn1List* AllocAsn1List() {
     return list;
 }
 
-Status GrowAsn1List(Asn1List* list, const Asn1Item& item, uint64_t capacity) {
-    void* table = capacity <= INT32_MAX / sizeof(void*) ? Allocate(capacity * sizeof(void*)) : nullptr;
+// The first table is small because most lists are short; later ones grow fast, for the sake of large CRLs.
+Status GrowAsn1List(Asn1List* list, const Asn1Item& item) {
+    const uint64_t capacity = list->capacity < kFirstSlots ? kFirstSlots : uint64_t{list->capacity} * 3 / 2 + 200;
+    void* table = capacity <= INT32_MAX / sizeof(void*) ? AllocateTable(capacity * sizeof(void*)) : nullptr;
     if (table == nullptr) {
         ClearAsn1List(list, item);
-        ReleaseTable(list);
+        ReleaseListTable(list);
         list->items = nullptr;
         list->capacity = 0;
         return Fail(StatusOutOfMemory);
     }
     if (list->count != 0) memcpy(table, list->items, list->count * sizeof(void*));
-    ReleaseTable(list);
+    ReleaseListTable(list);
     list->items = static_cast<void**>(table);
     list->capacity = static_cast<uint32_t>(capacity);
     return StatusOk;
 }
 
-// The first table is small because most lists are short; later ones grow fast, for the sake of large CRLs.
 Status AddAsn1ListItem(Asn1List* list, const Asn1Item& item, void* element) {
     if (list == nullptr) return Fail(StatusBadArgument);
     if (list->count == list->capacity) {
-        const uint64_t capacity = list->capacity == 0 ? kFirstSlots : uint64_t{list->capacity} * 3 / 2 + 200;
-        const Status status = GrowAsn1List(list, item, capacity);
+        const Status status = GrowAsn1List(list, item);
         if (status != StatusOk) return status;
     }
     static_cast<Cell*>(list->items)[list->count++] = element;
     return StatusOk;
+}
+
+Status AddAsn1ListItemUnique(Asn1List* list, const Asn1Item& item, void* element) {
+    if (AnyNull(list, element)) return Fail(StatusBadArgument);
+    uint32_t size = 0;
+    Status status = GetAsn1EncodedValue(element, &item, nullptr, &size);
+    if (status != StatusOk) return status;
+    const Block encoding(size), member(size);
+    if (!encoding || !member) return Fail(StatusOutOfMemory);
+    uint32_t length = size;
+    status = GetAsn1EncodedValue(element, &item, encoding.Bytes(), &length);
+    for (uint32_t i = 0; status == StatusOk && list->items != nullptr && i < list->count; ++i) {
+        status = GetAsn1EncodedValue(list->items[i], &item, nullptr, &length);
+        if (status != StatusOk || length != size) continue;
+        status = GetAsn1EncodedValue(list->items[i], &item, member.Bytes(), &length);
+        if (status == StatusOk && memcmp(encoding.Bytes(), member.Bytes(), size) == 0) return Fail(StatusDuplicateItem);
+    }
+    return status == StatusOk ? AddAsn1ListItem(list, item, element) : status;
 }
 
 Status RemoveAsn1ListItem(Asn1List* list, uint32_t index, const Asn1Item& item) {

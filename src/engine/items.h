@@ -101,6 +101,29 @@ inline constexpr Asn1Item ImplicitConstructedAny = [] {
     return item;
 }();
 
+// Odd tags that the wire format of some structures asks for, where a module would have context tags: a number in the
+// universal class, implicit or explicit, and a context class with the number of the kind.
+template <int32_t Number, const Asn1Item& Base>
+inline constexpr Asn1Item UniversalTag = [] {
+    static_assert(Number >= 0 && Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
+    return Tagged(Base, Asn1ClassUniversal, Number, 0);
+}();
+
+template <int32_t Number, const Asn1Item& Base>
+inline constexpr Asn1Item UniversalExplicit = [] {
+    static_assert(Number >= 0 && Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
+    return Tagged(Base, Asn1ClassUniversal, Number, Asn1FlagExplicit);
+}();
+
+template <const Asn1Item& Base>
+inline constexpr Asn1Item ContextOfKind = [] {
+    static_assert(Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
+    return Tagged(Base, Asn1ClassContext, -1, 0);
+}();
+
+// The element of a list of constructed values that are kept as they stand.
+inline constexpr Asn1Item ConstructedAny = {0, Asn1Constructed, 0, Asn1KindAny, -1, sizeof(Asn1Any), nullptr, 0, nullptr};
+
 template <const Asn1Item& Base>
 inline constexpr Asn1Item Optional = [] {
     Asn1Item item = Base;

@@ -149,11 +149,16 @@ Status ClearAsn1Choice(const Asn1Item& item, Asn1Choice* choice);
 // Asn1List.
 inline constexpr uint32_t kFirstSlots = 10;
 Asn1List* AllocAsn1List();
+// The first table may lie beside the record, in its block.
+void ReleaseListTable(Asn1List* list);
 // Gives the list a larger table; as AddAsn1ListItem on failure.
-Status GrowAsn1List(Asn1List* list, const Asn1Item& item, uint64_t capacity);
+Status GrowAsn1List(Asn1List* list, const Asn1Item& item);
 // Appends and adopts, with the element's item. When the table can't grow (1), the list loses all its elements, which
 // are freed, and the new element is still the caller's.
 Status AddAsn1ListItem(Asn1List* list, const Asn1Item& item, void* element);
+// Appends and adopts unless a member has the same encoding: 344, and the element is still the caller's, as after any
+// failure.
+Status AddAsn1ListItemUnique(Asn1List* list, const Asn1Item& item, void* element);
 // Index at or beyond the count: 32. The later elements move down.
 Status RemoveAsn1ListItem(Asn1List* list, uint32_t index, const Asn1Item& item);
 // Frees the elements and keeps the table.

@@ -37,6 +37,11 @@ inline void CountEncoderVisit() { ++instruments.encoderVisits; }
 
 #endif
 
+// Tables of lists. The allocator answers a request for a large block by merging all the small ones that are free, and
+// the next document pays for it: large tables come from the system instead, as whole pages.
+void* AllocateTable(size_t size);
+void ReleaseTable(void* table, size_t size);
+
 // Resizes a block. On failure the old block is released: whoever held it holds nothing then. A size of 2^31 or more,
 // negative here, fails.
 void* ReallocOrFree(void* block, int32_t size);
