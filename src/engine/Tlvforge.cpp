@@ -254,10 +254,8 @@ Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite, c
     while (at != end) {
         if (end - at == 1) return Fail(StatusBadEncoding);
         if (indefinite && AtEndOfContents(at, end)) return at + 2;
-        if (list->count == list->capacity) {
-            const Status status = GrowAsn1List(list, element);
-            if (status != StatusOk) return status;
-        }
+        const Status status = ReserveAsn1ListItem(list);
+        if (status != StatusOk) return status;
         const Decoded decoded = DecodeElement(at, end, element, &static_cast<Cell*>(list->items)[list->count]);
         if (decoded.status != StatusOk) return decoded;
         ++list->count;

@@ -15,16 +15,11 @@ Asn1List* AllocAsn1List() {
 }
 
 // The first table is small because most lists are short; later ones grow fast, for the sake of large CRLs.
-Status GrowAsn1List(Asn1List* list, const Asn1Item& item) {
+Status ReserveAsn1ListItem(Asn1List* list) {
+    if (list->count != list->capacity) return StatusOk;
     const uint64_t capacity = list->capacity < kFirstSlots ? kFirstSlots : uint64_t{list->capacity} * 3 / 2 + 200;
     void* table = capacity <= INT32_MAX / sizeof(void*) ? AllocateTable(capacity * sizeof(void*)) : nullptr;
-    if (table == nullptr) {
-        ClearAsn1List(list, item);
-        ReleaseListTable(list);
-        list->items = nullptr;
-        list->capacity = 0;
-        return Fail(StatusOutOfMemory);
-    }
+    if (table == nullptr) return Fail(StatusOutOfMemory);
     if (list->count != 0) memcpy(table, list->items, list->count * sizeof(void*));
     ReleaseListTable(list);
     list->items = static_cast<void**>(table);
@@ -34,9 +29,13 @@ Status GrowAsn1List(Asn1List* list, const Asn1Item& item) {
 
 Status AddAsn1ListItem(Asn1List* list, const Asn1Item& item, void* element) {
     if (list == nullptr) return Fail(StatusBadArgument);
-    if (list->count == list->capacity) {
-        const Status status = GrowAsn1List(list, item);
-        if (status != StatusOk) return status;
+    const Status status = ReserveAsn1ListItem(list);
+    if (status != StatusOk) {
+        ClearAsn1List(list, item);
+        ReleaseListTable(list);
+        list->items = nullptr;
+        list->capacity = 0;
+        return status;
     }
     static_cast<Cell*>(list->items)[list->count++] = element;
     return StatusOk;

@@ -151,8 +151,8 @@ inline constexpr uint32_t kFirstSlots = 10;
 Asn1List* AllocAsn1List();
 // The first table may lie beside the record, in its block.
 void ReleaseListTable(Asn1List* list);
-// Gives the list a larger table; as AddAsn1ListItem on failure.
-Status GrowAsn1List(Asn1List* list, const Asn1Item& item);
+// Makes room for one element more. After a failure the list is as it was.
+Status ReserveAsn1ListItem(Asn1List* list);
 // Appends and adopts, with the element's item. When the table can't grow (1), the list loses all its elements, which
 // are freed, and the new element is still the caller's.
 Status AddAsn1ListItem(Asn1List* list, const Asn1Item& item, void* element);

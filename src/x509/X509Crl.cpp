@@ -129,6 +129,7 @@ Status AddX509RevokedCertificatesRevokedCertificate(X509RevokedCertificates* lis
     if (status != StatusOk) return status;
     status = SetAsn1ValueField(&entry->userCertificate, Asn1KindInteger, serial, serialLength);
     if (status == StatusOk) status = SetTimeField(entry->revocationDate, revocationDate);
+    if (status == StatusOk) status = ReserveAsn1ListItem(list);  // a failed add loses no entries
     if (status == StatusOk) status = entry.MoveTo(list);
     if (status == StatusOk && index != nullptr) *index = list->count - 1;
     return status;
