@@ -1,0 +1,60 @@
+#include "tlvforge/cms.h"
+
+#include "cms/cms.schema.h"
+#include "engine/nodes.h"
+#include "engine/oids.h"
+#include "engine/output.h"
+
+using namespace tlvforge;
+
+Status CreateCmsContentInfo(CmsContentInfo** info) {
+    return CreateAsn1Object(&schema::CmsContentInfo, Untyped(info), 1);
+}
+
+Status CreateCmsContentInfoCopy(const CmsContentInfo* info, CmsContentInfo** copy) {
+    return CopyTree(schema::CmsContentInfo, info, copy);
+}
+
+Status DecodeCmsContentInfo(const uint8_t* bytes, uint32_t length, CmsContentInfo** info) {
+    return DecodeTree(schema::CmsContentInfo, bytes, length, info);
+}
+
+Status EncodeCmsContentInfo(const CmsContentInfo* info, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(info, &schema::CmsContentInfo, buffer, length);
+}
+
+Status FreeCmsContentInfo(CmsContentInfo* info) { return FreeAsn1Object(&schema::CmsContentInfo, info); }
+
+Status GetCmsContentInfoTypeOid(const CmsContentInfo* info, uint8_t* oid, uint32_t* length) {
+    if (AnyNull(info, length)) return Fail(StatusBadArgument);
+    if (info->contentType == nullptr) return Fail(StatusAbsent);
+    return GetAsn1Oid(info->contentType, oid, length);
+}
+
+Status SetCmsContentInfoTypeOid(CmsContentInfo* info, const uint8_t* oid) {
+    if (AnyNull(info, oid)) return Fail(StatusBadArgument);
+    return ReplaceOidField(&info->contentType, oid);
+}
+
+Status GetCmsContentInfoContent(const CmsContentInfo* info, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(info, length)) return Fail(StatusBadArgument);
+    if (info->content == nullptr) return GiveBytes(nullptr, 0, buffer, length);
+    return GetAsn1AnyValue(info->content, buffer, length);
+}
+
+Status SetCmsContentInfoContent(CmsContentInfo* info, const uint8_t* data, uint32_t length) {
+    if (info == nullptr) return Fail(StatusBadArgument);
+    // Freed first: large content shouldn't be there twice.
+    FreeField(schema::Any, &info->content);
+    if (data == nullptr || length == 0) return StatusOk;
+    info->content = AllocAsn1Any(data[0], data, length);
+    return info->content == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
+}
+
+Status DecodeCmsContentInfoContent(const uint8_t* data, uint32_t length, uint8_t* buffer, uint32_t* bufferLength) {
+    return DecodeAsn1PrimitiveValue(Asn1KindOctetString, data, length, buffer, bufferLength);
+}
+
+Status EncodeCmsContentInfoContent(const uint8_t* value, uint32_t valueLength, uint8_t* buffer, uint32_t* length) {
+    return EncodeAsn1PrimitiveValue(Asn1KindOctetString, value, valueLength, buffer, length);
+}

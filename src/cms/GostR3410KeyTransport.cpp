@@ -1,0 +1,171 @@
+#include "tlvforge/enveloped.h"
+
+#include "cms/enveloped.schema.h"
+#include "engine/oids.h"
+#include "x509/fields.h"
+
+using namespace tlvforge;
+
+namespace {
+
+// The two blocks of the structure with their items.
+template <class Block>
+struct Branch {
+    Block* GostR3410KeyTransport::*block;
+    const Asn1Item& item;
+};
+constexpr Branch<SessionEncryptedKey> kSessionKey{&GostR3410KeyTransport::sessionEncryptedKey,
+                                                  schema::SessionEncryptedKey};
+constexpr Branch<TransportParameters> kParameters{&GostR3410KeyTransport::transportParameters,
+                                                  schema::TransportParameters};
+
+// A field of a block; null too where the block is absent.
+template <class Block, class Field>
+Field* FieldOf(const GostR3410KeyTransport* transport, const Branch<Block>& branch, Field* Block::*field) {
+    return transport->*branch.block == nullptr ? nullptr : transport->*branch.block->*field;
+}
+
+// Makes a block with every required field empty, where there is none.
+template <class Block>
+Status Need(const Asn1Item& item, Block** block) {
+    return *block == nullptr ? CreateAsn1Object(&item, Untyped(block), 1) : StatusOk;
+}
+
+template <class Block>
+Status GetOctets(const GostR3410KeyTransport* transport, const Branch<Block>& branch, Asn1Value* Block::*field,
+                 uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument, place);
+    const Asn1Value* value = FieldOf(transport, branch, field);
+    return value == nullptr ? Fail(StatusAbsent, place) : GetAsn1Value(value, buffer, length);
+}
+
+template <class Block>
+Status SetOctets(GostR3410KeyTransport* transport, const Branch<Block>& branch, Asn1Value* Block::*field,
+                 const uint8_t* data, uint32_t length, Place place = Place::Here()) {
+    if (AnyNull(transport, data)) return Fail(StatusBadArgument, place);
+    Block** block = &(transport->*branch.block);
+    const Status status = Need(branch.item, block);
+    return status == StatusOk ? SetAsn1ValueField(&((*block)->*field), Asn1KindOctetString, data, length) : status;
+}
+
+SubjectPublicKeyInfo* EphemeralKeyOf(const GostR3410KeyTransport* transport) {
+    return FieldOf(transport, kParameters, &TransportParameters::ephemeralPublicKey);
+}
+
+// Both ephemeral setters: without an input they remove the key with its algorithm, and never make a thing for it.
+template <class Set>
+Status SetEphemeralKey(GostR3410KeyTransport* transport, const uint8_t* input, Set set, Place place = Place::Here()) {
+    if (transport == nullptr) return Fail(StatusBadArgument, place);
+    TransportParameters** parameters = &transport->transportParameters;
+    if (input == nullptr) {
+        if (*parameters != nullptr) FreeField(schema::SubjectPublicKeyInfo, &(*parameters)->ephemeralPublicKey);
+        return StatusOk;
+    }
+    Status status = Need(schema::TransportParameters, parameters);
+    if (status == StatusOk) status = Need(schema::SubjectPublicKeyInfo, &(*parameters)->ephemeralPublicKey);
+    return status == StatusOk ? set((*parameters)->ephemeralPublicKey) : status;
+}
+
+}  // namespace
+
+Status CreateGostR3410KeyTransport(GostR3410KeyTransport** out) {
+    return CreateAsn1Object(&schema::GostR3410KeyTransport, Untyped(out), 1);
+}
+
+Status DecodeGostR3410KeyTransport(const uint8_t* data, uint32_t length, GostR3410KeyTransport** out) {
+    return DecodeTree(schema::GostR3410KeyTransport, data, length, out);
+}
+
+Status EncodeGostR3410KeyTransport(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(transport, &schema::GostR3410KeyTransport, buffer, length);
+}
+
+Status FreeGostR3410KeyTransport(GostR3410KeyTransport* transport) {
+    return FreeAsn1Object(&schema::GostR3410KeyTransport, transport);
+}
+
+Status GetGostR3410KeyTransportEncryptedKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
+    return GetOctets(transport, kSessionKey, &SessionEncryptedKey::encryptedKey, buffer, length);
+}
+
+Status GetGostR3410KeyTransportMaskKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    const SessionEncryptedKey* key = transport->sessionEncryptedKey;
+    if (key == nullptr) return Fail(StatusAbsent);
+    if (key->maskKey != nullptr) return GetAsn1Value(key->maskKey, buffer, length);
+    *length = 0;
+    return StatusOk;
+}
+
+Status GetGostR3410KeyTransportMacKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
+    return GetOctets(transport, kSessionKey, &SessionEncryptedKey::macKey, buffer, length);
+}
+
+Status GetGostR3410KeyTransportEncryptionParamSetOid(const GostR3410KeyTransport* transport, uint8_t* oid,
+                                                     uint32_t* length) {
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    const Asn1Value* paramSet = FieldOf(transport, kParameters, &TransportParameters::encryptionParamSet);
+    return paramSet == nullptr ? Fail(StatusAbsent) : GetAsn1Oid(paramSet, oid, length);
+}
+
+Status GetGostR3410KeyTransportUkm(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
+    return GetOctets(transport, kParameters, &TransportParameters::ukm, buffer, length);
+}
+
+Status GetGostR3410KeyTransportEphemeralPublicKey(const GostR3410KeyTransport* transport, uint8_t* buffer,
+                                                  uint32_t* length) {
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    return GetPublicKey(EphemeralKeyOf(transport), buffer, length);
+}
+
+Status GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(const GostR3410KeyTransport* transport,
+                                                                           uint8_t* oid, uint32_t* oidLength,
+                                                                           uint8_t* parameters,
+                                                                           uint32_t* parametersLength) {
+    if (AnyNull(transport, oidLength)) return Fail(StatusBadArgument);
+    return GetAlgorithm(AlgorithmOf(EphemeralKeyOf(transport)), oid, oidLength, parameters, parametersLength);
+}
+
+Status SetGostR3410KeyTransportEncryptedKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
+    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::encryptedKey, data, length);
+}
+
+Status SetGostR3410KeyTransportMaskKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
+    if (transport == nullptr) return Fail(StatusBadArgument);
+    SessionEncryptedKey* key = transport->sessionEncryptedKey;
+    if (key != nullptr) FreeField(schema::OctetString, &key->maskKey);
+    if (data == nullptr || length == 0) return StatusOk;
+    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::maskKey, data, length);
+}
+
+Status SetGostR3410KeyTransportMacKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
+    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::macKey, data, length);
+}
+
+Status SetGostR3410KeyTransportEncryptionParamSetOid(GostR3410KeyTransport* transport, const uint8_t* oid) {
+    if (AnyNull(transport, oid)) return Fail(StatusBadArgument);
+    const Status status = Need(schema::TransportParameters, &transport->transportParameters);
+    if (status != StatusOk) return status;
+    Asn1Value** field = &transport->transportParameters->encryptionParamSet;
+    // A set that is there is emptied, not replaced. This is intended: callers set it once.
+    const bool filled = *field != nullptr && (*field)->data != nullptr;
+    return SetAsn1ValueField(field, Asn1KindObjectIdentifier, oid + 1, filled ? 0 : oid[0]);
+}
+
+Status SetGostR3410KeyTransportEphemeralPublicKey(GostR3410KeyTransport* transport, const uint8_t* data,
+                                                  uint32_t length) {
+    return SetEphemeralKey(transport, data, [=](SubjectPublicKeyInfo* key) { return SetPublicKey(key, data, length); });
+}
+
+Status SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(GostR3410KeyTransport* transport,
+                                                                           const uint8_t* oid,
+                                                                           const uint8_t* parameters,
+                                                                           uint32_t parametersLength) {
+    return SetEphemeralKey(transport, oid, [=](SubjectPublicKeyInfo* key) {
+        return SetAlgorithm(key->algorithm, oid, parameters, parametersLength);
+    });
+}
+
+Status SetGostR3410KeyTransportUkm(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
+    return SetOctets(transport, kParameters, &TransportParameters::ukm, data, length);
+}

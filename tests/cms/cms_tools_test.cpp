@@ -1,0 +1,162 @@
+#include "tlvforge/cms_tools.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "support.h"
+
+using namespace support;
+
+namespace {
+
+const Bytes kNull = Hex("0500"), kAlgorithm = Tlv(48, OidTlv("1.2.3") + kNull), kAbc = Text("abc"), kOne = Hex("31");
+const LibraryTime kTime = {2024, 2, 29, 1, 2, 3}, kUnset = {}, *const kNone = nullptr;
+const std::string kPkcs7 = "1.2.840.113549.1.7.", kPkcs9 = "1.2.840.113549.1.9.";
+
+Bytes Attribute(const std::string& oid, const Bytes& values) { return Tlv(48, OidTlv(oid) + Tlv(49, values)); }
+const Bytes kStated = Attribute(kPkcs9 + "5", Tlv(23, Text("240229010203Z"))), kOther = Attribute("1.2.3", kNull);
+const Bytes kDigested = Attribute(kPkcs9 + "4", Tlv(4, kAbc)), kTyped = Attribute(kPkcs9 + "3", OidTlv(kPkcs7 + "1"));
+
+Bytes NameTlv(const char* cn) { return Tlv(48, Tlv(49, Tlv(48, OidTlv("2.5.4.3") + Tlv(12, Text(cn))))); }
+Bytes BySerial(const Bytes& serial) { return Tlv(48, NameTlv("Bob") + Tlv(2, serial)); }
+Bytes ByOnes(uint32_t size) { return Tlv(48, Tlv(48, {}) + Tlv(2, Bytes(size, '1'))); }
+Bytes ByKey(uint32_t size) { return Tlv(0x80, Bytes(size, 7)); }
+Bytes Signer(const Bytes& sid, const Bytes& attributes = Tlv(0xA0, kStated), const Bytes& unsignedAttributes = {}) {
+    return Tlv(48, Hex("020101") + sid + kAlgorithm + attributes + kAlgorithm + Hex("040101") + unsignedAttributes);
+}
+Bytes Of(const Bytes& signers, const Bytes& content = Tlv(0xA0, Tlv(4, kAbc)), const char* type = "2") {
+    const Bytes fields = Hex("020101") + Tlv(49, kAlgorithm) + Tlv(48, OidTlv(kPkcs7 + "1") + content);
+    return Tlv(48, OidTlv(kPkcs7 + type) + Tlv(0xA0, Tlv(48, fields + Tlv(49, signers))));
+}
+const Bytes kFirst = Signer(BySerial(kOne)), kSecond = Signer(BySerial(kOne + kOne), {}), kBoth = Of(kSecond + kFirst);
+const Bytes kEmpty = Tlv(48, OidTlv(kPkcs7 + "2")), kBare = Signer(ByKey(2), {});  // 28 bytes
+
+TEST(SigningSteps, SignerAndBytesToSignHaveTheSameAttributes) {
+    const auto signer = Make<FreeCmsSignerInfo>(CreateCmsSignerInfo);
+    const auto extra = Decoded<FreeRsaAttributes>(DecodeRsaAttributes, Tlv(49, kOther));
+    RsaAttributes own = nullptr;
+    const auto fill = [&](auto... x) {
+        return FillCmsSignerInfoWithSignedAttributes2(signer.get(), &kAbc[0], 3, x...);
+    };
+    const auto give = [&](auto... x) { return GetCmsSignedDataToBeSignedPart2(&kAbc[0], 3, x...); };
+    const Bytes two = kDigested + kDigested, all = Tlv(49, kOther + kDigested + kTyped + kStated);
+    EXPECT_EQ(Fetch(GetCmsSignedDataToBeSignedPart, &kAbc[0], 3, kNone), Tlv(49, kDigested + kTyped));
+    EXPECT_EQ(Fetch(give, &kTime, extra.get()), all);
+    // Neither a failure nor a second call takes away what is there; the further attributes may be the signer's own.
+    EXPECT_EQ(GetCmsSignerInfoSignedAttributes(signer.get(), &own), 0u);
+    Check({{fill(&kUnset, own), 311}, {fill(kNone, own), 0}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, own), Tlv(49, two + two + kTyped + kTyped + kTyped + kTyped));
+    Check({{RemoveRsaAttributes(own), 0}, {fill(&kTime, extra.get()), 0}, {RemoveRsaAttributes(extra.get()), 0}});
+    Check({{SetRsaAttributesSorted(own, 0), 0}, {fill(kNone, extra.get()), 311}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, own), Tlv(49, kTyped + kDigested + kStated + kOther + kTyped + kDigested));
+}
+
+TEST(SigningSteps, SignersAreComparedWithCertificates) {
+    const auto signer = Make<FreeCmsSignerInfo>(CreateCmsSignerInfo);
+    const auto owner = Make<FreeCertificate>(CreateCertificate);
+    const auto bob = Decoded<FreeX509Name>(DecodeX509Name, NameTlv("Bob"));
+    const auto eve = Decoded<FreeX509Name>(DecodeX509Name, NameTlv("Eve"));
+    const Bytes ones(65, 1), keyId = Tlv(4, Bytes(32, 1)), oid = OidOf("2.5.29.14");
+    X509Extensions handle = nullptr;
+    const auto compare = [&](Status set) {
+        return set != 0 ? 1 : CompareSignerInfoAndCertificate(signer.get(), owner.get());
+    };
+    const auto serial = [&](const auto& name, uint32_t size) {
+        return compare(SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber(signer.get(), name.get(), &ones[0], size));
+    };
+    const auto key = [&](uint32_t size) {
+        return compare(SetCmsSignerInfoSignerSubjectKeyIdentifier(signer.get(), &ones[0], size));
+    };
+    Check({{compare(0), 311}, {serial(bob, 64), 307}, {key(32), 322}, {key(33), 338}});
+    Check({{SetCertificateSerialNumber(owner.get(), &ones[0], 64), 0}, {serial(bob, 64), 311}});
+    Check({{SetCertificateIssuer(owner.get(), bob.get()), 0}, {GetCertificateExtensions(owner.get(), &handle), 0}});
+    Check({{AddX509ExtensionsExtension(handle, &oid[0], 0, &keyId[0], Size(keyId)), 0}, {serial(bob, 64), 0}});
+    Check({{serial(eve, 64), 320}, {serial(bob, 63), 320}, {serial(bob, 65), 338}});
+    Check({{key(32), 0}, {key(31), 320}, {key(0), 320}});
+}
+
+// Signers that end in lists of indefinite length without an end: each is four bytes longer as DER.
+Bytes Loose(uint32_t count, bool der) {
+    const Bytes value = Tlv(4, Bytes(300)), inner = OidTlv("1.2.3") + (der ? Tlv(49, value) : Hex("3180") + value);
+    const Bytes outer = der ? Tlv(0xA1, Tlv(48, inner)) : Hex("A180") + Tlv(48, inner);
+    return count == 0 ? Bytes() : Signer(ByKey(0), {}, outer) + Loose(count - 1, der);
+}
+
+TEST(Removal, GivesTheRestOrTheContent) {
+    // clang-format off
+    const std::tuple<uint32_t, Bytes, Status, Bytes> rows[] = {
+        {0, kBoth, 32, {}}, {3, kBoth, 32, {}}, {1, kBoth, 0, Of(kFirst)}, {2, kBoth, 0, Of(kSecond)},
+        {2, Of(kFirst), 32, {}}, {1, Of(kFirst), 0, kAbc}, {1, Of({}), 0, kAbc}, {1, Of(kFirst, {}), 322, {}},
+        {1, Of(kFirst, Tlv(0xA0, Tlv(4, {}))), 322, {}}, {1, Of(kSecond + kFirst, {}), 0, Of(kFirst, {})},
+        {1, Of(kBare + Loose(7, false)), 0, Of(Loose(7, true))}, {1, Of(kBare + Loose(8, false)), 49, {}}};
+    // clang-format on
+    for (const auto& [number, data, status, result] : rows) {
+        uint32_t n = 7777;
+        EXPECT_EQ(DeleteBufferCmsSignerInfo(number, &data[0], Size(data), nullptr, &n), status) << ToHex(data);
+        EXPECT_EQ(n, status == 0 ? Size(result) : 7777u) << ToHex(data);
+        const Bytes left = status != 0 ? Bytes() : Fetch(DeleteBufferCmsSignerInfo, number, &data[0], Size(data));
+        EXPECT_EQ(ToHex(left), ToHex(result));
+    }
+}
+
+TEST(Files, AreReadFirstAndWrittenLast) {
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    const std::string path = testing::TempDir() + "tlvforge" + std::to_string(getpid()), full = "/dev/full";
+    const std::string none = path + "/none", pipes = "/proc/self/fd/" + std::to_string(ends[0]), empty = "/dev/null";
+    LibraryTime time = kUnset;
+    const auto query = [&](uint32_t number, auto& from) { return GetCmsSignatureTime(number, from.c_str(), &time); };
+    const auto remove = [](auto& from, auto& to) { return DeleteCmsSignerInfo(1, from.c_str(), to.c_str()); };
+    const auto content = [&] {
+        std::ifstream stream(path);
+        return Bytes(std::istreambuf_iterator<char>(stream), {});
+    };
+    std::ofstream(path).write(reinterpret_cast<const char*>(&kBoth[0]), Size(kBoth));
+    Check({{query(0, none), 12}, {query(0, path), 32}, {query(1, empty), 32}, {query(1, pipes), 3}});
+    Check({{remove(path, full), 47}, {remove(path, none), 12}, {query(2, path), 0}, {CompareTime(&time, &kTime), 0}});
+    EXPECT_EQ(content(), kBoth);
+    EXPECT_EQ(remove(path, path), 0u);
+    EXPECT_EQ(content(), Of(kFirst));
+    EXPECT_EQ(remove(path, path), 0u);
+    EXPECT_EQ(content(), kAbc);
+    std::filesystem::resize_file(path, 300000001);
+    Check({{query(1, path), 32}, {remove(path, path), 32}, {close(ends[0]), 0}, {close(ends[1]), 0}});
+    EXPECT_TRUE(std::filesystem::remove(path));
+}
+
+Bytes With(const Bytes& attributes) { return Of(Signer(BySerial(kOne), Tlv(0xA0, attributes))); }
+Bytes WithOid(uint32_t size) { return With(Tlv(48, Tlv(6, Bytes(size, 1)) + Tlv(49, kNull)) + kStated); }
+Bytes WithValue(uint32_t size) { return With(Attribute("1.2.3", Tlv(4, Bytes(size - 4))) + kStated); }
+Bytes WithSid(const Bytes& sid) { return Of(Signer(sid)); }
+
+TEST(SigningTime, FollowsTheText) {
+    const Bytes twice = Attribute("1.2.3", kNull + kNull), text = Text("1, Bob"), unread(1, '?');
+    const Bytes bad = Attribute(kPkcs9 + "5", Tlv(23, kOne)), notFound = Hex("CFEEE4EFE8F1E0EDF220EDE520EDE0E9E4E5ED");
+    // clang-format off
+    const std::tuple<uint32_t, Bytes, Status, Bytes> rows[] = {
+        {0, kBoth, 32, unread}, {1, Of(kFirst, {}, "1"), 314, unread}, {1, kEmpty, 302, unread}, {1, Of({}), 322, unread},
+        {3, kBoth, 322, unread}, {2, kBoth, 0, text}, {1, kBoth, 322, Text("11, Bob")}, {1, With(kOther), 322, text},
+        {1, With(kOther + kStated + bad), 0, text}, {1, With(bad + kStated), 307, text},
+        {1, With(Attribute(kPkcs9 + "5", kNull + kNull)), 323, text}, {1, With(Attribute("1.2", {}) + kStated), 323, text},
+        {1, With(twice + kStated), 323, text}, {1, With(kStated + twice), 0, text}, {1, WithValue(8192), 0, text},
+        {1, WithValue(8193), 323, text}, {1, WithOid(99), 0, text}, {1, WithOid(100), 323, text},
+        {1, WithSid(ByKey(0)), 323, unread}, {1, WithSid(ByKey(4)), 0, notFound}, {1, WithSid(ByKey(5)), 49, unread},
+        {1, WithSid(BySerial(Bytes(1024, 1))), 0, Text("Bob")}, {1, WithSid(BySerial(Bytes(1025, 1))), 49, unread},
+        {1, WithSid(ByOnes(1020)), 0, Bytes(1020, '1') + Text(", ")}, {1, WithSid(ByOnes(1021)), 49, unread},
+        {1, WithSid(ByOnes(1024)), 49, unread}};
+    // clang-format on
+    for (const auto& [number, data, status, expected] : rows) {
+        LibraryTime time = kUnset;
+        Bytes given(2000, '?');
+        uint32_t n = 2000;
+        Check({{GetBufferCmsSignatureTimeAndCN(number, &data[0], Size(data), &time, &given[0], &n), status}});
+        given.resize(n == 2000 ? 1 : n);
+        EXPECT_EQ(ToHex(given), ToHex(expected)) << ToHex(data);
+        EXPECT_EQ(CompareTime(&time, status == 0 ? &kTime : &kUnset), 0) << ToHex(data);
+    }
+    EXPECT_EQ(GetBufferCmsSignatureTime(1, &kBoth[0], Size(kBoth), nullptr), 0u);
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+#include "tlvforge/enveloped.h"
+
+#include "support.h"
+
+using namespace support;
+
+namespace {
+
+const Bytes kNull = Hex("0500"), kNone, kKey = Hex("0A0B0C"), kSerial = Hex("0081"), kOid = OidOf("1.2.643.2.2.21");
+const Bytes kOidTlv = Bytes{6} + kOid, kAlgorithm = Tlv(0x30, kOidTlv + kNull), kCert = Hex("3003020107");
+const Bytes kName = Tlv(0x30, Tlv(0x31, Tlv(0x30, OidTlv("2.5.4.3") + Tlv(12, Text("CA")))));
+Bytes RecipientTlv(const Bytes& rid) { return Tlv(0x30, Hex("020102") + rid + kAlgorithm + Tlv(4, kKey)); }
+const Bytes kByIssuer = RecipientTlv(Tlv(0x30, kName + Tlv(2, kSerial))), kByKeyId = RecipientTlv(Tlv(0x80, kKey));
+
+Bytes With(const Bytes& originatorInfo, const Bytes& recipients, const Bytes& content = Tlv(0x80, kSerial)) {
+    return Tlv(0x30, Hex("0201FE") + originatorInfo + Tlv(0x31, recipients) +
+                         Tlv(0x30, kOidTlv + kAlgorithm + content) + Tlv(0xA1, Tlv(0x30, kOidTlv + Tlv(0x31, kNull))));
+}
+auto DocumentOf(const Bytes& bytes) { return Decoded<FreeCmsEnvelopedData>(DecodeCmsEnvelopedData, bytes); }
+
+struct EnvelopedTest : testing::Test {
+    const walk::Owned<FreeCmsEnvelopedData> made = Make<FreeCmsEnvelopedData>(CreateCmsEnvelopedData);
+    const walk::Owned<FreeCmsEnvelopedData> decoded = DocumentOf(With(kNone, kByKeyId));
+    const walk::Owned<FreeX509Name> name = Decoded<FreeX509Name>(DecodeX509Name, kName);
+    walk::Owned<FreeKeyTrans> recipient = Make<FreeKeyTrans>(CreateKeyTrans);
+    KeyTrans* const key = recipient.get();
+    CmsEnvelopedData *const fresh = made.get(), *const d = decoded.get(), *none = nullptr;
+    X509Name* issuer = nullptr;
+    uint8_t kind = 9, out[8] = {};
+    uint32_t n = 9, m = 9;
+
+    Status AddCert(uint8_t as, const Bytes& in) { return AddCmsEnvelopedDataEncodedCertificate(d, as, &in[0], 5); }
+    Status AddCrl(uint8_t as) { return AddCmsEnvelopedDataEncodedCrl(d, as, kCert.data(), 5); }
+    Status Identify(uint32_t room) { return GetKeyTransRecipientIdentifier(key, &issuer, out, &(n = room), 0, &m); }
+    Bytes Encoded() { return Fetch(EncodeCmsEnvelopedData, d); }
+};
+
+TEST_F(EnvelopedTest, BuiltFromNothingHasItsBytesAndReadsBack) {
+    RsaAttributes attributes = nullptr;
+    int32_t version = 9;
+    // clang-format off
+    Check({{GetKeyTransVersion(key, &version), 311}, {EncodeKeyTrans(key, nullptr, &n), 311}, {Identify(8), 311},
+           {SetCmsEnvelopedDataVersion(d, 7), 0}, {GetCmsEnvelopedDataVersion(d, &version), 0}, {uint32_t(version), 7},
+           {SetCmsEnvelopedDataVersion(fresh, 0xFFFFFFFE), 0}, {SetKeyTransVersion(key, 2), 0},
+           {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, name.get(), kSerial.data(), 2), 0},
+           {SetKeyTransKeyEncryptionAlgorithmOidAndParameters(key, &kOid[0], &kNull[0], 2), 0},
+           {SetKeyTransEncryptedKey(key, &kKey[0], 3), 0},
+           {AddCmsEnvelopedDataRecipientInfo(fresh, CmsRecipientKindKeyTransport, recipient.release()), 0},
+           {SetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters(fresh, &kOid[0], &kNull[0], 2), 0},
+           {SetCmsEnvelopedDataEncryptedContentTypeOid(fresh, &kOid[0]), 0},
+           {SetCmsEnvelopedDataEncryptedContent(fresh, &kKey[0], 3), 0},
+           {SetCmsEnvelopedDataEncryptedContent(fresh, &kSerial[0], 2), 0},
+           {GetCmsEnvelopedDataUnprotectedAttributes(fresh, &attributes), 0},
+           {AddRsaAttributesAttributeWithValue(attributes, &kOid[0], &n, &kNull[0], 2), 0}});
+    // clang-format on
+    EXPECT_EQ(ToHex(Fetch(EncodeCmsEnvelopedData, fresh)), ToHex(With(kNone, kByIssuer)));
+    EXPECT_EQ(SetCmsEnvelopedDataEncryptedContent(fresh, nullptr, 7), 0u);
+    EXPECT_EQ(Fetch(EncodeCmsEnvelopedData, fresh), With(kNone, kByIssuer, kNone));
+    EXPECT_EQ(Fetch(GetCmsEnvelopedDataEncryptedContent, fresh), kNone);
+}
+
+TEST_F(EnvelopedTest, OriginatorInfoComesWithTheFirstMemberAndGoesWithTheLastSet) {
+    const Bytes bare = With(kNone, kByKeyId), other = Hex("A303020105");
+    const auto kindOf = [&](uint32_t i) { return GetCmsEnvelopedDataEncodedCertificate(d, i, &kind, 0, 0) + kind; };
+    Check({{kindOf(0), 311 + 9}, {AddCert(0, kCert), 306}});
+    EXPECT_EQ(Encoded(), With(Hex("A002A000"), kByKeyId)) << "an empty set stays";
+    // clang-format off
+    Check({{AddCert(6, kCert), 306}, {AddCert(1, kCert), 0}, {AddCert(1, Hex("A103020107")), 0},
+           {AddCmsEnvelopedDataEncodedCertificate(d, 1, out, 0), 32}, {AddCert(5, Hex("3003020105")), 0},
+           {kindOf(0), CmsCertificateKindCertificate}, {kindOf(1), CmsCertificateKindOther}});
+    // clang-format on
+    EXPECT_EQ(Fetch(GetCmsEnvelopedDataEncodedCertificate, d, 1, &kind), other);
+    EXPECT_EQ(Encoded(), With(Tlv(0xA0, Tlv(0xA0, kCert + other)), kByKeyId));
+    // clang-format off
+    Check({{AddCrl(3), 306}, {AddCrl(2), 0}, {AddCrl(1), 0}, {EncodeCmsEnvelopedData(d, nullptr, &n), 306},
+           {GetCmsEnvelopedDataEncodedCrl(d, 1, &kind, out, &n), 302}, {RemoveCmsEnvelopedDataCertificates(d), 0},
+           {GetCmsEnvelopedDataCrlsCount(d, &n), 0}, {n, 2}, {AddCert(0, kCert), 306},
+           {RemoveCmsEnvelopedDataCrls(d), 0}, {GetCmsEnvelopedDataCrlsCount(d, &n), 0}, {n, 0}});
+    EXPECT_EQ(Encoded(), bare) << "an empty set of certificates doesn't hold it";
+    Check({{AddCrl(1), 0}, {AddCert(1, kCert), 0}, {RemoveCmsEnvelopedDataCrls(d), 0},
+           {GetCmsEnvelopedDataCertificatesCount(d, &n), 0}, {n, 1}, {RemoveCmsEnvelopedDataCertificates(d), 0}});
+    // clang-format on
+    EXPECT_EQ(Encoded(), bare);
+}
+
+TEST_F(EnvelopedTest, RecipientsHaveTheirKindsAndAreAdopted) {
+    const Bytes all = kByKeyId + Hex("A1020500 A2020500 A3020500 A4020500"), primitive = With(kNone, Hex("82020500"));
+    const auto document = DocumentOf(With(kNone, all));
+    void* lent = nullptr;
+    for (uint32_t i = 0; i < 5; ++i) {
+        Check({{GetCmsEnvelopedDataRecipientInfo(document.get(), i, &lent, &n), 0}, {n, i + 1}});
+        EXPECT_TRUE(i == 0 || Fetch(GetAsn1AnyValue, lent) == Bytes({uint8_t(0xA0 + i), 2, 5, 0})) << i;
+    }
+    // clang-format off
+    Check({{DecodeCmsEnvelopedData(primitive.data(), Size(primitive), &none), 302},
+           {GetCmsEnvelopedDataRecipientInfo(d, 0x80000000, &lent, &n), 32},
+           {AddCmsEnvelopedDataRecipientInfo(d, 0, key), 32}, {AddCmsEnvelopedDataRecipientInfo(d, 6, key), 32},
+           {AddCmsEnvelopedDataRecipientInfo(d, 1, recipient.release()), 0},
+           {GetCmsEnvelopedDataRecipientInfo(d, 1, &lent, &n), lent != key},
+           {EncodeCmsEnvelopedData(d, nullptr, &n), 311}, {RemoveCmsEnvelopedDataRecipientInfos(d), 0}});
+    // clang-format on
+    EXPECT_EQ(Encoded(), With(kNone, kNone));
+}
+
+TEST_F(EnvelopedTest, RecipientIsNamedInOneOfTwoForms) {
+    // clang-format off
+    Check({{SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, name.get(), kSerial.data(), 2), 0},
+           {Identify(2), 49}, {n, 2}, {out[1], 0}, {m, 0}, {issuer == nullptr, 0}, {Identify(3), 0}, {out[1], 0x81},
+           {GetKeyTransRecipientIdentifier(key, &issuer, nullptr, &n, nullptr, nullptr), 32},
+           {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, issuer, kSerial.data(), 2), 0},
+           {Identify(8), 0}, {CompareX509Names(issuer, name.get()), 0},
+           {SetKeyTransRecipientIdentifierSubjectKeyIdentifier(key, kKey.data(), 3), 0},
+           {Identify(8), 0}, {issuer != nullptr, 0}, {n, 0}, {m, 3}});
+    // clang-format on
+    EXPECT_EQ(Fetch(GetKeyTransRecipientIdentifier, key, nullptr, nullptr, nullptr), kKey);
+}
+
+TEST(GostTransport, ParametersTakeAVectorOfAnyLength) {
+    const Bytes one = Tlv(0x30, Hex("040107") + kOidTlv), bad = Tlv(0x30, kOidTlv);
+    uint8_t iv[1] = {7}, oid[16] = {};
+    uint32_t n = 0, m = 16;
+    EXPECT_EQ(Fetch(EncodeGost2814789Parameters, iv, 1, kOid.data()), one);
+    const auto decode = [&](const Bytes& in) { return DecodeGost2814789Parameters(&in[0], Size(in), iv, &n, oid, &m); };
+    Check({{decode(bad), 302}, {decode(one), 49}, {n, 1}, {m, 16}, {iv[0] = 0, 0}, {decode(one), 0}, {iv[0], 7}});
+    EXPECT_EQ(Bytes(oid, oid + m), kOid);
+}
+
+// One object, changed from line to line.
+TEST(GostTransport, SettersBuildWhatTheyNeedAndReplaceWhatIsThere) {
+    const auto owner = Make<FreeGostR3410KeyTransport>(CreateGostR3410KeyTransport);
+    GostR3410KeyTransport* t = owner.get();
+    const Bytes ukm(33, 1), session = Hex("3006 04010A 04010B"), bits = Tlv(3, Bytes{0} + kKey);
+    const auto parameters = [&](const Bytes& fields) { return session + Tlv(0xA0, fields + Tlv(4, ukm)); };
+    const auto expect = [&](Status status, const Bytes& fields) {
+        EXPECT_EQ(Fetch(EncodeGostR3410KeyTransport, t), Tlv(0x30, fields)) << ToHex(fields);
+        EXPECT_EQ(status, 0u);
+    };
+    const auto key = SetGostR3410KeyTransportEphemeralPublicKey;
+    const auto paramSet = SetGostR3410KeyTransportEncryptionParamSetOid;
+    const auto algorithm = SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters;
+    uint32_t n = 9, m = 9;
+    const auto algorithmOf = [&] {
+        return GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(t, nullptr, &n, nullptr, &m);
+    };
+    Check({{GetGostR3410KeyTransportUkm(t, nullptr, &n), 311}, {algorithmOf(), 311}, {key(t, nullptr, 5), 0}});
+    EXPECT_EQ(Fetch(GetGostR3410KeyTransportEncryptedKey, t) + Fetch(GetGostR3410KeyTransportMaskKey, t), kNone);
+    expect(algorithm(t, nullptr, &kNull[0], 2), Hex("3004 0400 0400"));
+    EXPECT_EQ(SetGostR3410KeyTransportEncryptedKey(t, &kKey[0], 1), 0u);
+    expect(SetGostR3410KeyTransportMacKey(t, &kKey[1], 1), session);
+    expect(SetGostR3410KeyTransportMaskKey(t, &kNull[0], 1), Hex("3009 04010A 800105 04010B"));
+    EXPECT_EQ(Fetch(GetGostR3410KeyTransportMaskKey, t) + Fetch(GetGostR3410KeyTransportMacKey, t), Hex("050B"));
+    expect(SetGostR3410KeyTransportMaskKey(t, &kNull[0], 0), session);
+    expect(SetGostR3410KeyTransportUkm(t, &ukm[0], 33), parameters(Hex("0600")));
+    EXPECT_EQ(Fetch(GetGostR3410KeyTransportEncryptionParamSetOid, t), Bytes{0});
+    for (const Bytes& oid : {kOidTlv, Hex("0600"), kOidTlv}) expect(paramSet(t, &kOid[0]), parameters(oid));
+    expect(key(t, &kKey[0], 3), parameters(kOidTlv + Tlv(0xA0, Hex("30020600") + bits)));
+    Check({{algorithmOf(), 0}, {n, 1}, {m, 0}, {key(t, nullptr, 3), 0}, {algorithm(t, &kOid[0], &kNull[0], 2), 0}});
+    EXPECT_EQ(GetGostR3410KeyTransportEphemeralPublicKey(t, nullptr, &n), 311u) << "never set";
+    const Bytes whole = parameters(kOidTlv + Tlv(0xA0, kAlgorithm + bits));
+    expect(key(t, &kKey[0], 3), whole);
+    EXPECT_EQ(Fetch(GetGostR3410KeyTransportEphemeralPublicKey, t) + Fetch(GetGostR3410KeyTransportUkm, t), kKey + ukm);
+    const auto again = Decoded<FreeGostR3410KeyTransport>(DecodeGostR3410KeyTransport, Tlv(0x30, whole));
+    expect(algorithm(t = again.get(), nullptr, nullptr, 0), parameters(kOidTlv));
+}
+
+}  // namespace
