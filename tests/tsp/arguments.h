@@ -1,0 +1,109 @@
+// Time-stamp documents as the arguments that they are read into and written from.
+#pragma once
+
+#include "support.h"
+#include "tlvforge/timestamp.h"
+
+namespace timestamps {
+
+using support::Bytes;
+using support::Fetch;
+using support::Size;
+
+// Stands in an out-pointer before the call: nothing may be left of it afterwards but by a status of 32.
+template <class T>
+T* Garbage() {
+    return reinterpret_cast<T*>(uintptr_t{0xBAD});
+}
+inline const uint8_t* OrNull(const Bytes& bytes) { return bytes.empty() ? nullptr : bytes.data(); }
+
+struct Request {
+    int32_t version = 0;
+    uint32_t certReq = 9;
+    Bytes fields[5];  // hash algorithm, its parameters, hash, policy, nonce
+    walk::Owned<FreeX509Extensions> extensions;
+
+    Status Decode(const Bytes& in, uint8_t** to, uint32_t* n) {
+        X509Extensions handle = Garbage<X509ExtensionsCell>();
+        const Status status = DecodeTimeStampReq(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2],
+                                                 &n[2], to[3], &n[3], to[4], &n[4], &certReq, &handle);
+        extensions.reset(status == StatusBadArgument ? nullptr : handle);
+        return status;
+    }
+    Bytes Write() const {
+        const auto& [hashOid, parameters, hash, policy, nonce] = fields;
+        return Fetch(EncodeTimeStampReq, uint32_t(version), hashOid.data(), OrNull(parameters), Size(parameters),
+                     hash.data(), Size(hash), OrNull(policy), 0u, OrNull(nonce), Size(nonce), certReq,
+                     extensions.get());
+    }
+};
+
+struct TstInfo {
+    int32_t version = 0;
+    uint32_t ordering = 9;
+    Bytes fields[6];  // policy, hash algorithm, its parameters, hash, serial number, nonce
+    LibraryPreciseTime genTime{};
+    Accuracy accuracy{};
+    walk::Owned<FreeX509GeneralName> tsa;
+    walk::Owned<FreeX509Extensions> extensions;
+
+    Status Decode(const Bytes& in, uint8_t** to, uint32_t* n) {
+        X509GeneralName* name = Garbage<X509GeneralName>();
+        X509Extensions handle = Garbage<X509ExtensionsCell>();
+        const Status status =
+            DecodeTSTInfo(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2], &n[2], to[3], &n[3], to[4],
+                          &n[4], &genTime, &accuracy, &ordering, to[5], &n[5], &name, &handle);
+        tsa.reset(status == StatusBadArgument ? nullptr : name);
+        extensions.reset(status == StatusBadArgument ? nullptr : handle);
+        return status;
+    }
+    Bytes Write() const {
+        const auto& [policy, hashOid, parameters, hash, serial, nonce] = fields;
+        return Fetch(EncodeTSTInfo, uint32_t(version), policy.data(), hashOid.data(), OrNull(parameters),
+                     Size(parameters), hash.data(), Size(hash), serial.data(), Size(serial), &genTime, &accuracy,
+                     ordering, OrNull(nonce), Size(nonce), tsa.get(), extensions.get());
+    }
+};
+
+struct Response {
+    int32_t status = 0;
+    uint32_t failInfo = 9;
+    walk::Owned<FreePKIFreeText> text;
+    walk::Owned<FreeCmsContentInfo> token;
+    Bytes fields[1];  // none
+
+    Status Decode(const Bytes& in, uint8_t**, uint32_t*) {
+        PKIFreeText* texts = Garbage<PKIFreeText>();
+        CmsContentInfo* info = Garbage<CmsContentInfo>();
+        const Status result = DecodeTimeStampResp(in.data(), Size(in), &status, &texts, &failInfo, &info);
+        text.reset(result == StatusBadArgument ? nullptr : texts);
+        token.reset(result == StatusBadArgument ? nullptr : info);
+        return result;
+    }
+    Bytes Write() const { return Fetch(EncodeTimeStampResp, uint32_t(status), text.get(), failInfo, token.get()); }
+};
+
+// Asks for the sizes, and reads into buffers of these.
+template <class Document>
+Status Read(const Bytes& in, Document* document) {
+    constexpr size_t kCount = std::extent_v<decltype(document->fields)>;
+    uint8_t* to[kCount] = {};
+    uint32_t sizes[kCount];
+    std::fill_n(sizes, kCount, 9);
+    const Status status = document->Decode(in, to, sizes);
+    if (status != StatusOk) return status;
+    for (size_t i = 0; i < kCount; ++i) {
+        document->fields[i] = Bytes(sizes[i]);
+        to[i] = document->fields[i].data();
+    }
+    return document->Decode(in, to, sizes);
+}
+
+// What a document is written as from the arguments that it was read into; nothing if it isn't read.
+template <class Document>
+Bytes Rebuild(const Bytes& in) {
+    Document document;
+    return Read(in, &document) == StatusOk ? document.Write() : Bytes();
+}
+
+}  // namespace timestamps
