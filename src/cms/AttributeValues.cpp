@@ -1,0 +1,370 @@
+#include "tlvforge/attribute_values.h"
+
+#include <utility>
+
+#include "cms/value_parts.h"
+#include "common/times.h"
+#include "tlvforge/oid.h"
+#include "x509/certificate.schema.h"
+#include "x509/extension_codecs.h"
+
+using namespace tlvforge;
+
+namespace {
+
+// The rule of the encoders that know no capacity: intended, their callers measure first.
+Status EncodeInFull(const Asn1Item& item, const void* node, uint8_t* buffer, uint32_t* length) {
+    if (length == nullptr) return Fail(StatusBadArgument);
+    uint32_t needed = UINT32_MAX;
+    const Status status = GetAsn1EncodedValue(node, &item, buffer, &needed);
+    if (status == StatusOk) *length = needed;
+    return status;
+}
+
+// Moves a list of a decoded tree to the caller.
+template <class List>
+void HandOver(Asn1List** field, List** out) {
+    *out = static_cast<List*>(*field);
+    *field = nullptr;
+}
+
+// --- Document information ---
+
+Status ReadTimeOrNull(const Asn1Value* field, LibraryTime* time) {
+    if (field != nullptr) return GeneralizedTimeToLibraryTime(field, time);
+    *time = {};
+    return StatusOk;
+}
+
+Status SetText(Asn1Value** field, const uint8_t* text, uint32_t length) {
+    return text != nullptr ? SetAsn1ValueField(field, Asn1KindUTF8String, text, length) : StatusOk;
+}
+
+Status SetTimeUnlessNull(Asn1Value** field, const LibraryTime* time) {
+    return IsLibraryTimeNull(time) == 0 ? SetOptionalTime(field, time) : StatusOk;
+}
+
+// --- Signing certificates ---
+
+template <class List>
+Status DecodeSigningCertificate(const Asn1Item& item, const uint8_t* data, uint32_t length, List** certs,
+                                ExtensionCertificatePolicies** policies) {
+    if (AnyNull(data, certs, policies)) return Fail(StatusBadArgument);
+    *certs = nullptr;
+    *policies = nullptr;
+    Tree<SigningCertificate> value(item);
+    const Status status = value.Decode(data, length);
+    if (status != StatusOk) return status;
+    HandOver(&value->certs, certs);
+    HandOver(&value->policies, policies);
+    return StatusOk;
+}
+
+Status EncodeSigningCertificate(const Asn1Item& item, const Asn1List* certs,
+                                const ExtensionCertificatePolicies* policies, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(certs, length)) return Fail(StatusBadArgument);
+    PoliciesView view;
+    const Status status = policies != nullptr ? view.Of(policies) : StatusOk;
+    if (status != StatusOk) return status;
+    const SigningCertificate value = {Borrow(certs), Borrow(view.List())};
+    return EncodeInFull(item, &value, buffer, length);
+}
+
+// --- Hash index ---
+
+// With its algorithm, or without: then the algorithm is the default.
+Status DecodeHashIndex(const uint8_t* data, uint32_t length, Tree<AtsHashIndex>* index) {
+    const Status status = index->Decode(data, length);
+    if (status != StatusBadEncoding) return status;
+    Tree<AtsHashIndexLists> lists(schema::AtsHashIndexLists);
+    Status second = lists.Decode(data, length);
+    if (second != StatusOk) return second == StatusOutOfMemory ? second : status;
+    second = index->Create();
+    if (second == StatusOk) std::swap(index->Get()->lists, *lists.Get());
+    return second;
+}
+
+}  // namespace
+
+// --- Simple values ---
+
+Status DecodeRsaAttributeContentTypeValue(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength) {
+    return DecodeAsn1Oid(data, length, oid, oidLength);
+}
+
+Status EncodeRsaAttributeContentTypeValue(const uint8_t* oid, uint8_t* buffer, uint32_t* length) {
+    return EncodeAsn1Oid(oid, buffer, length);
+}
+
+Status DecodeRsaAttributeValidityPeriodValue(const uint8_t* data, uint32_t length, int32_t* number) {
+    return DecodeAsn1Int32(data, length, number);
+}
+
+Status EncodeRsaAttributeValidityPeriodValue(int32_t number, uint8_t* buffer, uint32_t* length) {
+    return EncodeAsn1Int32(number, buffer, length);
+}
+
+Status DecodeRsaAttributeMessageDigestValue(const uint8_t* data, uint32_t length, uint8_t* value,
+                                            uint32_t* valueLength) {
+    return DecodeAsn1PrimitiveValue(Asn1KindOctetString, data, length, value, valueLength);
+}
+
+Status EncodeRsaAttributeMessageDigestValue(const uint8_t* value, uint32_t valueLength, uint8_t* buffer,
+                                            uint32_t* length) {
+    return EncodeAsn1PrimitiveValue(Asn1KindOctetString, value, valueLength, buffer, length);
+}
+
+Status DecodeRsaAttributeTokenSerialNumberValue(const uint8_t* data, uint32_t length, uint8_t* text,
+                                                uint32_t* textLength) {
+    return DecodeAsn1UTF8String(data, length, text, textLength);
+}
+
+Status EncodeRsaAttributeTokenSerialNumberValue(const uint8_t* text, uint32_t textLength, uint8_t* buffer,
+                                                uint32_t* length) {
+    return EncodeAsn1UTF8String(text, textLength, buffer, length);
+}
+
+Status DecodeRsaAttributeSigningTimeValue(const uint8_t* data, uint32_t length, LibraryTime* time) {
+    return DecodeTime(data, length, time);
+}
+
+Status EncodeRsaAttributeSigningTimeValue(const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
+    return EncodeTime(time, buffer, length);
+}
+
+// --- Values with several fields ---
+
+Status DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, LibraryTime* notBefore,
+                                       LibraryTime* notAfter) {
+    if (AnyNull(data, notBefore, notAfter)) return Fail(StatusBadArgument);
+    Tree<Validity> validity(schema::Validity);
+    Status status = validity.Decode(data, length);
+    if (status == StatusOk) status = Asn1TimeToLibraryTime(validity->notBefore, notBefore);
+    return status == StatusOk ? Asn1TimeToLibraryTime(validity->notAfter, notAfter) : status;
+}
+
+Status EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
+                                       uint32_t* length) {
+    if (length == nullptr) return Fail(StatusBadArgument);
+    Tree<Validity> validity(schema::Validity);
+    Status status = validity.Create();
+    if (status == StatusOk) status = LibraryTimeToAsn1Time(notBefore, validity->notBefore);
+    if (status == StatusOk) status = LibraryTimeToAsn1Time(notAfter, validity->notAfter);
+    return status == StatusOk ? validity.Encode(buffer, length) : status;
+}
+
+Status DecodeRsaAttributeExtSubjInfoValue(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength,
+                                          uint8_t* value, uint32_t* valueLength) {
+    if (AnyNull(data, oidLength, valueLength)) return Fail(StatusBadArgument);
+    Tree<TypedValue> info(schema::TypedValue);
+    const Status status = info.Decode(data, length);
+    return status == StatusOk ? ReadTypedValue(info.Get(), {oid, oidLength}, {value, valueLength}) : status;
+}
+
+Status EncodeRsaAttributeExtSubjInfoValue(const uint8_t* oid, const uint8_t* value, uint32_t valueLength,
+                                          uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(oid, value, length)) return Fail(StatusBadArgument);
+    TypedValueView info(oid, value, valueLength);
+    return GetAsn1EncodedValue(info.Get(), &schema::TypedValue, buffer, length);
+}
+
+Status DecodeDocInfo(const uint8_t* data, uint32_t length, int32_t* docType, uint8_t* text0, uint32_t* text0Length,
+                     uint8_t* text1, uint32_t* text1Length, uint8_t* text2, uint32_t* text2Length, LibraryTime* time3,
+                     LibraryTime* time4, uint8_t* text5, uint32_t* text5Length) {
+    if (AnyNull(data, docType, text0Length, text1Length, text2Length, time3, time4, text5Length)) {
+        return Fail(StatusBadArgument);
+    }
+    Tree<DocInfo> info(schema::DocInfo);
+    Status result = info.Decode(data, length);
+    if (result != StatusOk) return result;
+    const Status statuses[] = {GetAsn1Int32(info->docType, docType),
+                               ReadOptional(info->text0, {text0, text0Length}),
+                               ReadOptional(info->text1, {text1, text1Length}),
+                               ReadOptional(info->text2, {text2, text2Length}),
+                               ReadTimeOrNull(info->time3, time3),
+                               ReadTimeOrNull(info->time4, time4),
+                               ReadOptional(info->text5, {text5, text5Length})};
+    for (const Status status : statuses) {
+        if (status != StatusOk) result = status;
+    }
+    return result;
+}
+
+// text2 has no effect: intended, callers hand it in and compare the bytes that come out.
+Status EncodeDocInfo(uint32_t docType, const uint8_t* text0, uint32_t text0Length, const uint8_t* text1,
+                     uint32_t text1Length, const uint8_t*, uint32_t, const LibraryTime* time3, const LibraryTime* time4,
+                     const uint8_t* text5, uint32_t text5Length, uint8_t* buffer, uint32_t* length) {
+    if (length == nullptr) return Fail(StatusBadArgument);
+    Tree<DocInfo> info(schema::DocInfo);
+    Status status = info.Create();
+    if (status == StatusOk) status = SetAsn1Int32Field(&info->docType, static_cast<int32_t>(docType));
+    if (status == StatusOk) status = SetText(&info->text0, text0, text0Length);
+    if (status == StatusOk) status = SetText(&info->text1, text1, text1Length);
+    if (status == StatusOk) status = SetTimeUnlessNull(&info->time3, time3);
+    if (status == StatusOk) status = SetTimeUnlessNull(&info->time4, time4);
+    if (status == StatusOk) status = SetText(&info->text5, text5, text5Length);
+    return status == StatusOk ? info.Encode(buffer, length) : status;
+}
+
+// --- Signing certificates ---
+
+Status DecodeRsaAttributeSigningCertificateValue(const uint8_t* data, uint32_t length, ESSCertIDs** certs,
+                                                 ExtensionCertificatePolicies** policies) {
+    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDs>, data, length, certs, policies);
+}
+
+Status DecodeRsaAttributeSigningCertificateV2Value(const uint8_t* data, uint32_t length, ESSCertIDsV2** certs,
+                                                   ExtensionCertificatePolicies** policies) {
+    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDsV2>, data, length, certs, policies);
+}
+
+Status DecodeRsaAttributeOtherSigningCertificateValue(const uint8_t* data, uint32_t length, OtherCertIDs** certs,
+                                                      ExtensionCertificatePolicies** policies) {
+    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::OtherCertIDs>, data, length, certs, policies);
+}
+
+Status EncodeRsaAttributeSigningCertificateValue(const ESSCertIDs* certs, const ExtensionCertificatePolicies* policies,
+                                                 uint8_t* buffer, uint32_t* length) {
+    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDs>, certs, policies, buffer, length);
+}
+
+Status EncodeRsaAttributeSigningCertificateV2Value(const ESSCertIDsV2* certs,
+                                                   const ExtensionCertificatePolicies* policies, uint8_t* buffer,
+                                                   uint32_t* length) {
+    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDsV2>, certs, policies, buffer,
+                                    length);
+}
+
+Status EncodeRsaAttributeOtherSigningCertificateValue(const OtherCertIDs* certs,
+                                                      const ExtensionCertificatePolicies* policies, uint8_t* buffer,
+                                                      uint32_t* length) {
+    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::OtherCertIDs>, certs, policies, buffer,
+                                    length);
+}
+
+Status DecodeOtherCertIDs(const uint8_t* data, uint32_t length, OtherCertIDs** list) {
+    return DecodeTree(schema::OtherCertIDs, data, length, list);
+}
+
+Status EncodeOtherCertIDs(const OtherCertIDs* list, uint8_t* buffer, uint32_t* length) {
+    return EncodeInFull(schema::OtherCertIDs, list, buffer, length);
+}
+
+// --- Revocation data ---
+
+Status DecodeRsaAttributeCompleteRevocationRefs(const uint8_t* data, uint32_t length, CrlOcspRefs** list) {
+    return DecodeTree(schema::CrlOcspRefs, data, length, list);
+}
+
+Status EncodeRsaAttributeCompleteRevocationRefs(const CrlOcspRefs* list, uint8_t* buffer, uint32_t* length) {
+    return EncodeInFull(schema::CrlOcspRefs, list, buffer, length);
+}
+
+Status DecodeRsaAttributeRevocationValues(const uint8_t* data, uint32_t length, X509Crls** crls,
+                                          OcspBasicResponses** ocsps, uint8_t* otherOid, uint32_t* otherOidLength,
+                                          uint8_t* otherValue, uint32_t* otherValueLength) {
+    if (AnyNull(data, crls, ocsps, otherOidLength, otherValueLength)) return Fail(StatusBadArgument);
+    *crls = nullptr;
+    *ocsps = nullptr;
+    Tree<RevocationValues> values(schema::RevocationValues);
+    const Status status = values.Decode(data, length);
+    if (status != StatusOk) return status;
+    HandOver(&values->crlVals, crls);
+    HandOver(&values->ocspVals, ocsps);
+    return ReadTypedValue(values->otherRevVals, {otherOid, otherOidLength}, {otherValue, otherValueLength});
+}
+
+Status EncodeRsaAttributeRevocationValues(const X509Crls* crls, const OcspBasicResponses* ocsps,
+                                          const uint8_t* otherOid, const uint8_t* otherValue, uint32_t otherLength,
+                                          uint8_t* buffer, uint32_t* length) {
+    TypedValueView other(otherOid, otherValue, otherLength);
+    const bool hasOther = otherValue != nullptr && otherLength != 0;
+    const RevocationValues values = {Borrow(crls), Borrow(ocsps), hasOther ? other.Get() : nullptr};
+    return EncodeInFull(schema::RevocationValues, &values, buffer, length);
+}
+
+Status DecodeRsaAttributeAtsHashIndex(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength,
+                                      uint8_t* parameters, uint32_t* parametersLength, OctetStrings** certificates,
+                                      OctetStrings** crls, OctetStrings** attributes) {
+    if (AnyNull(data, oidLength, parametersLength, certificates, crls, attributes)) {
+        return Fail(StatusBadArgument);
+    }
+    *certificates = *crls = *attributes = nullptr;
+    Tree<AtsHashIndex> index(schema::AtsHashIndex);
+    const Status status = DecodeHashIndex(data, length, &index);
+    if (status != StatusOk) return status;
+    HandOver(&index->lists.certificatesHashIndex, certificates);
+    HandOver(&index->lists.crlsHashIndex, crls);
+    HandOver(&index->lists.unsignedAttrsHashIndex, attributes);
+    // A buffer that is too small is no failure here: intended, callers compare the lengths themselves.
+    (void)GetAlgorithmIdentifierOidAndParameters(index->hashIndAlgorithm, oid, oidLength, parameters, parametersLength);
+    return StatusOk;
+}
+
+Status EncodeRsaAttributeAtsHashIndex(const uint8_t* oid, const uint8_t* parameters, uint32_t parametersLength,
+                                      const OctetStrings* certificates, const OctetStrings* crls,
+                                      const OctetStrings* attributes, uint8_t* buffer, uint32_t* length) {
+    if (AnyNull(oid, certificates, crls, attributes, length)) return Fail(StatusBadArgument);
+    AlgorithmView algorithm(oid, parameters, parametersLength);
+    const AtsHashIndex index = {algorithm.Get(), {Borrow(certificates), Borrow(crls), Borrow(attributes)}};
+    return EncodeInFull(schema::AtsHashIndex, &index, buffer, length);
+}
+
+// --- One function under the names of several attributes ---
+
+decltype(DecodeRsaAttributeContentTypeValue) DecodeRsaAttributeChannelCspClassValue
+    __attribute__((alias("DecodeRsaAttributeContentTypeValue")));
+decltype(EncodeRsaAttributeContentTypeValue) EncodeRsaAttributeChannelCspClassValue
+    __attribute__((alias("EncodeRsaAttributeContentTypeValue")));
+decltype(DecodeRsaAttributeContentTypeValue) DecodeRsaAttributeRequestCertificateStatusValue
+    __attribute__((alias("DecodeRsaAttributeContentTypeValue")));
+decltype(EncodeRsaAttributeContentTypeValue) EncodeRsaAttributeRequestCertificateStatusValue
+    __attribute__((alias("EncodeRsaAttributeContentTypeValue")));
+decltype(DecodeRsaAttributeContentTypeValue) DecodeRsaAttributeSecurityTokenTypeValue
+    __attribute__((alias("DecodeRsaAttributeContentTypeValue")));
+decltype(EncodeRsaAttributeContentTypeValue) EncodeRsaAttributeSecurityTokenTypeValue
+    __attribute__((alias("EncodeRsaAttributeContentTypeValue")));
+decltype(DecodeRsaAttributeContentTypeValue) DecodeRsaAttributeSignatureConfirmationTypeValue
+    __attribute__((alias("DecodeRsaAttributeContentTypeValue")));
+decltype(EncodeRsaAttributeContentTypeValue) EncodeRsaAttributeSignatureConfirmationTypeValue
+    __attribute__((alias("EncodeRsaAttributeContentTypeValue")));
+decltype(DecodeRsaAttributeContentTypeValue) DecodeRsaAttributeUsageValue
+    __attribute__((alias("DecodeRsaAttributeContentTypeValue")));
+decltype(EncodeRsaAttributeContentTypeValue) EncodeRsaAttributeUsageValue
+    __attribute__((alias("EncodeRsaAttributeContentTypeValue")));
+decltype(DecodeRsaAttributeValidityPeriodValue) DecodeRsaAttributePacketDigestCountValue
+    __attribute__((alias("DecodeRsaAttributeValidityPeriodValue")));
+decltype(EncodeRsaAttributeValidityPeriodValue) EncodeRsaAttributePacketDigestCountValue
+    __attribute__((alias("EncodeRsaAttributeValidityPeriodValue")));
+decltype(DecodeRsaAttributeValidityPeriodValue) DecodeRsaAttributePacketDigestNumberValue
+    __attribute__((alias("DecodeRsaAttributeValidityPeriodValue")));
+decltype(EncodeRsaAttributeValidityPeriodValue) EncodeRsaAttributePacketDigestNumberValue
+    __attribute__((alias("EncodeRsaAttributeValidityPeriodValue")));
+decltype(DecodeRsaAttributeValidityPeriodValue) DecodeRsaAttributePinNumberValue
+    __attribute__((alias("DecodeRsaAttributeValidityPeriodValue")));
+decltype(EncodeRsaAttributeValidityPeriodValue) EncodeRsaAttributePinNumberValue
+    __attribute__((alias("EncodeRsaAttributeValidityPeriodValue")));
+decltype(DecodeRsaAttributeValidityPeriodValue) DecodeRsaAttributeRequestCertificateTypeValue
+    __attribute__((alias("DecodeRsaAttributeValidityPeriodValue")));
+decltype(EncodeRsaAttributeValidityPeriodValue) EncodeRsaAttributeRequestCertificateTypeValue
+    __attribute__((alias("EncodeRsaAttributeValidityPeriodValue")));
+decltype(DecodeRsaAttributeValidityPeriodValue) DecodeRsaAttributeTokenSignatureNumberValue
+    __attribute__((alias("DecodeRsaAttributeValidityPeriodValue")));
+decltype(EncodeRsaAttributeValidityPeriodValue) EncodeRsaAttributeTokenSignatureNumberValue
+    __attribute__((alias("EncodeRsaAttributeValidityPeriodValue")));
+decltype(DecodeRsaAttributeMessageDigestValue) DecodeRsaAttributeCyksCertificateValue
+    __attribute__((alias("DecodeRsaAttributeMessageDigestValue")));
+decltype(EncodeRsaAttributeMessageDigestValue) EncodeRsaAttributeCyksCertificateValue
+    __attribute__((alias("EncodeRsaAttributeMessageDigestValue")));
+decltype(DecodeRsaAttributeMessageDigestValue) DecodeRsaAttributeTemplateDigestValue
+    __attribute__((alias("DecodeRsaAttributeMessageDigestValue")));
+decltype(EncodeRsaAttributeMessageDigestValue) EncodeRsaAttributeTemplateDigestValue
+    __attribute__((alias("EncodeRsaAttributeMessageDigestValue")));
+decltype(DecodeRsaAttributeMessageDigestValue) DecodeRsaAttributeX509CertificateValue
+    __attribute__((alias("DecodeRsaAttributeMessageDigestValue")));
+decltype(EncodeRsaAttributeMessageDigestValue) EncodeRsaAttributeX509CertificateValue
+    __attribute__((alias("EncodeRsaAttributeMessageDigestValue")));
+decltype(DecodeRsaAttributeMessageDigestValue) DecodeRsaAttributeZelcryptPubKeyValue
+    __attribute__((alias("DecodeRsaAttributeMessageDigestValue")));
+decltype(EncodeRsaAttributeMessageDigestValue) EncodeRsaAttributeZelcryptPubKeyValue
+    __attribute__((alias("EncodeRsaAttributeMessageDigestValue")));
