@@ -23,5 +23,6 @@ int main(int argc, char** argv) {
         contest->TimeInterleaved();
         contest->PrintRatios();
     }
+    bench::PrintMessagePeaks();
     return 0;
 }

@@ -90,5 +90,6 @@ private:
 using Contests = std::vector<std::unique_ptr<Contest>>;
 void AddCertificates(Contests* contests);
 void AddCrls(Contests* contests);
+void PrintMessagePeaks();
 
 }  // namespace bench
