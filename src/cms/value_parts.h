@@ -4,28 +4,9 @@
 #include "cms/attribute_values.schema.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/outputs.h"
 
 namespace tlvforge {
-
-// A buffer of the caller with its length.
-struct Output {
-    uint8_t* buffer;
-    uint32_t* length;
-};
-
-// Reads one output after the other. A buffer that is too small is remembered and the reading goes on, so that one call
-// gives all lengths; any other failure ends it.
-template <class... Reads>
-Status ReadEach(Reads... reads) {
-    Status result = StatusOk;
-    const auto goesOn = [&](Status status) {
-        if (status != StatusOk) result = status;
-        return status == StatusOk || status == StatusBufferTooSmall;
-    };
-    (void)(goesOn(reads()) && ...);
-    return result;
-}
 
 // For parts that aren't there. The lengths have been checked.
 template <class... Outputs>
@@ -34,9 +15,7 @@ Status GiveNothing(Outputs... outputs) {
     return StatusOk;
 }
 
-inline Status ReadOptional(const void* value, Output out) {
-    return value != nullptr ? GetAsn1Value(value, out.buffer, out.length) : GiveNothing(out);
-}
+inline Status ReadOptional(const void* value, Output out) { return GetOptionalValue(value, out.buffer, out.length); }
 
 // Both outputs, whatever happens to the first; the first failure is the result.
 inline Status ReadTypedValue(const TypedValue* record, Output type, Output value) {

@@ -3,20 +3,10 @@
 #pragma once
 
 #include "engine/nodes.h"
+#include "engine/outputs.h"
 #include "ocsp/ocsp.schema.h"
 
 namespace tlvforge {
-
-// Arguments of the interface that go in pairs.
-struct Input {
-    const uint8_t* bytes;
-    uint32_t length;
-};
-
-struct Output {
-    uint8_t* buffer;
-    uint32_t* length;
-};
 
 // A field of a part; null too where the document lacks the part.
 template <class Part, class Field>

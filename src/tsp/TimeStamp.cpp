@@ -3,6 +3,7 @@
 #include "common/times.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
+#include "engine/outputs.h"
 #include "tsp/timestamp.schema.h"
 #include "x509/list_cells.h"
 
@@ -10,17 +11,9 @@ using namespace tlvforge;
 
 namespace {
 
-// The outputs of a reader, filled one after the other. The first failure ends that, but for 49, which is remembered:
-// so one call reports every length.
-class Outputs {
+// Outputs that are fields.
+class FieldOutputs : public Outputs {
 public:
-    template <class Function, class... Arguments>
-    void Then(Function function, Arguments... arguments) {
-        if (status_ != StatusOk && status_ != StatusBufferTooSmall) return;
-        const Status status = function(arguments...);
-        if (status != StatusOk) status_ = status;
-    }
-
     // An output that the caller left out, by a null pointer or length, is skipped. Absent bytes have the length 0.
     template <class Out>
     void Read(Status (*get)(const Asn1Value*, Out*), const Asn1Value* field, Out* out) {
@@ -28,22 +21,12 @@ public:
     }
     template <class Field>
     void Read(Status (*get)(const Field*, uint8_t*, uint32_t*), const Field* field, uint8_t* buffer, uint32_t* length) {
-        if (length != nullptr) Then(field != nullptr ? get : GiveNothing<Field>, field, buffer, length);
+        if (length == nullptr) return;
+        Then([=] { return field != nullptr ? get(field, buffer, length) : GiveBytes(nullptr, 0, buffer, length); });
     }
-
-    Status Result() const { return status_; }
-
-private:
-    template <class Field>
-    static Status GiveNothing(const Field*, uint8_t*, uint32_t* length) {
-        *length = 0;
-        return StatusOk;
-    }
-
-    Status status_ = StatusOk;
 };
 
-void ReadImprint(Outputs* outputs, const MessageImprint* imprint, uint8_t* hashOid, uint32_t* hashOidLength,
+void ReadImprint(FieldOutputs* outputs, const MessageImprint* imprint, uint8_t* hashOid, uint32_t* hashOidLength,
                  uint8_t* parameters, uint32_t* parametersLength, uint8_t* hash, uint32_t* hashLength) {
     const AlgorithmIdentifier* algorithm = imprint->hashAlgorithm;
     outputs->Read<Asn1Value>(GetAsn1Oid, algorithm->algorithm, hashOid, hashOidLength);
@@ -66,7 +49,7 @@ Status ReadAccuracy(const AccuracyParts* parts, Accuracy* accuracy) {
     if (parts == nullptr) return SetAccuracyToNull(accuracy);
     accuracy->milliseconds = 0;
     accuracy->microseconds = 0;
-    Outputs outputs;
+    FieldOutputs outputs;
     outputs.Read(ReadPart, parts->seconds, &accuracy->seconds);
     outputs.Read(ReadPart, parts->millis, &accuracy->milliseconds);
     outputs.Read(ReadPart, parts->micros, &accuracy->microseconds);
@@ -164,7 +147,7 @@ Status DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* versio
     Tree<TimeStampReq> request(schema::TimeStampReq);
     const Status status = request.Decode(bytes, length);
     if (status != StatusOk) return status;
-    Outputs outputs;
+    FieldOutputs outputs;
     outputs.Read(GetAsn1Int32, request->version, version);
     ReadImprint(&outputs, request->messageImprint, hashOid, hashOidLength, parameters, parametersLength, hash,
                 hashLength);
@@ -196,7 +179,7 @@ Status DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* statu
     const Status result = response.Decode(bytes, length);
     if (result != StatusOk) return result;
     PKIStatusInfo* info = response->status;
-    Outputs outputs;
+    FieldOutputs outputs;
     outputs.Read(GetAsn1Int32, info->status, status);
     outputs.Then(MoveOut<PKIFreeText>, &info->statusString, statusString);
     *failInfo = info->failInfo == nullptr ? 0 : FlagsOfAsn1BitString(info->failInfo);
@@ -243,7 +226,7 @@ Status DecodeTSTInfo(const uint8_t* bytes, uint32_t length, int32_t* version, ui
     Tree<TSTInfo> info(schema::TSTInfo);
     const Status status = info.Decode(bytes, length);
     if (status != StatusOk) return status;
-    Outputs outputs;
+    FieldOutputs outputs;
     outputs.Read(GetAsn1Int32, info->version, version);
     outputs.Read<Asn1Value>(GetAsn1Oid, info->policy, policyOid, policyOidLength);
     ReadImprint(&outputs, info->messageImprint, hashOid, hashOidLength, parameters, parametersLength, hash, hashLength);

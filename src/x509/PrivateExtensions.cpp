@@ -1,6 +1,6 @@
 #include "tlvforge/private_extensions.h"
 
-#include "engine/output.h"
+#include "engine/outputs.h"
 #include "tlvforge/oid.h"
 #include "x509/extension_codecs.h"
 #include "x509/private_extensions.schema.h"
@@ -13,11 +13,11 @@ namespace {
 
 // A field and where it goes: bytes by the output-buffer rule, length 0 when it is absent; or a code, with a flag that
 // tells whether it is there. A null code or flag isn't asked for.
-class Output {
+class FieldOutput {
 public:
-    Output(const Asn1Value* field, uint8_t* buffer, uint32_t* length)
+    FieldOutput(const Asn1Value* field, uint8_t* buffer, uint32_t* length)
         : field_(field), isCode_(false), buffer_(buffer), length_(length) {}
-    Output(const Asn1Value* field, int32_t* code, uint32_t* has = nullptr)
+    FieldOutput(const Asn1Value* field, int32_t* code, uint32_t* has = nullptr)
         : field_(field), isCode_(true), code_(code), has_(has) {}
 
     bool IsCode() const { return isCode_; }
@@ -25,7 +25,7 @@ public:
     Status Read() const {
         if (has_ != nullptr) *has_ = field_ != nullptr ? 1 : 0;
         if (isCode_) return AnyNull(field_, code_) ? StatusOk : GetAsn1Int32(field_, code_);
-        return field_ != nullptr ? GetAsn1Value(field_, buffer_, length_) : GiveBytes(nullptr, 0, buffer_, length_);
+        return GetOptionalValue(field_, buffer_, length_);
     }
 
 private:
@@ -42,9 +42,9 @@ enum class GoOn { kNever, kAfterSmallBuffer, kAlways };
 
 // Reads in order. The last failure is the result.
 template <size_t Count>
-Status ReadFields(const Output (&outputs)[Count], GoOn goOn = GoOn::kNever) {
+Status ReadFields(const FieldOutput (&outputs)[Count], GoOn goOn = GoOn::kNever) {
     Status result = StatusOk;
-    for (const Output& output : outputs) {
+    for (const FieldOutput& output : outputs) {
         const Status status = output.Read();
         if (status == StatusOk) continue;
         result = status;

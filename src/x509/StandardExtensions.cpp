@@ -2,7 +2,7 @@
 
 #include "common/times.h"
 #include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/outputs.h"
 #include "tlvforge/certificate.h"
 #include "x509/extension_codecs.h"
 #include "x509/standard_extensions.schema.h"
@@ -111,11 +111,6 @@ Status CopyIfGiven(const T* source, Tree<T>* copy) {
 }
 
 // --- Fields that may be absent ---
-
-// A length of 0 stands for an absent value.
-Status GetOptionalValue(const void* value, uint8_t* buffer, uint32_t* length) {
-    return value != nullptr ? GetAsn1Value(value, buffer, length) : GiveBytes(nullptr, 0, buffer, length);
-}
 
 Status SetOptionalValue(Asn1Value** field, uint32_t type, const uint8_t* data, uint32_t length) {
     return data != nullptr ? SetAsn1ValueField(field, type, data, length) : StatusOk;
