@@ -1,8 +1,8 @@
-# The exported names are those that the public headers declare.
+# The exported names are those that the public headers declare, and the native methods of the Java bridge.
 
-# Sets `names` to the sorted names of all exported functions, and writes them to `listFile`, one a line, and to the
-# linker's version script `mapFile`. Declarations begin a line with TLVFORGE_STATUS, or TLVFORGE_API and a type; the
-# name stands on that line.
+# Sets `names` to the sorted names of all functions of the headers, and writes them and the names behind `mapFile` to
+# `listFile`, one a line, and to the linker's version script `mapFile`. Declarations begin a line with TLVFORGE_STATUS,
+# or TLVFORGE_API and a type; the name stands on that line.
 function(tlvforge_exports names listFile mapFile)
     file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/tlvforge/*.h)
     set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${headers})
@@ -27,9 +27,10 @@ function(tlvforge_exports names listFile mapFile)
         message(FATAL_ERROR "a function is declared twice in include/tlvforge")
     endif()
 
+    set(${names} ${found} PARENT_SCOPE)
+    list(APPEND found ${ARGN})
     list(JOIN found "\n" lines)
     file(CONFIGURE OUTPUT ${listFile} CONTENT "@lines@\n" @ONLY)
     list(JOIN found ";\n    " lines)
     file(CONFIGURE OUTPUT ${mapFile} CONTENT "{\nglobal:\n    @lines@;\nlocal:\n    *;\n};\n" @ONLY)
-    set(${names} ${found} PARENT_SCOPE)
 endfunction()

@@ -41,10 +41,12 @@ need() {
     if [ ${#commands[@]} -ne 0 ]; then exit 1; fi
 }
 
-# wish PACKAGE...: as need, but does without what can't be had.
+# wish PACKAGE[:COMMAND]...: as need, but does without what can't be had.
 wish() {
-    local package
-    for package in "$@"; do
+    local entry package
+    for entry in "$@"; do
+        package=${entry%%:*}
+        if [ "$entry" != "$package" ] && command -v "${entry#*:}" >/dev/null; then continue; fi
         if installed "$package"; then continue; fi
         if ! can_install || ! install "$package"; then echo "Going on without $package"; fi
     done
@@ -60,4 +62,4 @@ build() {
 
 mkdir -p "$root/build"
 need g++:g++ cmake:cmake ninja-build:ninja openssl:openssl libssl-dev libgtest-dev
-wish libengine-gost-openssl
+wish libengine-gost-openssl default-jdk-headless:javac

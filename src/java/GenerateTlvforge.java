@@ -30,7 +30,8 @@ public final class GenerateTlvforge {
     private static final Pattern ROW = Pattern.compile("^NATIVE(_AS)?\\((.*)\\)$", Pattern.MULTILINE);
     private static final Pattern HAND_WRITTEN = Pattern.compile("_dll_1(\\w+)\\(JNIEnv\\* env, jclass,\\s+jobject");
     private static final Pattern COMMENT_OR_DECLARATION = Pattern.compile(
-            "^/\\*(?<comment>.*?)\\*/$|^TLVFORGE_(?<result>STATUS|API [^(;]*?[ *])\\s*(?<name>\\w+)\\((?<list>[^;]*)\\);",
+            "^/\\*(?<comment>.*?)\\*/$"
+                    + "|^TLVFORGE_(?<result>STATUS|API [^(;]*?[ *])\\s*(?<name>\\w+)\\((?<list>[^;]*)\\);",
             Pattern.MULTILINE | Pattern.DOTALL);
     private static final Pattern NUMBER =
             Pattern.compile("^TLVFORGE_NUMBER\\((\\w+), (\\d+)\\)\\s*/\\* (.*) \\*/$", Pattern.MULTILINE);
@@ -63,15 +64,15 @@ public final class GenerateTlvforge {
              *     <code>int[]</code>.
              * <li>Bytes go in as a <code>byte[]</code> with the number of them to use, or alone where they carry their
              *     length: a length-prefixed OID, text up to a zero byte.
-             * <li>Bytes come out in a <code>byte[]</code> with an <code>int[]</code> behind it that receives the length.
-             *     The capacity is the length of the array, whatever the <code>int[]</code> held. With null for the
-             *     array only the length is stored, and so it is with {@link #StatusBufferTooSmall}.
+             * <li>Bytes come out in a <code>byte[]</code> with an <code>int[]</code> behind it for the length. The
+             *     capacity is the length of the array, whatever the <code>int[]</code> held. With null for the array
+             *     only the length is stored, and so it is with {@link #StatusBufferTooSmall}.
              * <li>Text goes in as a <code>String</code> where it names a file, and reaches the file system as CP1251.
              * </ul>
              *
-             * <p>The result is a status unless the function says otherwise. No method throws. An array that is too small
-             * for what the function would read from it or store in it, or null where an element has to be stored, gives
-             * {@link #StatusBufferTooSmall} too, and nothing is called then.
+             * <p>The result is a status unless the function says otherwise. No method throws. An array that is too
+             * small for what the function would read from it or store in it, or null where an element has to be stored,
+             * gives {@link #StatusBufferTooSmall} too, and nothing is called then.
              *
              * <p>The native library is the file that the system property
              * <code>kestrelon.x509.tlvforge.library</code> names, else the one on <code>java.library.path</code>, else
@@ -204,7 +205,7 @@ public final class GenerateTlvforge {
         for (String line : function.comment()) text.append(commentLine(line));
         for (String note : notes) text.append("     * <br>In Java: ").append(note).append('\n');
         String head = "    public static native " + (function.result().endsWith("*") ? "long" : "int");
-        return text.append("     */\n").append(wrap(head + " dll_" + row.name() + "(", parameters)).append("\n\n").toString();
+        return text + "     */\n" + wrap(head + " dll_" + row.name() + "(", parameters) + "\n\n";
     }
 
     private static String wrap(String head, List<String> parameters) {

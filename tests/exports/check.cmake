@@ -1,6 +1,7 @@
-# The shared library exports exactly what the public headers declare, needs the C library alone, and tells nothing of
-# the place where it was built. Where the list of agreed names lies beside the checkout, the exports are among them, and
-# are all of them once there are as many.
+# The shared library exports exactly what the public headers declare, and a native method for each of these where it has
+# the Java bridge. It needs the C library alone, and tells nothing of the place where it was built. Where the list of
+# agreed names lies beside the checkout, the exports are among them, and are all of them once there are as many; the
+# native methods have the agreed parameters.
 cmake_minimum_required(VERSION 3.25)
 
 set(failures 0)
@@ -33,6 +34,21 @@ message("${declaredCount} names declared, ${exportedCount} exported")
 expect_within(declared exported "is declared, but not exported")
 expect_within(exported declared "is exported, but not declared")
 
+set(natives ${exported})
+list(FILTER natives INCLUDE REGEX "^Java_")
+list(FILTER declared EXCLUDE REGEX "^Java_")
+list(FILTER exported EXCLUDE REGEX "^Java_")
+list(LENGTH declared declaredCount)
+if(JAVA)
+    list(TRANSFORM natives REPLACE "^Java_kestrelon_x509_tlvforge_Tlvforge_dll_1" "")
+    list(TRANSFORM natives REPLACE "_1" "_")
+    expect_within(exported natives "has no native method")
+    expect_within(natives exported "is a native method without a function")
+else()
+    message("SKIPPED: native methods, the library has none")
+    expect_within(natives exported "is a native method in a library without the bridge")
+endif()
+
 if(EXISTS ${AGREED})
     file(STRINGS ${AGREED} agreed)
     list(POP_FRONT agreed)
@@ -41,6 +57,11 @@ if(EXISTS ${AGREED})
     list(LENGTH agreed agreedCount)
     if(declaredCount GREATER_EQUAL agreedCount)
         expect_within(agreed exported "is an agreed name, but not exported")
+    endif()
+    if(JAVA)
+        file(STRINGS ${AGREED} agreedShapes)
+        file(STRINGS ${NATIVES} shapes)
+        expect_within(shapes agreedShapes "is not how the parameters of the native method were agreed")
     endif()
 else()
     message("SKIPPED: agreed names, ${AGREED} is not there")
