@@ -33,7 +33,8 @@ uint8_t* BytesBeside(Record* record) {
 template <class Record>
 Record* NewRecord() {
     void* block = Allocate(sizeof(Record) + 1);
-    return block == nullptr ? nullptr : new (block) Record{};
+    if (block == nullptr) return nullptr;
+    return new (block) Record{};
 }
 
 // A record with room for `length` bytes beside it, which the caller fills.
