@@ -15,7 +15,7 @@ public:
     uint8_t Octet() { return IsEmpty() ? 0 : *at_++; }
     uint32_t Number() { return Octet() < 200 ? Octet() % 8 : UINT32_MAX - Octet(); }
     Bytes Text() {
-        const size_t size = std::min<size_t>(Octet() % 48, static_cast<size_t>(end_ - at_));
+        const size_t wanted = Octet() % 48, size = std::min(wanted, static_cast<size_t>(end_ - at_));
         at_ += size;
         return {at_ - size, size};
     }
