@@ -1,8 +1,8 @@
 // inspect [--kind KIND] [FILE]: prints a readable outline of a document, DER or PEM.
 //
 // Without a kind every kind is tried, without a file a sample is shown. A PEM file may hold several documents.
-// The exit code is 0 when everything in the file was outlined. How each part of a document is read from the library
-// and printed stands in outline/.
+// The exit code is 0 when every document in the file was outlined. Where the library refuses a part of one, the outline
+// has a status. How each part of a document is read from the library and printed stands in outline/.
 
 #include <cstdio>
 #include <cstring>
@@ -12,8 +12,11 @@
 #include <string_view>
 
 #include "outline/certificate.h"
+#include "outline/cms.h"
 #include "outline/crl.h"
+#include "outline/ocsp.h"
 #include "outline/request.h"
+#include "outline/timestamp.h"
 #include "sample_certificate.h"
 
 using namespace examples;
@@ -22,14 +25,21 @@ namespace {
 
 struct Kind {
     const char* name;
-    // Decodes and prints; the status of the decoder.
-    Status (*inspect)(Outline& outline, const Bytes& bytes);
+    // Prints nothing unless its decoder takes the bytes.
+    Printer print;
 };
 
+// No document of one kind is taken by the decoder of another.
 constexpr Kind kKinds[] = {
-    {"certificate", InspectCertificate},
-    {"crl", InspectCrl},
-    {"request", InspectRequest},
+    {"certificate", PrintDecoded<Certificate, FreeCertificate, DecodeCertificate, PrintCertificate>},
+    {"crl", PrintDecoded<X509Crl, FreeX509Crl, DecodeX509Crl, PrintCrl>},
+    {"request", PrintDecoded<PKCS10CertReq, FreePKCS10CertReq, DecodePKCS10CertReq, PrintRequest>},
+    {"message", PrintDecoded<CmsContentInfo, FreeCmsContentInfo, DecodeCmsContentInfo, PrintMessage>},
+    {"ocsp-request", PrintDecoded<OcspRequest, FreeOcspRequest, DecodeOcspRequest, PrintOcspRequest>},
+    {"ocsp-response", PrintDecoded<OcspResponse, FreeOcspResponse, DecodeOcspResponse, PrintOcspResponse>},
+    {"timestamp-request", PrintTimeStampRequest},
+    {"timestamp-response", PrintTimeStampResponse},
+    {"timestamp-info", PrintTstInfo},
 };
 
 const Kind* FindKind(std::string_view name) {
@@ -101,7 +111,7 @@ bool Inspect(Outline& outline, const Kind* given, const Source& source) {
     std::string failures;
     for (const Kind& kind : kKinds) {
         if (given != nullptr && given != &kind) continue;
-        const Status status = kind.inspect(outline, source.bytes);
+        const Status status = kind.print(outline, source.bytes);
         if (status == StatusOk) {
             PrintTrailingBytes(outline, source.bytes);
             return true;

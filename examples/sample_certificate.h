@@ -37,13 +37,22 @@
 //     extendedKeyUsage = serverAuth, clientAuth
 //     subjectKeyIdentifier = hash
 //     authorityKeyIdentifier = keyid, issuer:always
-//     subjectAltName = DNS:www.example.org, email:web@example.org, IP:192.0.2.1, IP:2001:db8::1, RID:1.2.3.4,
-//     dirName:root_name, otherName:msUPN;UTF8:web@example.org issuerAltName = issuer:copy crlDistributionPoints = main,
-//     spare authorityInfoAccess = OCSP;URI:http://ocsp.example.org/, caIssuers;URI:http://ca.example.org/root.crt
+//     subjectAltName = @names
+//     issuerAltName = issuer:copy
+//     crlDistributionPoints = main, spare
+//     authorityInfoAccess = OCSP;URI:http://ocsp.example.org/, caIssuers;URI:http://ca.example.org/root.crt
 //     certificatePolicies = 2.23.140.1.2.2, @policy
 //     nsCertType = server, client
 //     2.5.29.16 = ASN1:SEQUENCE:period
 //     1.3.6.1.5.5.7.1.24 = ASN1:SEQUENCE:features
+//     [names]
+//     DNS = www.example.org
+//     email = web@example.org
+//     IP.1 = 192.0.2.1
+//     IP.2 = 2001:db8::1
+//     RID = 1.2.3.4
+//     dirName = root_name
+//     otherName = msUPN;UTF8:web@example.org
 //     [main]
 //     fullname = URI:http://crl.example.org/root.crl, URI:ldap://ldap.example.org/cn=root
 //     [spare]

@@ -1,7 +1,6 @@
 // Algorithm identifiers.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "elements.h"
@@ -15,22 +14,25 @@ struct Algorithm {
     Bytes parameters;  // whole element, empty when absent
 };
 
-template <class Function, class Document>
-Algorithm GetAlgorithm(Function function, const Document* document) {
+// index: where the document has several.
+template <class Function, class Document, class... Index>
+Algorithm GetAlgorithm(Function function, const Document* document, Index... index) {
     Output oid, parameters;
-    const Status status =
-        Fetch([&] { return function(document, oid.data, &oid.length, parameters.data, &parameters.length); }, oid,
-              parameters);
+    const auto call = [&] {
+        return function(document, index..., oid.data, &oid.length, parameters.data, &parameters.length);
+    };
+    const Status status = Fetch(call, oid, parameters);
     return {status, std::move(oid.bytes), std::move(parameters.bytes)};
 }
 
 // The parameters of a GOST public key: the three parameter sets.
-inline Status PrintGostParameters(Outline& outline, uint32_t algorithmId, const Bytes& parameters) {
+template <uint32_t AlgorithmId>
+Status PrintGostKeyParameters(Outline& outline, const Bytes& parameters) {
     Output key, digest, encryption;
     uint8_t form = 0;
     const Status status = Fetch(
         [&] {
-            return DecodeAlgorithmGostR3410ParameterOids(algorithmId, parameters.data(), Size(parameters), &form,
+            return DecodeAlgorithmGostR3410ParameterOids(AlgorithmId, parameters.data(), Size(parameters), &form,
                                                          key.data, &key.length, digest.data, &digest.length,
                                                          encryption.data, &encryption.length);
         },
@@ -44,25 +46,39 @@ inline Status PrintGostParameters(Outline& outline, uint32_t algorithmId, const 
     return StatusOk;
 }
 
-// The number of the algorithm if its keys are GOST keys.
-inline std::optional<uint32_t> GostKeyAlgorithmId(const Bytes& oid) {
-    uint32_t id = 0;
-    const bool known = !oid.empty() && FindAlgIdByOid(oid.data(), &id) == StatusOk;
-    const bool gost = known && (id == AlgorithmGostR34102001 || id == AlgorithmGostR34102012Key256 ||
-                                id == AlgorithmGostR34102012Key512);
-    return gost ? std::optional(id) : std::nullopt;
+inline Status PrintGost89Parameters(Outline& outline, const Bytes& parameters) {
+    Output vector, set;
+    const auto decode = [&] {
+        return DecodeGost2814789Parameters(parameters.data(), Size(parameters), vector.data, &vector.length, set.data,
+                                           &set.length);
+    };
+    const Status status = Fetch(decode, vector, set);
+    if (status != StatusOk) return status;
+    outline.Hex("initialization vector", vector.bytes);
+    outline.Line("encryption set", DescribeOid(set.bytes));
+    return StatusOk;
 }
+
+inline constexpr ValueCodec kParameterCodecs[] = {
+    {"1.2.643.2.2.19", PrintGostKeyParameters<AlgorithmGostR34102001>},
+    {"1.2.643.7.1.1.1.1", PrintGostKeyParameters<AlgorithmGostR34102012Key256>},
+    {"1.2.643.7.1.1.1.2", PrintGostKeyParameters<AlgorithmGostR34102012Key512>},
+    {"1.2.643.2.2.21", PrintGost89Parameters},
+};
 
 inline void PrintAlgorithm(Outline& outline, const std::string& label, const Algorithm& algorithm) {
     if (algorithm.status != StatusOk) return outline.Failed(label, algorithm.status);
     outline.Line(label, DescribeOid(algorithm.oid));
     const Outline::Section section(outline);
-    if (const std::optional<uint32_t> id = GostKeyAlgorithmId(algorithm.oid)) {
-        const Status status = PrintGostParameters(outline, *id, algorithm.parameters);
-        if (status == StatusOk) return;
-        outline.Failed("GOST parameters", status);
-    }
-    if (!algorithm.parameters.empty()) PrintElement(outline, "parameters", algorithm.parameters);
+    if (algorithm.parameters.empty()) return;
+    PrintValue(outline, "parameters", kParameterCodecs, algorithm.oid, algorithm.parameters);
+}
+
+// Of keys that stand in an OCTET STRING of their own.
+inline bool IsGostKey(const Bytes& oid) {
+    uint32_t id = 0;
+    if (oid.empty() || FindAlgIdByOid(oid.data(), &id) != StatusOk) return false;
+    return id == AlgorithmGostR34102001 || id == AlgorithmGostR34102012Key256 || id == AlgorithmGostR34102012Key512;
 }
 
 }  // namespace examples

@@ -9,19 +9,6 @@ namespace examples {
 
 // --- Values of one field ---
 
-// Names of the bits of a flag word, from bit 0 on.
-template <size_t Count>
-std::string DescribeFlags(uint32_t flags, const char* const (&names)[Count]) {
-    std::string text;
-    for (uint32_t bit = 0; bit < 32; ++bit) {
-        const uint32_t mask = 0x80u >> bit % 8 << bit / 8 * 8;
-        if ((flags & mask) == 0) continue;
-        if (!text.empty()) text += ", ";
-        text += bit < Count ? names[bit] : "bit " + std::to_string(bit);
-    }
-    return text.empty() ? "none" : text;
-}
-
 inline Status PrintKeyUsage(Outline& outline, const Bytes& value) {
     static constexpr const char* kNames[] = {"digitalSignature", "nonRepudiation", "keyEncipherment",
                                              "dataEncipherment", "keyAgreement",   "keyCertSign",
@@ -60,17 +47,15 @@ inline Status PrintPrivateKeyUsagePeriod(Outline& outline, const Bytes& value) {
     return StatusOk;
 }
 
+inline constexpr const char* kReasonCodes[] = {
+    "unspecified",     "keyCompromise", "cACompromise",  "affiliationChanged", "superseded",  "cessationOfOperation",
+    "certificateHold", nullptr,         "removeFromCRL", "privilegeWithdrawn", "aACompromise"};
+
 inline Status PrintReasonCode(Outline& outline, const Bytes& value) {
-    static constexpr const char* kNames[] = {
-        "unspecified",   "keyCompromise",        "cACompromise",    "affiliationChanged",
-        "superseded",    "cessationOfOperation", "certificateHold", "",
-        "removeFromCRL", "privilegeWithdrawn",   "aACompromise"};
     int32_t reason = 0;
     const Status status = DecodeExtensionReasonCode(value.data(), Size(value), &reason);
-    if (status != StatusOk) return status;
-    const bool known = reason >= 0 && reason < static_cast<int32_t>(std::size(kNames));
-    outline.Line("reason", std::to_string(reason) + (known ? std::string(" ") + kNames[reason] : ""));
-    return StatusOk;
+    if (status == StatusOk) outline.Line("reason", DescribeNumber(reason, kReasonCodes));
+    return status;
 }
 
 inline Status PrintInvalidityDate(Outline& outline, const Bytes& value) {
@@ -85,6 +70,14 @@ template <auto Decode>
 Status PrintBytes(Outline& outline, const Bytes& value) {
     const Fetched content = Get(Decode, value.data(), Size(value));
     if (content.status == StatusOk) outline.Hex("value", content.bytes);
+    return content.status;
+}
+
+// The ones whose bytes are UTF-8.
+template <auto Decode>
+Status PrintUtf8(Outline& outline, const Bytes& value) {
+    const Fetched content = Get(Decode, value.data(), Size(value));
+    if (content.status == StatusOk) outline.Line("text", Escape(ReadUtf8(content.bytes)));
     return content.status;
 }
 
@@ -168,9 +161,7 @@ inline Status PrintInformationAccess(Outline& outline, const Bytes& value) {
                 method);
             if (status != StatusOk) return status;
             const Outline::Section section = outline.Open(DescribeOid(method.bytes));
-            uint32_t alternative = 0;
-            const Fetched name = Get(GetX509GeneralNameValue, location, &alternative);
-            PrintGeneralName(outline, alternative, name);
+            PrintGeneralName(outline, location);
             return StatusOk;
         });
 }
@@ -224,32 +215,48 @@ inline Status PrintPolicyQualifiers(Outline& outline, const ExtensionCertificate
     return status;
 }
 
+inline Status PrintPolicy(Outline& outline, const ExtensionCertificatePolicies* list, uint32_t index) {
+    const Fetched oid = Get(GetExtensionPolicyInformation, list, index);
+    if (oid.status != StatusOk) return oid.status;
+    const Outline::Section section = outline.Open(DescribeOid(oid.bytes));
+    return PrintPolicyQualifiers(outline, list, index);
+}
+
 inline Status PrintPolicies(Outline& outline, const Bytes& value) {
     return PrintList<ExtensionCertificatePolicies, FreeExtensionCertificatePolicies, DecodeExtensionCertificatePolicies,
                      GetExtensionPolicyInformationCount>(
-        value, [&](const ExtensionCertificatePolicies* list, uint32_t index) {
-            const Fetched oid = Get(GetExtensionPolicyInformation, list, index);
-            if (oid.status != StatusOk) return oid.status;
-            const Outline::Section section = outline.Open(DescribeOid(oid.bytes));
-            return PrintPolicyQualifiers(outline, list, index);
-        });
+        value,
+        [&](const ExtensionCertificatePolicies* list, uint32_t index) { return PrintPolicy(outline, list, index); });
 }
 
-inline Status PrintAlternativeNames(Outline& outline, const Bytes& value) {
-    OwnedGeneralNames names;
-    const Status status = DecodeX509GeneralNames(value.data(), Size(value), names.Out());
-    if (status == StatusOk) PrintGeneralNames(outline, names);
-    return status;
+inline constexpr auto PrintAlternativeNames =
+    PrintDecoded<X509GeneralNames, FreeX509GeneralNames, DecodeX509GeneralNames, PrintGeneralNames>;
+
+// The tools of a qualified certificate and of its issuer, each with the document that says what they are good for.
+inline Status PrintIssuerSignTool(Outline& outline, const Bytes& value) {
+    Output signTool, cATool, cAToolCert;
+    // The third text can't be asked for its size, but is no longer than all of them.
+    Bytes signToolCert(value.size() + 1);
+    uint32_t signToolCertLength = 0;
+    const auto decode = [&] {
+        signToolCertLength = Size(signToolCert);
+        return DecodeExtensionIssuerSignTool(value.data(), Size(value), signTool.data, &signTool.length, cATool.data,
+                                             &cATool.length, signToolCert.data(), &signToolCertLength, cAToolCert.data,
+                                             &cAToolCert.length);
+    };
+    const Status status = Fetch(decode, signTool, cATool, cAToolCert);
+    if (status != StatusOk) return status;
+    signToolCert.resize(signToolCertLength);
+    outline.Line("sign tool", Escape(ReadUtf8(signTool.bytes)));
+    outline.Line("CA tool", Escape(ReadUtf8(cATool.bytes)));
+    outline.Line("certificate of the sign tool", Escape(ReadUtf8(signToolCert)));
+    outline.Line("certificate of the CA tool", Escape(ReadUtf8(cAToolCert.bytes)));
+    return StatusOk;
 }
 
 // --- The extensions of a document ---
 
-struct ExtensionCodec {
-    const char* oid;
-    Status (*print)(Outline& outline, const Bytes& value);
-};
-
-inline constexpr ExtensionCodec kExtensionCodecs[] = {
+inline constexpr ValueCodec kExtensionCodecs[] = {
     {"2.5.29.14", PrintBytes<DecodeExtensionSubjectKeyIdentifier>},
     {"2.5.29.15", PrintKeyUsage},
     {"2.5.29.16", PrintPrivateKeyUsagePeriod},
@@ -270,20 +277,13 @@ inline constexpr ExtensionCodec kExtensionCodecs[] = {
     {"1.3.6.1.5.5.7.1.1", PrintInformationAccess},
     {"1.3.6.1.5.5.7.1.11", PrintInformationAccess},  // of the subject
     {"1.3.6.1.5.5.7.48.1.2", PrintBytes<DecodeExtensionOcspNonce>},
+    {"1.3.6.1.5.5.7.48.1.4", PrintExtendedKeyUsage},  // types of OCSP responses, a list of OIDs as well
+    {"1.3.6.1.4.1.311.21.10", PrintPolicies},         // of applications
     {"2.16.840.1.113730.1.1", PrintNetscapeCertificateType},
+    {"1.2.643.100.111", PrintUtf8<DecodeExtensionSubjectSignTool>},
+    {"1.2.643.100.112", PrintIssuerSignTool},
+    {"1.2.643.3.123.3.1", PrintUtf8<DecodeExtensionZelcryptKeyIdentifier>},
 };
-
-inline void PrintExtensionValue(Outline& outline, const Bytes& oid, const Bytes& value) {
-    const std::string dotted = ToDotted(oid);
-    for (const ExtensionCodec& codec : kExtensionCodecs) {
-        if (dotted != codec.oid) continue;
-        const Status status = codec.print(outline, value);
-        if (status == StatusOk) return;
-        outline.Line("status " + std::to_string(status));
-        break;
-    }
-    outline.Hex("bytes", value);
-}
 
 inline void PrintExtension(Outline& outline, X509Extensions extensions, uint32_t index) {
     Output oid, value;
@@ -296,7 +296,7 @@ inline void PrintExtension(Outline& outline, X509Extensions extensions, uint32_t
         oid, value);
     if (status != StatusOk) return outline.Failed("extension", status);
     const Outline::Section section = outline.Open(DescribeOid(oid.bytes) + (critical != 0 ? ", critical" : ""));
-    PrintExtensionValue(outline, oid.bytes, value.bytes);
+    PrintValue(outline, "value", kExtensionCodecs, oid.bytes, value.bytes);
 }
 
 inline void PrintExtensions(Outline& outline, X509Extensions extensions) {

@@ -14,46 +14,84 @@ inline std::string ToText(const LibraryTime& time) {
     return text;
 }
 
-// An entry that joins the one before it in a set of several is marked with a plus sign.
-inline void PrintNameEntry(Outline& outline, const X509Name* name, uint32_t rdn, uint32_t entry) {
-    Output value, oid;
+// An entry of a name: what it is, and its value as text if it is one.
+struct NameEntry {
+    Status status = StatusOk;
+    Bytes oid, value;
     uint8_t tagClass = 0, constructed = 0, tag = 0;
-    const Status status = Fetch(
+
+    std::optional<std::string> Text() const {
+        const bool plain = tagClass == Asn1ClassUniversal && constructed == 0;
+        return plain ? ToText(tag, value) : std::nullopt;
+    }
+};
+
+inline NameEntry GetNameEntry(const X509Name* name, uint32_t rdn, uint32_t entry) {
+    NameEntry result;
+    Output value, oid;
+    result.status = Fetch(
         [&] {
-            return GetX509NameEntryExt(name, rdn, entry, value.data, &value.length, &tagClass, &constructed, &tag,
-                                       oid.data, &oid.length);
+            return GetX509NameEntryExt(name, rdn, entry, value.data, &value.length, &result.tagClass,
+                                       &result.constructed, &result.tag, oid.data, &oid.length);
         },
         value, oid);
-    if (status != StatusOk) return outline.Failed("entry", status);
-    const std::string label = (entry > 0 ? "+ " : "") + DescribeOid(oid.bytes);
-    const bool plain = tagClass == Asn1ClassUniversal && constructed == 0;
-    const std::optional<std::string> text = plain ? ToText(tag, value.bytes) : std::nullopt;
-    if (text) return outline.Line(label, *text);
+    result.oid = std::move(oid.bytes);
+    result.value = std::move(value.bytes);
+    return result;
+}
+
+// Calls print for every entry with the number of the entry in its set; the status of the first failure.
+template <class Print>
+Status ForEachEntry(const X509Name* name, Print&& print) {
+    uint32_t rdns = 0;
+    Status status = GetX509NameRdnCount(name, &rdns);
+    for (uint32_t rdn = 0; rdn < rdns && status == StatusOk; ++rdn) {
+        uint32_t entries = 0;
+        status = GetX509NameEntryCount(name, rdn, &entries);
+        for (uint32_t i = 0; i < entries; ++i) print(GetNameEntry(name, rdn, i), i);
+    }
+    return status;
+}
+
+// An entry that joins the one before it in a set of several is marked with a plus sign.
+inline void PrintNameEntry(Outline& outline, const NameEntry& entry, uint32_t index) {
+    if (entry.status != StatusOk) return outline.Failed("entry", entry.status);
+    const std::string label = (index > 0 ? "+ " : "") + DescribeOid(entry.oid);
+    if (const std::optional<std::string> text = entry.Text()) return outline.Line(label, *text);
     char identifier[40];
-    snprintf(identifier, sizeof identifier, ", class %02X tag %u", tagClass | constructed, tag);
-    outline.Hex(label + identifier, value.bytes);
+    snprintf(identifier, sizeof identifier, ", class %02X tag %u", entry.tagClass | entry.constructed, entry.tag);
+    outline.Hex(label + identifier, entry.value);
 }
 
 inline void PrintName(Outline& outline, const std::string& label, const X509Name* name) {
     uint32_t rdns = 0;
-    const Status status = GetX509NameRdnCount(name, &rdns);
-    if (status != StatusOk) return outline.Failed(label, status);
-    if (rdns == 0) return outline.Line(label, "empty");
+    const Status counted = GetX509NameRdnCount(name, &rdns);
+    if (counted == StatusOk && rdns == 0) return outline.Line(label, "empty");
     const Outline::Section section = outline.Open(label);
-    for (uint32_t rdn = 0; rdn < rdns; ++rdn) {
-        uint32_t entries = 0;
-        const Status counted = GetX509NameEntryCount(name, rdn, &entries);
-        if (counted != StatusOk) outline.Failed("entries", counted);
-        for (uint32_t entry = 0; entry < entries; ++entry) PrintNameEntry(outline, name, rdn, entry);
-    }
+    const Status status =
+        ForEachEntry(name, [&](const NameEntry& entry, uint32_t index) { PrintNameEntry(outline, entry, index); });
+    if (status != StatusOk) outline.Failed("entries", status);
 }
 
-inline void PrintDirectoryName(Outline& outline, const Bytes& value) {
+// A name as one line: "C=DE, O=Example Trust, CN=Example CA".
+inline std::string DescribeName(const X509Name* name) {
+    std::string line;
+    const Status status = ForEachEntry(name, [&](const NameEntry& entry, uint32_t index) {
+        const std::string dotted = ToDotted(entry.oid);
+        const std::string_view type = WellKnownName(dotted);
+        line += line.empty() ? "" : index > 0 ? " + " : ", ";
+        line += std::string(type.empty() ? dotted : type) + "=" + entry.Text().value_or("hex " + ToHex(entry.value));
+    });
+    if (status != StatusOk) return "status " + std::to_string(status);
+    return line.empty() ? "empty" : line;
+}
+
+inline void PrintEncodedName(Outline& outline, const std::string& label, const Bytes& value) {
     OwnedName name;
     const Status status = DecodeX509Name(value.data(), Size(value), name.Out());
-    if (status == StatusOk) return PrintName(outline, "directory name", name);
-    outline.Failed("directory name", status);
-    outline.Hex("value", value);
+    if (status == StatusOk) return PrintName(outline, label, name);
+    outline.Failed(label, status);
+    PrintElement(outline, "value", value);
 }
 
 // OtherName is a type and a value under the tag [0], which are shown where they can be told apart.
@@ -91,13 +129,19 @@ inline void PrintGeneralName(Outline& outline, uint32_t alternative, const Fetch
         case X509GeneralNameRfc822Name: return outline.Line("e-mail", Escape(ReadAscii(value)));
         case X509GeneralNameDNSName: return outline.Line("DNS", Escape(ReadAscii(value)));
         case X509GeneralNameX400Address: return outline.Hex("X.400 address", value);
-        case X509GeneralNameDirectoryName: return PrintDirectoryName(outline, value);
+        case X509GeneralNameDirectoryName: return PrintEncodedName(outline, "directory name", value);
         case X509GeneralNameEdiPartyName: return outline.Hex("EDI party name", value);
         case X509GeneralNameUniformResourceIdentifier: return outline.Line("URI", Escape(ReadAscii(value)));
         case X509GeneralNameIPAddress: return PrintAddress(outline, value);
         case X509GeneralNameRegisteredID: return outline.Line("registered ID", DescribeOid(value));
         default: return outline.Hex("alternative " + std::to_string(alternative), value);
     }
+}
+
+inline void PrintGeneralName(Outline& outline, const X509GeneralName* name) {
+    uint32_t alternative = 0;
+    const Fetched value = Get(GetX509GeneralNameValue, name, &alternative);
+    PrintGeneralName(outline, alternative, value);
 }
 
 inline void PrintGeneralNames(Outline& outline, const X509GeneralNames* names) {

@@ -132,12 +132,35 @@ inline std::optional<std::string> ToText(uint32_t type, const Bytes& bytes) {
         {Asn1KindUTF8String, 1, ReadUtf8},       {Asn1KindNumericString, 1, ReadAscii},
         {Asn1KindPrintableString, 1, ReadAscii}, {Asn1KindTeletexString, 1, ReadLatin1},
         {Asn1KindIA5String, 1, ReadAscii},       {Asn1KindVisibleString, 1, ReadAscii},
+        {Asn1KindUTCTime, 1, ReadAscii},         {Asn1KindGeneralizedTime, 1, ReadAscii},
         {Asn1KindBMPString, 2, ReadBmp},         {Asn1KindUniversalString, 4, ReadUniversal},
     };
     for (const auto& row : kTypes) {
         if (row.type == type && bytes.size() % row.unit == 0) return Escape(row.read(bytes));
     }
     return std::nullopt;
+}
+
+// --- Numbers that have names ---
+
+// Names of the bits of a flag word, from bit 0 on. Bits without a name, which is null, are told by their number.
+template <size_t Count>
+std::string DescribeFlags(uint32_t flags, const char* const (&names)[Count]) {
+    std::string text;
+    for (uint32_t bit = 0; bit < 32; ++bit) {
+        const uint32_t mask = 0x80u >> bit % 8 << bit / 8 * 8;
+        if ((flags & mask) == 0) continue;
+        if (!text.empty()) text += ", ";
+        text += bit < Count && names[bit] != nullptr ? names[bit] : "bit " + std::to_string(bit);
+    }
+    return text.empty() ? "none" : text;
+}
+
+// "1 revoked", or the number alone.
+template <size_t Count>
+std::string DescribeNumber(int32_t number, const char* const (&names)[Count]) {
+    const bool known = number >= 0 && number < static_cast<int32_t>(Count) && names[number] != nullptr;
+    return std::to_string(number) + (known ? std::string(" ") + names[number] : "");
 }
 
 }  // namespace examples
