@@ -7,6 +7,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
+import java.util.regex.MatchResult;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
@@ -35,6 +36,8 @@ public final class GenerateTlvforge {
             Pattern.MULTILINE | Pattern.DOTALL);
     private static final Pattern NUMBER =
             Pattern.compile("^TLVFORGE_NUMBER\\((\\w+), (\\d+)\\)\\s*/\\* (.*) \\*/$", Pattern.MULTILINE);
+    private static final Pattern ENUM = Pattern.compile("^enum \\{(.*?)\\};", Pattern.DOTALL | Pattern.MULTILINE);
+    private static final Pattern ENUMERATOR = Pattern.compile("(\\w+) = (\\w+),?(?: */\\* (.*) \\*/)?");
 
     /** Lines of a comment that begin a new thought: a parameter, a status, a result. */
     private static final Pattern NEW_LINE =
@@ -158,11 +161,17 @@ public final class GenerateTlvforge {
     }
 
     private static void readNumbers(String text, StringBuilder numbers) {
-        Matcher matcher = NUMBER.matcher(text);
-        while (matcher.find()) {
-            numbers.append("    /** ").append(html(matcher.group(3))).append(". */\n    public static final int ")
-                    .append(matcher.group(1)).append(" = ").append(matcher.group(2)).append(";\n\n");
-        }
+        NUMBER.matcher(text).results().forEach(number -> declareNumber(number, numbers));
+        ENUM.matcher(text).results()
+                .flatMap(block -> ENUMERATOR.matcher(block.group(1)).results())
+                .forEach(number -> declareNumber(number, numbers));
+    }
+
+    /** Name, number and comment, which may be missing. */
+    private static void declareNumber(MatchResult number, StringBuilder numbers) {
+        if (number.group(3) != null) numbers.append("    /** ").append(html(number.group(3))).append(". */\n");
+        numbers.append("    public static final int ").append(number.group(1)).append(" = ").append(number.group(2))
+                .append(";\n\n");
     }
 
     private static String lettersOf(String kind) {
