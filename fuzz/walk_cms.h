@@ -1,13 +1,19 @@
 // Walks over messages, signed and enveloped, and over what lies in them.
 #pragma once
 
-#include "walk_documents.h"
+#include "walk_values.h"
 
 namespace walk {
 
-// Attributes of a message, which may be absent.
+// Attributes of a message, which may be absent, and their values.
 inline void WalkMessageAttributes(RsaAttributes attributes) {
-    if (Get(EncodeRsaAttributes, attributes)) WalkAttributes(attributes);
+    if (!Get(EncodeRsaAttributes, attributes)) return;
+    WalkAttributes(attributes);
+    Each(GetRsaAttributesAttributesCount, attributes, [&](uint32_t i) {
+        const auto count = [=](auto of, uint32_t* n) { return GetRsaAttributesAttributeValuesCount(of, i, n); };
+        Each(count, attributes,
+             [&](uint32_t j) { WalkAttributeValue(Sure(Get(GetRsaAttributesAttributeValue, attributes, i, j))[0]); });
+    });
 }
 
 // What an identifier gives, set again, changes nothing; nor does its name, which is its own.
@@ -73,14 +79,14 @@ inline void WalkSignedData(CmsSignedData* message) {
     CmsContentInfo* content = nullptr;
     (void)GetCmsSignedDataVersion(message, &version);
     Each(GetCmsSignedDataDigestAlgorithmsCount, message, [&](uint32_t i) {
-        const auto [oid, parameters] =
-            Sure(Get(GetCmsSignedDataDigestAlgorithmOidAndParameters, message, i, kOut, kOut));
-        Require(Ok(AddCmsSignedDataDigestAlgorithmOidAndParameters(message, oid.data(), parameters.data(),
-                                                                   parameters.size())));
+        Require(Carry<Oid, Maybe>(Of(GetCmsSignedDataDigestAlgorithmOidAndParameters, message, i),
+                                  Of(AddCmsSignedDataDigestAlgorithmOidAndParameters, message)));
     });
     Require(Ok(GetCmsSignedDataContentInfo(message, &content)));
     Require(Sure(Get(GetCmsSignedDataContentTypeOid, message)) == Sure(Get(GetCmsContentInfoTypeOid, content)));
-    Require(Sure(Get(GetCmsSignedDataContent, message)) == Sure(Get(GetCmsContentInfoContent, content)));
+    const auto signedContent = Sure(Get(GetCmsSignedDataContent, message));
+    Require(signedContent == Sure(Get(GetCmsContentInfoContent, content)));
+    WalkTimeStamp(signedContent[0]);
     WalkCertificateSet(message, GetCmsSignedDataCertificatesCount, GetCmsSignedDataEncodedCertificate,
                        AddCmsSignedDataEncodedCertificate);
     WalkCrlSet(message, GetCmsSignedDataCrlsCount, GetCmsSignedDataEncodedCrl);
@@ -175,12 +181,7 @@ inline void WalkEnvelopedData(CmsEnvelopedData* message) {
     Sure(Get(GetCmsEnvelopedDataEncryptedContent, message));
     const auto [oid, parameters] =
         Sure(Get(GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message, kOut, kOut));
-    Bytes iv(parameters.size() + 1), set(parameters.size() + 1);
-    uint32_t ivLength = iv.size(), setLength = set.size();
-    if (Ok(DecodeGost2814789Parameters(parameters.data(), parameters.size(), iv.data(), &ivLength, set.data(),
-                                       &setLength))) {
-        Sure(Get(EncodeGost2814789Parameters, iv.data(), ivLength, set.data()));
-    }
+    WalkParts<Octets, Oid>(parameters, Complete(DecodeGost2814789Parameters), EncodeGost2814789Parameters);
     Require(Ok(GetCmsEnvelopedDataUnprotectedAttributes(message, &attributes)));
     WalkMessageAttributes(attributes);
     Require(Ok(RemoveCmsEnvelopedDataCrls(message)) && Ok(RemoveCmsEnvelopedDataCertificates(message)));

@@ -24,8 +24,6 @@ std::string ToHex(const Bytes& bytes) {
     return text;
 }
 
-Bytes Text(std::string_view text) { return Bytes(text.begin(), text.end()); }
-
 Bytes OidOf(const char* dotted) {
     Bytes oid(256);
     uint32_t length = 256;

@@ -10,8 +10,14 @@ namespace faults {
 
 using tlvforge::instruments;
 
-// The first failure ends the chain of calls; what was made until then is freed in any case.
+// What was made until a failure is freed in any case.
 using Scenarios = std::vector<std::pair<const char*, std::function<Status()>>>;
+
+// Of calls made one after the other, whatever became of those before.
+inline Status FirstFailure(std::initializer_list<Status> calls) {
+    const auto found = std::find_if(calls.begin(), calls.end(), [](Status status) { return status != StatusOk; });
+    return found == calls.end() ? StatusOk : *found;
+}
 
 template <auto Free, class Function, class... Arguments>
 Status MakeAndFree(Function function, Arguments... arguments) {
@@ -19,6 +25,14 @@ Status MakeAndFree(Function function, Arguments... arguments) {
     const Status status = function(arguments..., &made);
     EXPECT_EQ(status == StatusOk, made != nullptr);
     return status + Free(made);
+}
+
+// Makes an object, and calls more on it.
+template <auto Free>
+Status MakeFillAndFree(auto create, auto fill) {
+    typename walk::Owned<Free>::pointer made = nullptr;
+    const Status status = create(&made);
+    return (status == StatusOk ? fill(made) : status) + Free(made);
 }
 
 // The answer is the out-of-memory status, or another one that a scenario may turn it into, and nothing leaks.

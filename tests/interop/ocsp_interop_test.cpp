@@ -1,52 +1,34 @@
-// libcrypto as the oracle of OCSP: what either writes, both read alike, and libcrypto verifies what was signed.
+// OpenSSL as the oracle of OCSP: what either writes, both read alike, and OpenSSL verifies what was signed.
+
+#include "tlvforge/ocsp.h"
 
 #include <openssl/ocsp.h>
 
-#include "support.h"
-#include "tlvforge/ocsp.h"
+#include "interop/peer.h"
+#include "walk_ocsp.h"
 
-using namespace support;
+using namespace peer;
+using walk::kOut;
 
 namespace {
 
-Bytes ContentOf(const ASN1_STRING* text) { return Bytes(text->data, text->data + text->length); }
-Bytes DerOf(auto* value, auto write) {
-    Bytes der(static_cast<size_t>(write(value, nullptr)));
-    uint8_t* at = der.data();
-    write(value, &at);
-    return der;
-}
-template <auto Free>
-walk::Owned<Free> FromDer(auto decode, const Bytes& der) {
-    const uint8_t* at = der.data();
-    return walk::Owned<Free>(decode(nullptr, &at, static_cast<long>(der.size())));
-}
+const Bytes kSha1 = OidOf("1.3.14.3.2.26");
 
-// A key with its certificate, which issued itself and is the one that is asked about.
+// A key with its certificate, which is the one that is asked about.
 struct Authority {
     const walk::Owned<EVP_PKEY_free> key{EVP_EC_gen("P-256")};
-    const walk::Owned<X509_free> owner{X509_new()};
+    const walk::Owned<X509_free> owner = CertificateOf(key.get());
     X509* const certificate = owner.get();
     X509_NAME* const name = X509_get_subject_name(certificate);
+    const Bytes encoded = DerOf(certificate, i2d_X509), encodedName = DerOf(name, i2d_X509_NAME);
+    const walk::Owned<OCSP_CERTID_free> certId{OCSP_cert_to_id(EVP_sha1(), certificate, certificate)};
     Bytes id[3];  // hashes of name and key, serial number
 
     Authority() {
-        X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const uint8_t*>("CA"), -1, -1, 0);
-        X509_set_issuer_name(certificate, name);
-        ASN1_INTEGER_set(X509_get_serialNumber(certificate), 0x1234);
-        X509_gmtime_adj(X509_getm_notBefore(certificate), -60);
-        X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
-        X509_set_pubkey(certificate, key.get());
-        EXPECT_GT(X509_sign(certificate, key.get(), EVP_sha256()), 0);
-        const walk::Owned<OCSP_CERTID_free> own(Id());
         ASN1_STRING* parts[3] = {};
-        OCSP_id_get0_info(&parts[0], nullptr, &parts[1], &parts[2], own.get());
-        for (int i = 0; i < 3; ++i) id[i] = ContentOf(parts[i]);
+        OCSP_id_get0_info(&parts[0], nullptr, &parts[1], &parts[2], certId.get());
+        std::transform(parts, parts + 3, id, ContentOf);
     }
-    Certificate* Ours() const {
-        return Decoded<FreeCertificate>(DecodeCertificate, DerOf(certificate, i2d_X509)).release();
-    }
-    OCSP_CERTID* Id() const { return OCSP_cert_to_id(EVP_sha1(), certificate, certificate); }
     Bytes Sign(const Bytes& tbs) const {
         const walk::Owned<EVP_MD_CTX_free> context(EVP_MD_CTX_new());
         Bytes signature(256);
@@ -59,17 +41,8 @@ struct Authority {
 
 // A CertID from the parts that a getter of this library gives.
 Bytes IdTlv(auto get) {
-    Bytes p[5] = {Bytes(64), Bytes(64), Bytes(64), Bytes(64), Bytes(64)};
-    uint32_t n[5] = {64, 64, 64, 64, 64};
-    EXPECT_EQ(get(&p[0][0], &n[0], &p[1][0], &n[1], &p[2][0], &n[2], &p[3][0], &n[3], &p[4][0], &n[4]), 0u);
-    for (int i = 0; i < 5; ++i) p[i].resize(n[i]);
-    return Tlv(48, Tlv(48, Bytes{6} + p[0] + p[1]) + Tlv(4, p[2]) + Tlv(4, p[3]) + Tlv(2, p[4]));
-}
-void ExpectTime(Status status, const LibraryTime& time, const ASN1_GENERALIZEDTIME* peer) {
-    uint64_t digits = 0;
-    for (const uint32_t* field = &time.year; field <= &time.second; ++field) digits = digits * 100 + *field;
-    EXPECT_EQ(status, peer == nullptr ? StatusAbsent : StatusOk);
-    EXPECT_EQ(std::to_string(digits), peer == nullptr ? "0" : std::string(peer->data, peer->data + 14));
+    const auto [oid, parameters, name, key, serial] = Outputs(walk::Complete(get), kOut, kOut, kOut, kOut, kOut);
+    return Tlv(48, Tlv(48, Bytes{6} + oid + parameters) + Tlv(4, name) + Tlv(4, key) + Tlv(2, serial));
 }
 
 void ReadRequest(const Bytes& der) {
@@ -86,69 +59,66 @@ void ReadRequest(const Bytes& der) {
 }
 
 void ReadSingle(const OcspSingleResponse* ours, OCSP_SINGLERESP* peer) {
-    ASN1_GENERALIZEDTIME* times[3] = {};
-    LibraryTime time[3] = {};
+    ASN1_GENERALIZEDTIME *revoked = nullptr, *thisUpdate = nullptr, *nextUpdate = nullptr;
+    LibraryTime time = {};
     int peerReason = -1;
-    uint32_t certStatus = 9, reason = 9;
+    uint32_t answer = 9, reason = UINT32_MAX;
     EXPECT_EQ(IdTlv([&](auto... out) { return GetOcspSingleResponseCertID(ours, out...); }),
               DerOf(OCSP_SINGLERESP_get0_id(peer), i2d_OCSP_CERTID));
-    EXPECT_EQ(GetOcspSingleResponseCertStatus(ours, &certStatus), 0u);
-    ASSERT_EQ(int(certStatus), OCSP_single_get0_status(peer, &peerReason, &times[0], &times[1], &times[2]));
-    ExpectTime(GetOcspSingleResponseThisUpdate(ours, &time[1]), time[1], times[1]);
-    ExpectTime(GetOcspSingleResponseNextUpdate(ours, &time[2]), time[2], times[2]);
-    if (certStatus != V_OCSP_CERTSTATUS_REVOKED) return;
-    ExpectTime(GetOcspSingleResponseCertStatusRevokedInfo(ours, &time[0], &reason), time[0], times[0]);
+    EXPECT_EQ(GetOcspSingleResponseCertStatus(ours, &answer), 0u);
+    ASSERT_EQ(int(answer), OCSP_single_get0_status(peer, &peerReason, &revoked, &thisUpdate, &nextUpdate));
+    ExpectTime(GetOcspSingleResponseThisUpdate(ours, &time), time, thisUpdate);
+    ExpectTime(GetOcspSingleResponseNextUpdate(ours, &time), time, nextUpdate);
+    if (answer != V_OCSP_CERTSTATUS_REVOKED) return;
+    ExpectTime(GetOcspSingleResponseCertStatusRevokedInfo(ours, &time, &reason), time, revoked);
     EXPECT_EQ(int(reason), peerReason);
 }
 
 void ReadResponse(const Bytes& der) {
     const auto message = Decoded<FreeOcspResponse>(DecodeOcspResponse, der);
-    const auto bytes = walk::Sure(walk::Get(GetOcspResponseBytes, message.get(), walk::kOut, walk::kOut));
-    if (bytes[1].size() == 0) return;  // an error status alone
-    const auto ours = Make<FreeOcspBasicResponse>(DecodeOcspBasicResponse, bytes[1].data(), bytes[1].size());
-    const auto peerMessage = FromDer<OCSP_RESPONSE_free>(d2i_OCSP_RESPONSE, der);
-    const walk::Owned<OCSP_BASICRESP_free> owner(OCSP_response_get1_basic(peerMessage.get()));
+    const auto [type, bytes] = Outputs(GetOcspResponseBytes, message.get(), kOut, kOut);
+    if (bytes.empty()) return;  // an error status alone
+    const auto decoded = Decoded<FreeOcspBasicResponse>(DecodeOcspBasicResponse, bytes);
+    const auto response = FromDer<OCSP_RESPONSE_free>(d2i_OCSP_RESPONSE, der);
+    const walk::Owned<OCSP_BASICRESP_free> owner(OCSP_response_get1_basic(response.get()));
+    OcspBasicResponse* const ours = decoded.get();
     OCSP_BASICRESP* const peer = owner.get();
     OcspSingleResponse* single = nullptr;
     const ASN1_OCTET_STRING* hash = nullptr;
     const X509_NAME* name = nullptr;
     LibraryTime time = {};
-    uint32_t type = 9, count = 0;
-    EXPECT_EQ(GetOcspBasicResponseSingleResponsesCount(ours.get(), &count), 0u);
+    uint32_t kind = 9, count = 0;
+    EXPECT_EQ(GetOcspBasicResponseSingleResponsesCount(ours, &count), 0u);
     ASSERT_EQ(count, uint32_t(OCSP_resp_count(peer)));
     for (uint32_t i = 0; i < count; ++i) {
-        EXPECT_EQ(GetOcspBasicResponseSingleResponse(ours.get(), i, &single), 0u);
+        EXPECT_EQ(GetOcspBasicResponseSingleResponse(ours, i, &single), 0u);
         ReadSingle(single, OCSP_resp_get0(peer, int(i)));
     }
-    ExpectTime(GetOcspBasicResponseProducedAt(ours.get(), &time), time, OCSP_resp_get0_produced_at(peer));
+    ExpectTime(GetOcspBasicResponseProducedAt(ours, &time), time, OCSP_resp_get0_produced_at(peer));
     EXPECT_EQ(OCSP_resp_get0_id(peer, &hash, &name), 1);
-    EXPECT_EQ(Fetch(GetOcspBasicResponseResponderID, ours.get(), &type),
-              name != nullptr ? DerOf(name, i2d_X509_NAME) : ContentOf(hash));
-    EXPECT_EQ(Fetch(GetOcspBasicResponseSignature, ours.get()), ContentOf(OCSP_resp_get0_signature(peer)));
+    EXPECT_EQ(Fetch(GetOcspBasicResponseResponderID, ours, &kind), DerOf(name, i2d_X509_NAME) + ContentOf(hash));
+    EXPECT_EQ(Fetch(GetOcspBasicResponseSignature, ours), ContentOf(OCSP_resp_get0_signature(peer)));
 }
 
 // A response of this library, with another time in the signed part than was signed if spoilt.
 Bytes WriteResponse(const Authority& ca, bool spoilt) {
-    const Bytes name = DerOf(ca.name, i2d_X509_NAME), sha1 = OidOf("1.3.14.3.2.26"), *id = ca.id;
-    const Bytes ecdsa = OidOf("1.2.840.10045.4.3.2"), type = OidOf("1.3.6.1.5.5.7.48.1.1");
+    const Bytes ecdsa = OidOf("1.2.840.10045.4.3.2"), type = OidOf("1.3.6.1.5.5.7.48.1.1"), *id = ca.id;
     const auto basic = Make<FreeOcspBasicResponse>(CreateOcspBasicResponse);
     const auto message = Make<FreeOcspResponse>(CreateOcspResponse);
-    OcspSingleResponse* const s = Make<FreeOcspSingleResponse>(CreateOcspSingleResponse).release();
+    OcspSingleResponse* const single = Make<FreeOcspSingleResponse>(CreateOcspSingleResponse).release();
     OcspBasicResponse* const b = basic.get();
     LibraryTime now = {};
-    // clang-format off
-    Check({{AddOcspBasicResponseSingleResponse(b, s), 0}, {AddOcspBasicResponseCertificate(b, ca.Ours()), 0},
-           {SetOcspSingleResponseCertID(s, &sha1[0], nullptr, 0, &id[0][0], 20, &id[1][0], 20, &id[2][0], 2), 0},
-           {GetCurrentLibTime(&now), 0}, {SetOcspSingleResponseThisUpdate(s, &now), 0},
-           {SetOcspSingleResponseNextUpdate(s, &now), 0}, {SetOcspSingleResponseCertStatusRevoked(s, &now, 4), 0},
-           {SetOcspBasicResponseProducedAt(b, &now), 0},
-           {SetOcspBasicResponseResponderID(b, 0, &name[0], Size(name)), 0},
-           {SetOcspBasicResponseSignatureAlgorithmOidAndParameters(b, &ecdsa[0], nullptr, 0), 0}});
+    Expect(0, {AddOcspBasicResponseSingleResponse(b, single), GetCurrentLibTime(&now),
+               AddOcspBasicResponseCertificate(b, Decoded<FreeCertificate>(DecodeCertificate, ca.encoded).release()),
+               SetOcspSingleResponseCertID(single, &kSha1[0], nullptr, 0, &id[0][0], 20, &id[1][0], 20, &id[2][0], 2),
+               SetOcspSingleResponseThisUpdate(single, &now), SetOcspSingleResponseNextUpdate(single, &now),
+               SetOcspSingleResponseCertStatusRevoked(single, &now, 4), SetOcspBasicResponseProducedAt(b, &now),
+               SetOcspBasicResponseResponderID(b, 0, &ca.encodedName[0], Size(ca.encodedName)),
+               SetOcspBasicResponseSignatureAlgorithmOidAndParameters(b, &ecdsa[0], nullptr, 0)});
     const Bytes signature = ca.Sign(Fetch(GetOcspBasicResponseToBeSignedPart, b));
     if (spoilt) now.year = 2020;
-    Check({{SetOcspBasicResponseSignature(b, &signature[0], Size(signature)), 0},
-           {SetOcspBasicResponseProducedAt(b, &now), 0}, {SetOcspResponseStatus(message.get(), 0), 0}});
-    // clang-format on
+    Expect(0, {SetOcspBasicResponseSignature(b, &signature[0], Size(signature)),
+               SetOcspBasicResponseProducedAt(b, &now), SetOcspResponseStatus(message.get(), 0)});
     const Bytes bytes = Fetch(EncodeOcspBasicResponse, b);
     EXPECT_EQ(SetOcspResponseBytes(message.get(), &type[0], &bytes[0], Size(bytes)), 0u);
     return Fetch(EncodeOcspResponse, message.get());
@@ -156,10 +126,10 @@ Bytes WriteResponse(const Authority& ca, bool spoilt) {
 
 TEST(Interop, OcspRequestsOfEitherSideAreReadAlike) {
     const Authority ca;
-    const Bytes name = DerOf(ca.name, i2d_X509_NAME), nonce = Hex("0401AA"), sha1 = OidOf("1.3.14.3.2.26"), *id = ca.id;
+    const Bytes nonce = Hex("0401AA"), *id = ca.id;
     for (const auto& [file, bytes] : Corpus("ocsp-req")) ReadRequest(bytes);
     const walk::Owned<OCSP_REQUEST_free> theirs(OCSP_REQUEST_new());
-    for (int i = 0; i < 2; ++i) EXPECT_TRUE(OCSP_request_add0_id(theirs.get(), ca.Id()));
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(OCSP_request_add0_id(theirs.get(), OCSP_CERTID_dup(ca.certId.get())));
     EXPECT_EQ(OCSP_request_set1_name(theirs.get(), ca.name), 1);
     EXPECT_EQ(OCSP_request_sign(theirs.get(), ca.certificate, ca.key.get(), EVP_sha256(), nullptr, 0), 1);
     const Bytes der = DerOf(theirs.get(), i2d_OCSP_REQUEST);
@@ -167,17 +137,16 @@ TEST(Interop, OcspRequestsOfEitherSideAreReadAlike) {
     const auto ours = Decoded<FreeOcspRequest>(DecodeOcspRequest, der), made = Make<FreeOcspRequest>(CreateOcspRequest);
     Certificate* certificate = nullptr;
     X509Extensions extensions = nullptr;
-    uint32_t type = 9;
-    EXPECT_EQ(Fetch(GetOcspRequestRequestorNameValue, ours.get(), &type), name);
+    uint32_t kind = 9;
+    EXPECT_EQ(Fetch(GetOcspRequestRequestorNameValue, ours.get(), &kind), ca.encodedName);
     EXPECT_EQ(GetOcspRequestCertificate(ours.get(), 0, &certificate), 0u);
-    EXPECT_EQ(Fetch(EncodeCertificate, certificate), DerOf(ca.certificate, i2d_X509));
+    EXPECT_EQ(Fetch(EncodeCertificate, certificate), ca.encoded);
 
     OcspRequest* const r = made.get();
-    // clang-format off
-    Check({{AddOcspRequestCertRequest(r, &sha1[0], nullptr, 0, &id[0][0], 20, &id[1][0], 20, &id[2][0], 2, nullptr), 0},
-           {GetOcspRequestExtensions(r, &extensions), 0}, {SetOcspRequestRequestorName(r, 4, &name[0], Size(name)), 0},
-           {AddX509ExtensionsExtension(extensions, OidOf("1.3.6.1.5.5.7.48.1.2").data(), 0, &nonce[0], 3), 0}});
-    // clang-format on
+    Expect(0, {AddOcspRequestCertRequest(r, &kSha1[0], nullptr, 0, &id[0][0], 20, &id[1][0], 20, &id[2][0], 2, nullptr),
+               SetOcspRequestRequestorName(r, 4, &ca.encodedName[0], Size(ca.encodedName)),
+               GetOcspRequestExtensions(r, &extensions),
+               AddX509ExtensionsExtension(extensions, OidOf("1.3.6.1.5.5.7.48.1.2").data(), 0, &nonce[0], 3)});
     const Bytes written = Fetch(EncodeOcspRequest, r);
     ReadRequest(written);
     const auto peer = FromDer<OCSP_REQUEST_free>(d2i_OCSP_REQUEST, written);
@@ -190,9 +159,8 @@ TEST(Interop, OcspResponsesOfEitherSideAreReadAlikeAndOursVerify) {
     for (const auto& [file, bytes] : Corpus("ocsp-resp")) ReadResponse(bytes);
     const walk::Owned<OCSP_BASICRESP_free> theirs(OCSP_BASICRESP_new());
     const walk::Owned<ASN1_TIME_free> now(X509_gmtime_adj(nullptr, 0));
-    const walk::Owned<OCSP_CERTID_free> id(ca.Id());
     for (int status : {V_OCSP_CERTSTATUS_GOOD, V_OCSP_CERTSTATUS_REVOKED, V_OCSP_CERTSTATUS_UNKNOWN}) {
-        EXPECT_TRUE(OCSP_basic_add1_status(theirs.get(), id.get(), status, 4, now.get(), now.get(), nullptr));
+        EXPECT_TRUE(OCSP_basic_add1_status(theirs.get(), ca.certId.get(), status, 4, now.get(), now.get(), nullptr));
     }
     EXPECT_EQ(OCSP_basic_sign(theirs.get(), ca.certificate, ca.key.get(), EVP_sha256(), nullptr, OCSP_RESPID_KEY), 1);
     const walk::Owned<OCSP_RESPONSE_free> message(OCSP_response_create(0, theirs.get()));

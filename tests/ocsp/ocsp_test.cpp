@@ -38,11 +38,6 @@ Status AddEntry(OcspRequest* request, X509Extensions extensions, const Bytes& se
                                      Size(serial), extensions);
 }
 
-// Calls made one after the other, and conditions that must be false, all of which give one status.
-void Expect(Status status, std::initializer_list<Status> calls) {
-    for (const Status& call : calls) EXPECT_EQ(call, status) << "call " << &call - calls.begin();
-}
-
 // clang-format off
 // Calls a getter with buffers by letter: N null, F of the size, S one byte short. Gives the status, and for each output
 // 1 if its length was stored. Only a buffer that fits and whose length was stored may have been written.

@@ -6,9 +6,20 @@
 
 namespace timestamps {
 
-using support::Bytes;
-using support::Fetch;
-using support::Size;
+using namespace support;
+
+// Documents with all that they can hold. The fields of an info between its time and nonce are accuracy and ordering.
+inline const Bytes kNull = Hex("0500"), kHash = Hex("0A0B0C0D"), kNonce = Hex("0080"), kSerial = Hex("1234");
+inline const Bytes kSha = OidOf("2.16.840.1.101.3.4.2.1"), kPolicy = OidOf("1.2.3.4.1"), kTrue = Hex("0101FF");
+inline const Bytes kStart = Hex("020101"), kImprint = Tlv(48, Tlv(48, Bytes{6} + kSha + kNull) + Tlv(4, kHash));
+inline const Bytes kReason = ExtensionTlv("2.5.29.21", kNull);
+inline Bytes RequestOf(const Bytes& rest) { return Tlv(48, kStart + kImprint + rest); }
+inline Bytes InfoOf(const std::string& time, const Bytes& middle) {
+    const Bytes fields = kStart + Bytes{6} + kPolicy + kImprint + Tlv(2, kSerial) + Tlv(24, Text(time));
+    return Tlv(48, fields + middle + Tlv(2, kNonce) + Hex("A003820161") + Tlv(0xA1, kReason));
+}
+inline const Bytes kRequest = RequestOf(Bytes{6} + kPolicy + Tlv(2, kNonce) + kTrue + Tlv(0xA0, kReason));
+inline const Bytes kInfo = InfoOf("20190102030405.12Z", Hex("300A 020101 800201F4 810107") + kTrue);
 
 // Stands in an out-pointer before the call: nothing may be left of it afterwards but by a status of 32.
 template <class T>

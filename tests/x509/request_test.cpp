@@ -1,3 +1,4 @@
+// Certification requests and sets of attributes.
 #include "support.h"
 
 using namespace support;
@@ -7,20 +8,18 @@ namespace {
 const Bytes kNull = Hex("0500"), kNone, kRsa = OidOf("1.2.840.113549.1.1.1"), kAbc = Text("abc");
 const Bytes kFields = Hex("020105 300E310C300A06035504030C03616263 3013300B") + Bytes{6} + kRsa + Hex("030400616263");
 
-Bytes With(const Bytes& field) {
-    return Tlv(0x30, Tlv(0x30, kFields + field) + Tlv(0x30, Bytes{6} + kRsa + kNull) + Hex("0303000102"));
-}
-Bytes WithAttributes(const Bytes& attributes) { return With(Tlv(0xA0, attributes)); }
-Bytes AttributeTlv(const char* oid, const Bytes& values) { return Tlv(0x30, OidTlv(oid) + Tlv(0x31, values)); }
+const Bytes kTail = Tlv(0x30, Bytes{6} + kRsa + kNull) + Hex("0303000102");
+
+Bytes WithAttributes(const Bytes& attributes) { return Tlv(0x30, Tlv(0x30, kFields + Tlv(0xA0, attributes)) + kTail); }
 Bytes Pkcs9(const Bytes& values) { return AttributeTlv("1.2.840.113549.1.9.14", values); }
-Bytes ExtensionsTlv(uint32_t size) { return Tlv(0x30, Tlv(0x30, Hex("0603551D0F") + Tlv(4, Bytes(size)))); }
+Bytes ExtensionsTlv(uint32_t size) { return Tlv(0x30, ExtensionTlv("2.5.29.15", Bytes(size))); }
 auto ExtensionsOf(uint32_t size) { return Decoded<FreeX509Extensions>(DecodeX509Extensions, ExtensionsTlv(size)); }
 auto RequestOf(const Bytes& attributes) {
     return Decoded<FreePKCS10CertReq>(DecodePKCS10CertReq, WithAttributes(attributes));
 }
 
 struct RequestTest : testing::Test {
-    const Owned<PKCS10CertReq, FreePKCS10CertReq> made = Make<FreePKCS10CertReq>(CreatePKCS10CertReq);
+    const walk::Owned<FreePKCS10CertReq> made = Make<FreePKCS10CertReq>(CreatePKCS10CertReq);
     PKCS10CertReq *const fresh = made.get(), *none = nullptr;
     RsaAttributes attributes = nullptr;
     X509Name* name = nullptr;
@@ -29,7 +28,7 @@ struct RequestTest : testing::Test {
 };
 
 TEST_F(RequestTest, BuiltFromNothingHasItsBytes) {
-    Bytes bare = With(kNone), signature = Hex("0102"), commonName = OidOf("2.5.4.3");
+    Bytes bare = Tlv(0x30, Tlv(0x30, kFields) + kTail), signature = Hex("0102"), commonName = OidOf("2.5.4.3");
     // clang-format off
     Check({{GetPKCS10CertReqVersion(fresh, &version), 311}, {EncodePKCS10CertReq(fresh, nullptr, &n), 311},
            {GetPKCS10CertReqSignature(fresh, nullptr, &n), 311}, {CreatePKCS10CertReqCopy(fresh, &none), 32},
@@ -74,15 +73,15 @@ TEST_F(RequestTest, ExtensionsAreReadFromBothAttributesAndWrittenToOne) {
     for (const auto& [content, status, expected] : rows) {
         X509Extensions out = nullptr;
         EXPECT_EQ(GetPKCS10CertReqExtensions(RequestOf(content).get(), &out), status) << ToHex(content);
-        const Owned<X509ExtensionsCell, FreeX509Extensions> owner(out);
+        const walk::Owned<FreeX509Extensions> owner(out);
         EXPECT_EQ(out == nullptr ? kNone : Fetch(EncodeX509Extensions, out), expected);
     }
     const auto request = RequestOf(both);
-    const auto empty = ExtensionsOf(1);
+    const auto empty = ExtensionsOf(1), largest = ExtensionsOf(1007);
     const auto set = [&](const auto& source) { return SetPKCS10CertReqExtensions(request.get(), source.get()); };
     Check({{RemoveX509Extensions(empty.get()), 0}, {set(empty), 32}, {set(ExtensionsOf(1008)), 49}});
     EXPECT_EQ(Fetch(EncodePKCS10CertReq, request.get()), WithAttributes(both)) << "unchanged";
-    Check({{set(ExtensionsOf(1007)), 0}, {Size(longest), 1024}});
+    Check({{set(largest), 0}, {Size(longest), 1024}});
     EXPECT_EQ(Fetch(EncodePKCS10CertReq, request.get()), WithAttributes(microsoft + Pkcs9(longest)));
 }
 
@@ -98,6 +97,73 @@ TEST_F(RequestTest, GostSettersKeepTheirForms) {
     EXPECT_EQ(Fetch(parameters), kNull) << "the low byte of the form";
     EXPECT_EQ(SetPKCS10CertReqGostR34102012PublicKey(fresh, key.data(), 253), 0u);
     EXPECT_EQ(Fetch(GetPKCS10CertReqPublicKeyGostR3410, fresh), key);
+}
+
+// A letter stands for an attribute: it is the last arc of the OID and the content of the one value.
+Bytes LetterOid(char letter) { return {3, 0x55, 4, static_cast<uint8_t>(letter)}; }
+Bytes ValueOf(char letter) { return Tlv(22, {static_cast<uint8_t>(letter)}); }
+Bytes LetterTlv(char letter, const Bytes& values) {
+    return Tlv(0x30, Bytes{6} + LetterOid(letter) + Tlv(0x31, values));
+}
+Bytes SetTlv(std::string_view letters) {
+    Bytes content;
+    for (const char letter : letters) content = content + LetterTlv(letter, ValueOf(letter));
+    return Tlv(0x31, content);
+}
+
+TEST(AttributeSet, KeepsItsOrderAndIsWrittenSortedUnlessToldOtherwise) {
+    const Bytes in = SetTlv("caab"), a = LetterOid('a');
+    const auto owner = Decoded<FreeRsaAttributes>(DecodeRsaAttributes, in);
+    RsaAttributes set = owner.get();
+    uint32_t i = 99, n = 0;
+    const auto add = [&](char letter) {
+        return AddRsaAttributesAttributeWithValue(set, LetterOid(letter).data(), &i, ValueOf(letter).data(), 3);
+    };
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, set), SetTlv("aabc"));
+    const auto append = [&] { return AppendRsaAttributes(set, set); };
+    Check({{SetRsaAttributesSorted(set, 0), 0}, {append(), 0}, {append(), 0}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, set), SetTlv("caabcaabcaabcaab"));
+    const auto find = [&] { return FindRsaAttributesAttribute(set, a.data(), &i); };
+    Check({{find(), 0}, {i, 1}, {RemoveRsaAttributesAttribute2(set, a.data()), 0}, {find(), 322}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, set), SetTlv("cbcbcbcb"));
+    Check({{add('a'), 0}, {i, 8}, {GetRsaAttributesAttributesCount(set, &n), 0}, {n, 9}});
+    EXPECT_EQ(Fetch(GetRsaAttributesAttributeOid, set, 8), a);
+    Check({{ClearRsaAttributes(set), 0}, {add('b'), 0}, {add('a'), 0}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, set), SetTlv("ba"));
+    Check({{RemoveRsaAttributes(set), 0}, {add('b'), 0}, {add('a'), 0}});
+    EXPECT_EQ(Fetch(EncodeRsaAttributes, set), SetTlv("ab")) << "the flag goes with the list";
+    Check({{DecodeRsaAttributes(in.data(), Size(in) - 1, &set), 302}, {set == owner.get(), 1}});
+}
+
+TEST(AttributeSet, AnswersAnEmptyCellAndBadIndices) {
+    const auto owner = Make<FreeRsaAttributes>(CreateRsaAttributes);
+    const Bytes a = LetterOid('a');
+    uint32_t n = 0;
+    const auto all = [&](RsaAttributes set, uint32_t i) {
+        // clang-format off
+        return Numbers{
+            GetRsaAttributesAttributesCount(set, &n), GetRsaAttributesAttributeOid(set, i, nullptr, &n),
+            GetRsaAttributesAttributeValuesCount(set, i, &n), GetRsaAttributesAttributeValue(set, i, 0, nullptr, &n),
+            GetRsaAttributesAttributeValue(set, 0, i, nullptr, &n), AddRsaAttributesAttributeValue(set, i, a.data(), 0),
+            FindRsaAttributesAttribute(set, a.data(), &n), EncodeRsaAttributes(set, nullptr, &n),
+            SetRsaAttributesSorted(set, 0), AppendRsaAttributes(set, set),
+            RemoveRsaAttributesAttribute2(set, a.data()), ClearRsaAttributes(set)};
+        // clang-format on
+    };
+    EXPECT_EQ(AddRsaAttributesAttribute(owner.get(), a.data(), &n), 0u);
+    EXPECT_EQ(all(owner.get(), ~0u), (Numbers{0, 32, 32, 32, 32, 32, 0, 0, 0, 0, 0, 0}));
+    Check({{RemoveRsaAttributes(owner.get()), 0}, {AppendRsaAttributes(owner.get(), nullptr), 0}});
+    EXPECT_EQ(all(owner.get(), 0), (Numbers{0, 32, 311, 311, 311, 311, 311, 32, 0, 311, 311, 0}));
+    EXPECT_EQ(all(nullptr, 0), Numbers(12, 32));
+}
+
+TEST(Attribute, KeepsItsValuesInOrderAndWritesThemSorted) {
+    const Bytes a = LetterOid('a'), b = ValueOf('b'), c = ValueOf('c');
+    const auto one = Make<FreeRsaAttribute>([&](auto out) { return CreateRsaAttribute(out, a.data(), c.data(), 3); });
+    Check({{AddRsaAttributeValue(one.get(), b.data(), 3), 0}, {AddRsaAttributeValue(one.get(), b.data(), 0), 0}});
+    const auto value = [&](uint32_t i) { return Fetch(GetRsaAttributeValue, one.get(), i); };
+    EXPECT_EQ(value(0) + value(1) + value(2), c + b) << "the last one has no bytes";
+    EXPECT_EQ(Fetch(EncodeRsaAttribute, one.get()), LetterTlv('a', b + c));
 }
 
 }  // namespace

@@ -1,0 +1,172 @@
+// Walks over time-stamps, and over values of private extensions and of attributes.
+#pragma once
+
+#include "walk_documents.h"
+#include "walk_ocsp.h"
+
+namespace walk {
+
+using Extensions = Handed<FreeX509Extensions, WalkExtensions>;
+using Names = Plain<X509GeneralNames*>;
+
+// An implicit tag breaks a captured element with a low tag number in the high form: as in WalkValue.
+inline bool IsStable(const Bytes& in) { return !in.Has(0x9F) && !in.Has(0xBF); }
+
+inline void WalkTimeStamp(const Bytes& in) {
+    WalkParts<Number, Oid, Maybe, Octets, Maybe, Maybe, Flag, Extensions>(in, DecodeTimeStampReq, EncodeTimeStampReq);
+    WalkParts<Number, Handed<FreePKIFreeText>, Flag, Handed<FreeCmsContentInfo>>(in, DecodeTimeStampResp,
+                                                                                 EncodeTimeStampResp);
+    WalkParts<Number, Oid, Oid, Maybe, Octets, Octets, Plain<LibraryPreciseTime>, Plain<Accuracy>, Flag, Maybe,
+              Handed<FreeX509GeneralName>, Extensions>(in, DecodeTSTInfo, EncodeTSTInfo, IsStable(in));
+}
+
+// ---- Private extensions ----
+
+inline auto RebuildStore(const ExtensionStoreCertificates* list) {
+    return RebuildList<FreeExtensionStoreCertificates, Number, Octets>(
+        list, CreateExtensionStoreCertificates, GetExtensionStoreCertificatesCount, GetExtensionStoreCertificates,
+        AddExtensionStoreCertificates);
+}
+
+inline auto RebuildResults(const ExtensionOcspCheckFileExtResults* list) {
+    const auto add = [](auto* to, auto code, auto text, auto length, auto status, auto time, auto store, auto names) {
+        if (names != nullptr) names = Make<FreeX509GeneralNames>(CopyX509GeneralNames, names).release();
+        return AddExtensionOcspCheckFileExtResults(to, code, text, length, status, time, RebuildStore(store).release(),
+                                                   names);
+    };
+    return RebuildList<FreeExtensionOcspCheckFileExtResults, Number, Octets, Number, Time,
+                       Plain<ExtensionStoreCertificates*>, Names>(list, CreateExtensionOcspCheckFileExtResults,
+                                                                  GetExtensionOcspCheckFileExtResultsCount,
+                                                                  GetExtensionOcspCheckFileExtResults, add);
+}
+
+// What a list is rebuilt as comes back as it is.
+auto Twice(auto rebuild, auto encode) {
+    return [=](auto* list) {
+        carried.clear();
+        const auto rebuilt = rebuild(list);
+        const std::string first = std::exchange(carried, {});
+        const auto again = rebuild(rebuilt.get());
+        Require(Sure(Get(encode, rebuilt.get())) == Get(encode, again.get()) && carried == first);
+    };
+}
+
+inline void WalkPrivateExtension(const Bytes& in) {
+    // Requires the third buffer, also when sizes are asked for.
+    const auto decodeTools = [](const uint8_t* data, uint32_t length, Buffer a, uint32_t* aLength, Buffer b,
+                                uint32_t* bLength, Buffer c, uint32_t* cLength, auto... last) {
+        const Bytes room(length);
+        if (c.bytes == nullptr) c.bytes = room.data(), *cLength = length;
+        return DecodeExtensionIssuerSignTool(data, length, a, aLength, b, bLength, c, cLength, last...);
+    };
+    WalkParts<Octets>(in, DecodeExtensionSubjectSignTool, EncodeExtensionSubjectSignTool);
+    WalkParts<Octets>(in, DecodeExtensionRelatedOsbKod, EncodeExtensionRelatedOsbKod);
+    WalkParts<Oid>(in, DecodeExtensionParentAS, EncodeExtensionParentAS);
+    WalkParts<Time>(in, DecodeExtensionOcspCheckTime, EncodeExtensionOcspCheckTime);
+    WalkParts<Number>(in, DecodeExtensionOcspRequestCertificates, EncodeExtensionOcspRequestCertificates);
+    WalkParts<Number>(in, DecodeExtensionOcspRequestDocuments, EncodeExtensionOcspRequestDocuments);
+    WalkParts<Time, Time>(in, DecodeExtensionRequestBlockingDate, EncodeExtensionRequestBlockingDate);
+    WalkParts<Octets, Octets, Octets, Octets>(in, decodeTools, EncodeExtensionIssuerSignTool);
+    WalkParts<Number, Maybe>(in, DecodeExtensionKeyStorage, EncodeExtensionKeyStorage);
+    WalkParts<Number, Time>(in, DecodeExtensionOcspCheckTime2, EncodeExtensionOcspCheckTime2);
+    WalkParts<Octets, Octets, Flag, Number>(in, Complete(DecodeExtensionOcspCheckKeyMeshRegistry),
+                                            EncodeExtensionOcspCheckKeyMeshRegistry);
+    WalkParts<Octets, Maybe, Maybe, Flag, Flag, Maybe, Maybe, Flag, Number>(in, DecodeExtensionOcspCheckFile,
+                                                                            EncodeExtensionOcspCheckFile);
+    WalkObject<FreeX509Name>(in, DecodeExtensionOwnerInformation, EncodeExtensionOwnerInformation, Ignore);
+    WalkObject<FreeExtensionStoreCertificates>(in, DecodeExtensionStoreCertificates, EncodeExtensionStoreCertificates,
+                                               Twice(RebuildStore, EncodeExtensionStoreCertificates));
+    WalkObject<FreeExtensionOcspCheckFileExtResults>(
+        in, DecodeExtensionOcspCheckFileExtResults, EncodeExtensionOcspCheckFileExtResults,
+        Twice(RebuildResults, EncodeExtensionOcspCheckFileExtResults), IsStable(in));
+}
+
+// ---- Attribute values ----
+
+inline void WalkCrls(X509Crls* list) {
+    const auto copy = Make<FreeX509Crls>(CreateX509CrlsCopy, list);
+    Require(Get(EncodeX509Crls, copy.get()) == Get(EncodeX509Crls, list));
+    Each(GetX509CrlsCount, list, [&](uint32_t i) {
+        X509Crl* crl = nullptr;
+        Require(Ok(GetX509CrlsCrl(list, i, &crl)));
+        WalkCrl(crl);
+    });
+}
+
+inline void WalkStrings(OctetStrings* list) {
+    Each(GetOctetStringsCount, list, [&](uint32_t i) { Sure(Get(WithRoom(GetOctetStringsValue), list, i)); });
+}
+
+inline void WalkRefs(CrlOcspRefs* list) {
+    CrlListIDs* crls = nullptr;
+    OcspListIDs* ocsps = nullptr;
+    X509Name* issuer = nullptr;
+    void* responder = nullptr;
+    LibraryTime time{};
+    const auto readCrl = [&](uint32_t i) {
+        Require(Get(GetCrlValidatedIdInformation, crls, i, kOut, kOut, kOut, &issuer, &time, kOut) || issuer);
+    };
+    const auto readOcsp = [&](uint32_t i) {
+        (void)Get(GetOcspResponseIdInformation, ocsps, i, &responder, kOut, &time, kOut, kOut, kOut);
+    };
+    Each(GetCrlOcspRefCount, list, [&](uint32_t i) {
+        if (!Get(GetCrlOcspRefInformation, list, i, &crls, &ocsps, kOut, kOut)) return;
+        if (crls != nullptr) Each(GetCrlListIDsCount, crls, readCrl);
+        if (ocsps != nullptr) Each(GetOcspListIDsCount, ocsps, readOcsp);
+    });
+}
+
+// A signing certificate attribute. Its list is the same when it is made anew.
+template <auto Free, class... Parts>
+void WalkCertIDs(const Bytes& in, auto decode, auto encode, auto create, auto count, auto get, auto add) {
+    constexpr ExtensionCertificatePolicies* kNone = nullptr;
+    const auto write = [=](auto* list, auto... others) {
+        const auto rebuilt = RebuildList<Free, Parts..., Octets, Names, Maybe>(list, create, count, get, add);
+        RequireSame(Get(WithRoom(encode), list, kNone), Get(WithRoom(encode), rebuilt.get(), kNone));
+        return WithRoom(encode)(rebuilt.get(), others...);
+    };
+    WalkParts<Handed<Free>, Handed<FreeExtensionCertificatePolicies, WalkPolicies>>(in, decode, write, IsStable(in));
+}
+
+struct Unwritten : Octets {
+    static auto In(const Bytes*& next) {
+        const Bytes& bytes = *next++;
+        return std::tuple{bytes.data(), bytes.size()};
+    }
+};
+
+inline void WalkAttributeValue(const Bytes& in) {
+    using Strings = Handed<FreeOctetStrings, WalkStrings>;
+    // Doesn't tell of buffers that are too small.
+    const auto decodeIndex = [](const uint8_t* data, uint32_t length, Buffer a, uint32_t* aLength, Buffer b,
+                                uint32_t* bLength, auto... lists) {
+        const uint32_t room[] = {a.bytes ? *aLength : UINT32_MAX, b.bytes ? *bLength : UINT32_MAX};
+        const Status status = DecodeRsaAttributeAtsHashIndex(data, length, a, aLength, b, bLength, lists...);
+        return Ok(status) && (*aLength > room[0] || *bLength > room[1]) ? StatusBufferTooSmall : status;
+    };
+    WalkParts<Oid>(in, DecodeRsaAttributeContentTypeValue, EncodeRsaAttributeContentTypeValue);
+    WalkParts<Number>(in, DecodeRsaAttributeValidityPeriodValue, EncodeRsaAttributeValidityPeriodValue);
+    WalkParts<Octets>(in, DecodeRsaAttributeMessageDigestValue, EncodeRsaAttributeMessageDigestValue);
+    WalkParts<Octets>(in, DecodeRsaAttributeTokenSerialNumberValue, EncodeRsaAttributeTokenSerialNumberValue);
+    WalkParts<Time>(in, DecodeRsaAttributeSigningTimeValue, EncodeRsaAttributeSigningTimeValue);
+    WalkParts<Time, Time>(in, DecodeRsaAttributeValidityValue, EncodeRsaAttributeValidityValue);
+    WalkParts<Oid, Octets>(in, DecodeRsaAttributeExtSubjInfoValue, EncodeRsaAttributeExtSubjInfoValue);
+    WalkParts<Number, Maybe, Maybe, Unwritten, Time, Time, Maybe>(in, DecodeDocInfo, EncodeDocInfo);
+    WalkParts<Oid, Maybe, Strings, Strings, Strings>(in, decodeIndex, WithRoom(EncodeRsaAttributeAtsHashIndex));
+    WalkParts<Handed<FreeX509Crls, WalkCrls>, Handed<FreeOcspBasicResponses, WalkBasicResponses>, Oid, Maybe>(
+        in, DecodeRsaAttributeRevocationValues, WithRoom(EncodeRsaAttributeRevocationValues));
+    WalkCertIDs<FreeESSCertIDs>(in, DecodeRsaAttributeSigningCertificateValue,
+                                EncodeRsaAttributeSigningCertificateValue, CreateESSCertIDs, GetESSCertIDCount,
+                                GetESSCertIDInformation, AddESSCertIDToList);
+    WalkCertIDs<FreeESSCertIDsV2, Oid, Maybe>(in, DecodeRsaAttributeSigningCertificateV2Value,
+                                              EncodeRsaAttributeSigningCertificateV2Value, CreateESSCertIDsV2,
+                                              GetESSCertIDV2Count, GetESSCertIDV2Information, AddESSCertIDv2ToList);
+    WalkCertIDs<FreeOtherCertIDs, Oid, Maybe>(in, DecodeRsaAttributeOtherSigningCertificateValue,
+                                              EncodeRsaAttributeOtherSigningCertificateValue, CreateOtherCertIDs,
+                                              GetOtherCertIDCount, GetOtherCertIDInformation, AddOtherCertIDToList);
+    WalkObject<FreeOtherCertIDs>(in, DecodeOtherCertIDs, WithRoom(EncodeOtherCertIDs), Ignore, IsStable(in));
+    WalkObject<FreeCrlOcspRefs>(in, DecodeRsaAttributeCompleteRevocationRefs,
+                                WithRoom(EncodeRsaAttributeCompleteRevocationRefs), WalkRefs);
+}
+
+}  // namespace walk
