@@ -16,6 +16,11 @@ if(TLVFORGE_RACES)
     add_link_options(-fsanitize=thread)
 endif()
 
+if(TLVFORGE_COVERAGE)
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
 # No path of the machine that builds gets into a binary.
 add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=.)
 
@@ -42,7 +47,7 @@ function(tlvforge_link_library target versionScript)
     set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "" PARENT_SCOPE)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C LINK_DEPENDS ${versionScript})
     target_link_options(${target} PRIVATE -Wl,--version-script=${versionScript} -Wl,-Bsymbolic-functions -Wl,--as-needed)
-    if(NOT TLVFORGE_SANITIZE AND NOT TLVFORGE_RACES)
+    if(NOT TLVFORGE_SANITIZE AND NOT TLVFORGE_RACES AND NOT TLVFORGE_COVERAGE)
         target_link_options(${target} PRIVATE -static-libgcc -Wl,-z,defs)
     endif()
 endfunction()

@@ -719,23 +719,6 @@ uint32_t WriteHeader(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumbe
     return at;
 }
 
-Status EncodeToAsn1Any(const Asn1Item& item, const void* node, Asn1Any** out) {
-    if (AnyNull(node, out)) return Fail(StatusBadArgument);
-    uint32_t length = 0;
-    Status status = MeasureTree(node, item, &length);
-    if (status != StatusOk) return status;
-    Asn1Any* any = NewRecordWithBytes<Asn1Any>(length);
-    if (any == nullptr) return Fail(StatusOutOfMemory);
-    any->type = item.kind;
-    status = WriteTree(node, item, BytesBeside(any), length);
-    if (status != StatusOk) {
-        ReleaseRecord(any);
-        return status;
-    }
-    *out = any;
-    return StatusOk;
-}
-
 }  // namespace tlvforge
 
 // ---- Exports -------------------------------------------------------------------------------------------------------

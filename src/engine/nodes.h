@@ -129,8 +129,6 @@ Status SetAsn1Int32Field(Asn1Value** field, int32_t number);
 Asn1Any* AllocAsn1Any(uint32_t type, const uint8_t* data, uint32_t length);
 Asn1Any* AllocAsn1AnyFromContent(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumber, const uint8_t* content,
                                  uint32_t length);
-// Encodes a tree into a new ANY. *out is stored only on success.
-Status EncodeToAsn1Any(const Asn1Item& item, const void* node, Asn1Any** out);
 
 // Asn1BitString. A set that fails its checks leaves an empty record; `trim` drops trailing zero bits.
 Asn1BitString* AllocAsn1BitString(const uint8_t* data, uint32_t length, uint8_t unusedBits, bool trim = false);

@@ -58,17 +58,4 @@ void ReleaseTable(void* table, size_t size) {
 
 #endif
 
-void* ReallocOrFree(void* block, int32_t size) {
-    void* resized = nullptr;
-#ifdef TLVFORGE_INSTRUMENT
-    if (!MustFail())
-#endif
-        resized = size < 0 ? nullptr : realloc(block, size == 0 ? 1 : static_cast<size_t>(size));
-    if (resized == nullptr) Release(block);
-#ifdef TLVFORGE_INSTRUMENT
-    if (resized != nullptr && block == nullptr) ++instruments.liveBlocks;
-#endif
-    return resized;
-}
-
 }  // namespace tlvforge

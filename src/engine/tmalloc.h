@@ -42,10 +42,6 @@ inline void CountEncoderVisit() { ++instruments.encoderVisits; }
 void* AllocateTable(size_t size);
 void ReleaseTable(void* table, size_t size);
 
-// Resizes a block. On failure the old block is released: whoever held it holds nothing then. A size of 2^31 or more,
-// negative here, fails.
-void* ReallocOrFree(void* block, int32_t size);
-
 // Sole owner of a plain block.
 class Block {
 public:

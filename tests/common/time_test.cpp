@@ -70,6 +70,8 @@ TEST(LibraryTime, GetClearsOutputsForANullRecordAndStoresNothingForANullOutput) 
     LibraryTime t{};
     EXPECT_EQ(GetLibraryTime(&kNoon, &t.day, &t.month, &t.year, &t.hour, &t.minute, &t.second), StatusOk);
     EXPECT_EQ(Written(t), "U240229123045Z");
+    LibraryTime copy{};
+    Check({{CopyLibraryTime(&copy, &t), 0}, {CompareTime(&copy, &t), 0}});
 }
 
 TEST(LibraryTime, AddDaysRemembersFebruaryForBothRecords) {

@@ -68,7 +68,7 @@ else()
 endif()
 
 if(SANITIZE)
-    message("SKIPPED: needed libraries and build paths, the sanitizers add theirs")
+    message("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
 else()
     run(dynamic ${READELF} --dynamic --wide ${LIBRARY})
     string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" needed "${dynamic}")

@@ -12,12 +12,16 @@ using namespace support;
 
 namespace {
 
+constexpr const Asn1Item* kNoItem[] = {nullptr};
 constexpr Asn1Item OneInteger = Sequence<Integer>;
 constexpr Asn1Item Integers = SetOf<Integer>;
 constexpr Asn1Item Anys = SequenceOf<Any>;
 constexpr Asn1Item FixedSet = {0, 0x20, 0, 17, -1, 8, childTable<Integer>, 1, nullptr};
 constexpr Asn1Item TwoElements = {0, 0x20, 0, 144, -1, 0, childTable<Integer, Integer>, 2, nullptr};
 constexpr Asn1Item NoElement = {0, 0x20, 0, 144, -1, 0, nullptr, 1, nullptr};
+constexpr Asn1Item NoFields = {0, 0x20, 0, 16, -1, 8, nullptr, 1, nullptr},
+                   NullField = {0, 0x20, 0, 16, -1, 8, kNoItem, 1, nullptr};
+constexpr Asn1Item NoAlternatives = {0, 0, 0, 128, -1, 0, nullptr, 1, nullptr};
 constexpr Asn1Item NumberlessExplicit = {0x80, 0, 1, 2, -1, 16, nullptr, 0, nullptr};
 constexpr Asn1Item UnknownKind = {0, 0, 0, 7, -1, 16, nullptr, 0, nullptr};
 constexpr Asn1Item FarTooSmall = {0, 0x20, 0, 16, -1, 0, childTable<Integer, Integer>, 2, nullptr};
@@ -51,6 +55,7 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"unknown fields behind the last", "3007 020105 0400 0500", "3003 020105"},
         {"unknown fields, indefinite", "3080 020105 0400 0000", "!335"}, {"unfinished", "3080 020105 00", "!335"},
         {"sequence past the end", "3084FFFFFFFD 020105", "!302"}}},
+    {NullField, {{"field without item", "3003 020105", "!32"}}},
     {Integer, {
         {"length in one octet", "028101 05", "020105"}, {"length in four octets", "028400000001 05", "020105"},
         {"length in five", "02850000000001 05", "!304"}, {"length past the end", "0284FFFFFFFF 05", "!302"},
@@ -150,7 +155,7 @@ TEST(Engine, ReadsHeaders) {
 TEST(Engine, RefusesWhatCannotBeEncoded) {
     uint8_t byte = 5;
     Asn1Value value = {2, 1, &byte}, lost = {2, 1, nullptr};
-    const Asn1Choice outside = {2, &value}, empty = {0, nullptr};
+    const Asn1Choice outside = {2, &value}, empty = {0, nullptr}, first = {0, &value};
     const Asn1List tableless = {1, nullptr, 0, nullptr, 1};
     Asn1Value *none[] = {nullptr}, *one[] = {&value};
     // clang-format off
@@ -158,8 +163,9 @@ TEST(Engine, RefusesWhatCannotBeEncoded) {
         {"bytes lost", Integer, &lost, 311},      {"required field gone", OneInteger, none, 311},
         {"empty choice", Time, &empty, 311},      {"selector out of range", Time, &outside, 306},
         {"list without table", Anys, &tableless, 311}, {"two element items", TwoElements, &tableless, 305},
-        {"fixed set", FixedSet, one, 300},        {"no number", NumberlessExplicit, &value, 305},
-        {"no node", Integer, nullptr, 32}};
+        {"no fields", NoFields, one, 32}, {"field without item", NullField, one, 32},
+        {"no alternatives", NoAlternatives, &first, 32}, {"fixed set", FixedSet, one, 300},
+        {"no number", NumberlessExplicit, &value, 305}, {"no node", Integer, nullptr, 32}};
     // clang-format on
     for (const auto& c : cases) {
         uint32_t length = 0;

@@ -9,6 +9,7 @@ using namespace support;
 
 namespace {
 
+constexpr Asn1Item UnknownKind = {0, 0, 0, 7, -1, 16, nullptr, 0, nullptr};
 constexpr Asn1Item ThreeIntegers = schema::Sequence<schema::Integer, schema::Integer, schema::Integer>;
 constexpr Asn1Item OptionalSequence = schema::Optional<ThreeIntegers>;
 constexpr Asn1Item Mixed =
@@ -37,6 +38,7 @@ TEST(Tree, CreatesWhatFillAsksFor) {
     void* untouched = &untouched;
     // clang-format off
     Check({{CreateAsn1Object(&schema::Integer, &untouched, 0), 0}, {untouched == &untouched, 1},
+           {CreateAsn1Object(&UnknownKind, &untouched, 1), 300},
            {CreateAsn1Object(&OptionalSequence, &untouched, 1), 0}, {untouched == nullptr, 1},
            {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), 32},
            {CreateOptionalAsn1Sequence(&OptionalSequence, &untouched, 1), 0}, {untouched != nullptr, 1},
@@ -110,6 +112,13 @@ TEST(Values, NumbersInBothOrders) {
         int32_t number = -2;
         Check({{GetAsn1Int32(value.get(), &number), bytes.size() > 4 ? 49 : 0}, {number, c.number}});
         if (bytes.size() > 4) continue;
+        uint8_t again[9];
+        uint32_t type = 0, length = sizeof(again);
+        Check({{SetAsn1Int32(value.get(), number), 0},
+               {CheckAsn1Integer(value.get()), 0},
+               {GetAsn1ValueAndType(value.get(), &type, again, &length), 0},
+               {type, 2}});
+        EXPECT_EQ(Bytes(again, again + length), Hex(c.stored));
         const Bytes element = Fetch(EncodeAsn1Enumerated, c.number);
         EXPECT_EQ(element, Tlv(2, Hex(c.stored))) << "the tag of INTEGER, by intention";
         Check({{DecodeAsn1Int32(element.data(), Size(element), &number), 0}, {number, c.number}});

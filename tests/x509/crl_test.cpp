@@ -45,7 +45,8 @@ TEST_F(CrlTest, BuiltFromNothingHasItsBytesAndReadsBack) {
                AddX509CrlRevokedCertificate(fresh, kOne.data(), 1, &kUtc, nullptr),
                AddX509CrlRevokedCertificate(fresh, kSerial.data(), 2, &kUtc, &n),
                GetX509CrlRevokedCertificateExtensions(fresh, n, &handle), AddReason(handle),
-               GetX509CrlExtensions(fresh, &handle), AddReason(handle), SetX509CrlSignature(fresh, kOne.data(), 1),
+               GetX509CrlExtensions(fresh, &handle), AddReason(handle), SetX509CrlSignature(fresh, kOne.data(), 0),
+               SetX509CrlSignature(fresh, kOne.data(), 1),
                SetX509CrlSignatureAlgorithmOidAndParameters(fresh, oid.data(), kNull.data(), 2)});
     EXPECT_EQ(ToHex(Fetch(EncodeX509Crl, fresh)), ToHex(kWhole));
     EXPECT_EQ(Tlv(0x30, Fetch(GetX509CrlToBeSignedPart, c) + kAlgorithm + Hex("03020001")), kWhole);
@@ -84,6 +85,22 @@ TEST_F(CrlTest, ListsAdoptLendAndEncode) {
     Expect(0, {add(entries.get(), kOne.data(), 1, &kUtc, nullptr), add(entries.get(), kSerial.data(), 2, &kUtc, &n),
                GetX509RevokedCertificatesRevokedCertificateExtensions(entries.get(), n, &handle), AddReason(handle)});
     EXPECT_EQ(Fetch(EncodeX509RevokedCertificates, entries.get()), kEntries);
+}
+
+TEST_F(CrlTest, LargeListsGrowAndAreCopied) {
+    uint8_t serial[3] = {1};
+    const auto add = [&](X509Crl* crl, int i) {
+        serial[1] = uint8_t(i / 256), serial[2] = uint8_t(i);
+        return AddX509CrlRevokedCertificate(crl, serial, sizeof(serial), &kUtc, &n);
+    };
+    for (int i = 0; i < 20000; ++i) ASSERT_EQ(add(c, i), StatusOk);
+    const Bytes whole = Fetch(EncodeX509Crl, c);
+    const auto again = Decoded<FreeX509Crl>(DecodeX509Crl, whole);
+    ASSERT_EQ(add(again.get(), 20000), StatusOk);
+    EXPECT_EQ(Find(again.get(), "Root", {serial, serial + 3}), 20002u);
+    const auto copy = Make<FreeX509Crl>(CreateX509CrlCopy, again.get());
+    EXPECT_EQ(Fetch(EncodeX509Crl, copy.get()), Fetch(EncodeX509Crl, again.get()));
+    EXPECT_EQ(Fetch(EncodeX509Crl, copy.get()).size(), whole.size() + 22);
 }
 
 TEST_F(CrlTest, SignatureAlgorithmsAreSetTogether) {
