@@ -13,16 +13,16 @@ inline Bytes Oid(const char* dotted) { return Require(Get(ConvertStringToOid, do
 
 // --- Names ---
 
-struct NameEntry {
+struct AttributeTypeAndValue {
     const char* oid;
     std::string text;  // UTF-8
 };
 
 // Each entry becomes a relative distinguished name of its own, of the narrowest string type that can hold it.
-inline OwnedName MakeName(const std::vector<NameEntry>& entries) {
+inline OwnedName MakeName(const std::vector<AttributeTypeAndValue>& entries) {
     OwnedName name;
     Require(CreateX509Name(name.Out()), "making a name");
-    for (const NameEntry& entry : entries) {
+    for (const AttributeTypeAndValue& entry : entries) {
         const auto* text = reinterpret_cast<const uint8_t*>(entry.text.data());
         const uint32_t length = static_cast<uint32_t>(entry.text.size());
         uint32_t type = 0;
