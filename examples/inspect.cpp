@@ -1,168 +1,253 @@
-// inspect [--kind KIND] [FILE]: prints a readable outline of a document, DER or PEM.
+// inspect [OPTION]... [FILE]...: prints an outline of documents, DER or PEM; --help tells the options.
 //
-// Without a kind every kind is tried, without a file a sample is shown. A PEM file may hold several documents.
-// The exit code is 0 when every document in the file was outlined. Where the library refuses a part of one, the outline
-// has a status. How each part of a document is read from the library and printed stands in outline/.
+// How each part of a document is read from the library and printed stands in outline/, where documents come from and
+// what is said about bytes that are none, in inspect/.
 
-#include <cstdio>
-#include <cstring>
+#include <getopt.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <memory>
+#include <new>
 #include <optional>
-#include <string>
-#include <string_view>
 
-#include "outline/certificate.h"
-#include "outline/cms.h"
-#include "outline/crl.h"
-#include "outline/ocsp.h"
-#include "outline/request.h"
-#include "outline/timestamp.h"
+#include "inspect/kinds.h"
+#include "inspect/source.h"
+#include "outline/json_outline.h"
+#include "outline/text_outline.h"
 #include "sample_certificate.h"
 
 using namespace examples;
 
 namespace {
 
-struct Kind {
-    const char* name;
-    // Prints nothing unless its decoder takes the bytes.
-    Printer print;
+enum ExitStatus { kFine = 0, kSomeFailed = 1, kWrongUsage = 2 };
+
+constexpr char kUsage[] = "usage: inspect [--kind KIND] [--pem N|LABEL] [--json] [--color[=WHEN]] [FILE]...\n";
+
+constexpr char kHelp[] = R"(
+Prints an outline of each document in the files: certificates, revocation lists, requests, CMS messages, OCSP and
+time-stamps, DER or PEM. Without a file, and for -, standard input is read.
+
+  --kind KIND     take every document for one of this kind, instead of trying all
+  --pem N|LABEL   of PEM show block N, counted from 1, or those with a label, such as CERTIFICATE, instead of all
+  --json          one document a line, as JSON, with nothing left out
+  --color[=WHEN]  colours, and values in a column: always, never, or auto (the default), which is on a terminal
+                  unless NO_COLOR is set
+  --sample        show a sample certificate
+  --help          show this
+
+A line of JSON is {"file", "block" and "label" (of PEM), "kind", "outline": [ENTRY...]}, or has "error" in place of the
+last two. An entry has a "name", "value" (text), "hex", "status" and "meaning" (where the library refuses a part),
+"count" (of a list), and "members", which are entries; each where there is one.
+In texts \u{202E} stands for a character that can't be shown, \xFF for a byte that is none, and \\ for a backslash.
+
+Exit status: 0 everything was shown, 1 some document or file could not be, 2 the command line is wrong.
+)";
+
+struct Options {
+    const Kind* kind = nullptr;
+    const char* pem = nullptr;  // a number or a label
+    bool json = false;
+    bool sample = false;
+    bool coloured = false;
 };
 
-// No document of one kind is taken by the decoder of another.
-constexpr Kind kKinds[] = {
-    {"certificate", PrintDecoded<Certificate, FreeCertificate, DecodeCertificate, PrintCertificate>},
-    {"crl", PrintDecoded<X509Crl, FreeX509Crl, DecodeX509Crl, PrintCrl>},
-    {"request", PrintDecoded<PKCS10CertReq, FreePKCS10CertReq, DecodePKCS10CertReq, PrintRequest>},
-    {"message", PrintDecoded<CmsContentInfo, FreeCmsContentInfo, DecodeCmsContentInfo, PrintMessage>},
-    {"ocsp-request", PrintDecoded<OcspRequest, FreeOcspRequest, DecodeOcspRequest, PrintOcspRequest>},
-    {"ocsp-response", PrintDecoded<OcspResponse, FreeOcspResponse, DecodeOcspResponse, PrintOcspResponse>},
-    {"timestamp-request", PrintTimeStampRequest},
-    {"timestamp-response", PrintTimeStampResponse},
-    {"timestamp-info", PrintTstInfo},
-};
+// What isn't from a document may hold any bytes as well.
+std::string Shown(std::string_view text) { return Escape(ReadUtf8({text.begin(), text.end()})); }
 
-const Kind* FindKind(std::string_view name) {
-    for (const Kind& kind : kKinds) {
-        if (name == kind.name) return &kind;
+class Inspector {
+public:
+    Inspector(const Options& options, Outline& outline) : options_(options), outline_(outline) {}
+
+    bool IsComplete() const { return complete_; }
+
+    void InspectPath(const char* path, bool alone) {
+        const bool isInput = strcmp(path, "-") == 0;
+        if (isInput && isatty(STDIN_FILENO) != 0) fprintf(stderr, "inspect: reading standard input\n");
+        Inspect(Origin(isInput ? "standard input" : Shown(path), alone),
+                [&](Bytes& bytes) { return isInput ? ReadToEnd(stdin, bytes) : ReadPath(path, bytes); });
     }
-    return nullptr;
+
+    void InspectSample() {
+        Inspect(Origin("sample"), [](Bytes& bytes) {
+            const std::string_view sample = kSampleCertificate;
+            bytes.assign(sample.begin(), sample.end());
+            return std::string();
+        });
+    }
+
+private:
+    template <class Read>
+    void Inspect(const Origin& origin, Read&& read) {
+        try {
+            Bytes bytes;
+            const std::string wrong = read(bytes);
+            if (!wrong.empty()) return Refuse(origin, wrong);
+            if (!IsDer(bytes)) return InspectPem(origin, bytes);
+            if (options_.pem != nullptr) return Refuse(origin, "DER, and without blocks");
+            InspectDocument(origin, bytes, {});
+        } catch (const std::bad_alloc&) {
+            Refuse(origin, "not enough memory");
+        }
+    }
+
+    bool IsSelected(const PemBlock& block, size_t number) const {
+        return options_.pem == nullptr || block.label == options_.pem || std::to_string(number) == options_.pem;
+    }
+
+    void InspectPem(const Origin& file, const Bytes& bytes) {
+        const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        const std::vector<PemBlock> blocks = SplitPem(text);
+        if (blocks.empty()) return InspectBase64(file, text);
+        bool found = false;
+        for (size_t i = 0; i < blocks.size(); ++i) {
+            const PemBlock& block = blocks[i];
+            if (!IsSelected(block, i + 1)) continue;
+            found = true;
+            Origin origin = file;
+            origin.block = i + 1;
+            origin.label = Shown(block.label);
+            if (blocks.size() > 1) origin.name += ", block " + std::to_string(i + 1);
+            origin.alone = file.alone && blocks.size() == 1;
+            InspectBlock(origin, block);
+        }
+        if (found) return;
+        Refuse(file, "no block " + Shown(options_.pem) + " of PEM, which has " + std::to_string(blocks.size()));
+    }
+
+    // Without armour.
+    void InspectBase64(const Origin& origin, std::string_view text) {
+        if (options_.pem != nullptr) return Refuse(origin, "no PEM, and without blocks");
+        const Fetched der = Get(DecodePem, text.data(), static_cast<uint32_t>(text.size()));
+        if (der.status == StatusOk) return InspectDocument(origin, der.bytes, {"in Base64"});
+        const Bytes start(text.begin(), text.begin() + static_cast<ptrdiff_t>(std::min<size_t>(text.size(), 8)));
+        const std::string beginning = text.empty() ? "empty" : "it begins with " + ToHex(start);
+        Refuse(origin, "neither DER nor PEM", {DescribeStatus(der.status), beginning});
+    }
+
+    void InspectBlock(const Origin& origin, const PemBlock& block) {
+        const std::string place = "in the block " + origin.label + " of line " + std::to_string(block.line);
+        const Fetched der = Get(DecodePem, block.text.data(), static_cast<uint32_t>(block.text.size()));
+        if (der.status == StatusOk) return InspectDocument(origin, der.bytes, {place});
+        Refuse(origin, "no PEM that can be read", {DescribeStatus(der.status), place});
+    }
+
+    // With no kind given, the first one whose decoder takes the bytes.
+    void InspectDocument(const Origin& origin, const Bytes& bytes, const std::vector<std::string>& place) {
+        Refusals refusals(bytes);
+        for (const Kind& kind : kKinds) {
+            if (options_.kind != nullptr && options_.kind != &kind) continue;
+            outline_.Begin(origin, kind.name);
+            // Also when memory ends inside.
+            const std::unique_ptr<Outline, void (*)(Outline*)> end(&outline_, [](Outline* begun) { begun->End(); });
+            const Status status = kind.print(outline_, bytes);
+            if (status == StatusOk) return PrintTrailingBytes(outline_, bytes);
+            refusals.Add(kind, status);
+        }
+        std::vector<std::string> details = refusals.Describe();
+        details.insert(details.end(), place.begin(), place.end());
+        Refuse(origin, options_.kind != nullptr ? "not of this kind" : "not a known document", details);
+    }
+
+    void Refuse(const Origin& origin, std::string reason, const std::vector<std::string>& details = {}) {
+        complete_ = false;
+        fflush(stdout);
+        fprintf(stderr, "%s: %s\n", origin.name.c_str(), reason.c_str());
+        for (const std::string& detail : details) {
+            fprintf(stderr, "    %s\n", detail.c_str());
+            reason.append("; ").append(detail);
+        }
+        outline_.Refuse(origin, reason);
+    }
+
+    const Options& options_;
+    Outline& outline_;
+    bool complete_ = true;
+};
+
+// --- The command line ---
+
+bool IsForTerminal() {
+    const char* const noColour = getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) != 0 && (noColour == nullptr || *noColour == 0);
 }
 
-void PrintUsage() {
-    fprintf(stderr, "usage: inspect [--kind KIND] [FILE]\nkinds:");
+// Whether it was one of the three words.
+bool SetColour(Options& options, std::string_view when) {
+    options.coloured = when == "always" || (when == "auto" && IsForTerminal());
+    return when == "always" || when == "auto" || when == "never";
+}
+
+int Complain(const char* what, const char* value) {
+    fprintf(stderr, "inspect: %s %s\n%skinds:", what, Shown(value).c_str(), kUsage);
     for (const Kind& kind : kKinds) fprintf(stderr, " %s", kind.name);
     fprintf(stderr, "\n");
+    return kWrongUsage;
 }
 
-// --- Reading ---
-
-std::optional<Bytes> ReadFile(const char* path) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path, "rb"), fclose);
-    if (file == nullptr) return std::nullopt;
-    Bytes bytes;
-    static uint8_t block[1 << 16];
-    while (const size_t count = fread(block, 1, sizeof block, file.get())) {
-        bytes.insert(bytes.end(), block, block + count);
-        // Lengths are 32 bits wide at the interface.
-        if (bytes.size() > UINT32_MAX) return std::nullopt;
-    }
-    if (ferror(file.get()) != 0) return std::nullopt;
-    return bytes;
+int Help() {
+    printf("%s%s\nKinds:", kUsage, kHelp);
+    for (const Kind& kind : kKinds) printf(" %s", kind.name);
+    printf("\n");
+    return kFine;
 }
 
-// Every kind of document is a SEQUENCE, and no PEM text begins with its identifier octet.
-bool IsDer(const Bytes& bytes) {
-    static constexpr uint8_t kSequence = 0x30;
-    return !bytes.empty() && bytes[0] == kSequence;
-}
-
-// The blocks of a PEM file, each from its BEGIN line to the next one; text without such a line is one block.
-std::vector<std::string_view> SplitPem(std::string_view text) {
-    static constexpr std::string_view kBegin = "-----BEGIN";
-    std::vector<std::string_view> blocks;
-    size_t at = text.find(kBegin);
-    if (at == std::string_view::npos) return {text};
-    while (at != std::string_view::npos) {
-        const size_t next = text.find(kBegin, at + kBegin.size());
-        blocks.push_back(text.substr(at, next - at));
-        at = next;
-    }
-    return blocks;
-}
-
-// --- Printing ---
-
-// A document, and what messages call it.
-struct Source {
-    std::string name;
-    Bytes bytes;
-};
-
-// Decoders read the element at the front and ignore what follows it.
-void PrintTrailingBytes(Outline& outline, const Bytes& bytes) {
-    const std::optional<Element> element = ReadElement(bytes);
-    if (!element || element->whole.size() == bytes.size()) return;
-    outline.Line("Behind the document", std::to_string(bytes.size() - element->whole.size()) + " bytes");
-}
-
-// With no kind given, the first one whose decoder takes the bytes.
-bool Inspect(Outline& outline, const Kind* given, const Source& source) {
-    std::string failures;
-    for (const Kind& kind : kKinds) {
-        if (given != nullptr && given != &kind) continue;
-        const Status status = kind.print(outline, source.bytes);
-        if (status == StatusOk) {
-            PrintTrailingBytes(outline, source.bytes);
-            return true;
-        }
-        failures += source.name + " is no " + kind.name + ": " + DescribeFailure(status) + "\n";
-    }
-    fputs(failures.c_str(), stderr);
-    return false;
-}
-
-bool InspectPem(Outline& outline, const Kind* given, const std::string& name, std::string_view text) {
-    bool complete = true;
-    const std::vector<std::string_view> blocks = SplitPem(text);
-    for (size_t i = 0; i < blocks.size(); ++i) {
-        const std::string block = blocks.size() == 1 ? name : name + ", block " + std::to_string(i + 1) + ",";
-        Fetched der = Get(DecodePem, blocks[i].data(), static_cast<uint32_t>(blocks[i].size()));
-        if (der.status == StatusOk) {
-            complete = Inspect(outline, given, {block, std::move(der.bytes)}) && complete;
-        } else {
-            fprintf(stderr, "%s is neither DER nor PEM: %s\n", block.c_str(), DescribeFailure(der.status).c_str());
-            complete = false;
+// The exit status, unless there is something to be done.
+std::optional<int> ReadOptions(int count, char** arguments, Options& options) {
+    enum Name { kKind, kPem, kJson, kColor, kSample, kHelpName };
+    static constexpr option kOptions[] = {{"kind", required_argument, nullptr, kKind},
+                                          {"pem", required_argument, nullptr, kPem},
+                                          {"json", no_argument, nullptr, kJson},
+                                          {"color", optional_argument, nullptr, kColor},
+                                          {"sample", no_argument, nullptr, kSample},
+                                          {"help", no_argument, nullptr, kHelpName},
+                                          {}};
+    options.coloured = IsForTerminal();
+    opterr = 0;
+    for (int name = 0; (name = getopt_long(count, arguments, ":", kOptions, nullptr)) != -1;) {
+        switch (name) {
+            case kKind:
+                options.kind = FindKind(optarg);
+                if (options.kind == nullptr) return Complain("there is no kind", optarg);
+                break;
+            case kPem: options.pem = optarg; break;
+            case kJson: options.json = true; break;
+            case kColor:
+                if (!SetColour(options, optarg != nullptr ? optarg : "always")) {
+                    return Complain("colours are always, never or auto, not", optarg);
+                }
+                break;
+            case kSample: options.sample = true; break;
+            case kHelpName: return Help();
+            case ':': return Complain("a value is missing behind", arguments[optind - 1]);
+            default: return Complain("there is no option", arguments[optind - 1]);
         }
     }
-    return complete;
+    if (options.sample && optind < count) return Complain("the sample is shown alone, without", arguments[optind]);
+    return std::nullopt;
 }
 
-bool InspectFile(Outline& outline, const Kind* given, const char* path) {
-    std::optional<Bytes> bytes = ReadFile(path);
-    if (!bytes) {
-        fprintf(stderr, "%s can't be read\n", path);
-        return false;
-    }
-    if (IsDer(*bytes)) return Inspect(outline, given, {path, std::move(*bytes)});
-    return InspectPem(outline, given, path, {reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+void InspectAll(Inspector& inspector, int count, char** paths) {
+    static char input[] = "-";
+    if (count == 0) inspector.InspectPath(input, true);
+    for (int i = 0; i < count; ++i) inspector.InspectPath(paths[i], count == 1);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-    const Kind* kind = nullptr;
-    int next = 1;
-    if (next < count && strcmp(arguments[next], "--kind") == 0) {
-        kind = next + 1 < count ? FindKind(arguments[next + 1]) : nullptr;
-        if (kind == nullptr) return PrintUsage(), 1;
-        next += 2;
+    Options options;
+    if (const std::optional<int> result = ReadOptions(count, arguments, options)) return *result;
+    JsonOutline json;
+    TextOutline text(options.coloured);
+    Inspector inspector(options, options.json ? static_cast<Outline&>(json) : text);
+    if (options.sample) {
+        inspector.InspectSample();
+    } else {
+        InspectAll(inspector, count - optind, arguments + optind);
     }
-    if (count - next > 1) return PrintUsage(), 1;
-    Outline outline;
-    const bool complete = next < count ? InspectFile(outline, kind, arguments[next])
-                                       : InspectPem(outline, kind, "the sample", kSampleCertificate);
     const bool written = fflush(stdout) == 0 && ferror(stdout) == 0;
-    if (!written) fprintf(stderr, "the outline can't be written\n");
-    return complete && written ? 0 : 1;
+    if (!written) fprintf(stderr, "inspect: the outline can't be written\n");
+    return inspector.IsComplete() && written ? kFine : kSomeFailed;
 }

@@ -1,33 +1,49 @@
-# inspect, without being told the kind, gives an outline with the title to every file in the folder. Everything in it is
-# read, but for what REFUSED lists: "file=status", or "file=status+status" in ascending order.
+# inspect --json of all files in FOLDER: valid JSON with a line for every document. With a TITLE every file is a document
+# that has it, and everything in it is read, but for what REFUSED lists: "file=status", or "file=status+status" in
+# ascending order.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB files ${FOLDER}/*)
-set(wrong)
-foreach(file IN LISTS files)
-    execute_process(COMMAND ${INSPECT} ${file} RESULT_VARIABLE result OUTPUT_VARIABLE outline ERROR_VARIABLE error)
-    string(FIND "${outline}" "${TITLE}\n" place)
-    if(NOT result EQUAL 0 OR NOT place EQUAL 0)
-        message("${file}: ${result} ${error}")
-        list(APPEND wrong ${file})
+get_filename_component(folder ${FOLDER} NAME)
+set(output ${DIRECTORY}/${folder}.json)
+execute_process(COMMAND ${INSPECT} --json ${files} RESULT_VARIABLE result OUTPUT_FILE ${output} ERROR_VARIABLE errors)
+file(READ ${output} lines)
+string(REPLACE "\n" "," array "[${lines}null]")
+string(JSON count LENGTH "${array}")
+math(EXPR count "${count} - 1")
+list(LENGTH files expected)
+if(PYTHON)
+    # Stricter: characters that JSON doesn't allow in a text, and bytes that are no UTF-8.
+    execute_process(COMMAND ${PYTHON} -c "import json, sys\nfor line in sys.stdin.buffer: json.loads(line.decode())"
+        INPUT_FILE ${output} COMMAND_ERROR_IS_FATAL ANY)
+endif()
+if(NOT result MATCHES "^[01]$" OR expected EQUAL 0 OR count LESS expected)
+    message(FATAL_ERROR "${count} documents in ${expected} files, exit status ${result}\n${errors}")
+endif()
+message("${count} documents in ${expected} files")
+if(NOT TITLE)
+    return()
+endif()
+
+# Brackets and semicolons mean something in a list.
+string(REGEX REPLACE "[][;]" "" lines "${lines}")
+string(REPLACE "\n" ";" lines "${lines}")
+foreach(line IN LISTS lines)
+    string(REGEX MATCH "\"file\":\"[^\"]*/([^\"/]+)\"" name "${line}")
+    set(name ${CMAKE_MATCH_1})
+    string(FIND "${line}" "\"outline\":{\"name\":\"${TITLE}\"" place)
+    if(name AND place EQUAL -1)
+        message(FATAL_ERROR "${name} is no ${TITLE}: ${line}")
     endif()
-    # A refused part stands in the outline as its status, behind a label or alone in its line.
-    string(REGEX MATCHALL "[: ] status [0-9]+\n" statuses "${outline}")
+    string(REGEX MATCHALL "\"status\":[0-9]+" statuses "${line}")
     list(TRANSFORM statuses REPLACE "[^0-9]" "")
     list(REMOVE_DUPLICATES statuses)
     list(SORT statuses)
     list(JOIN statuses "+" statuses)
-    get_filename_component(name ${file} NAME)
     if(statuses)
         list(APPEND refused ${name}=${statuses})
     endif()
 endforeach()
-
-list(LENGTH files count)
-message("${count} files")
-if(wrong OR count EQUAL 0)
-    message(FATAL_ERROR "not every file gave an outline of a ${TITLE}")
-endif()
 list(SORT refused)
 list(SORT REFUSED)
 if(NOT "${refused}" STREQUAL "${REFUSED}")

@@ -256,7 +256,9 @@ final class Extensions {
         var fields = Elements.readAll(point.content()).iterator();
         Elements.Element field = fields.hasNext() ? fields.next() : null;
         for (int i = 0; i < POINT_TAGS.length && field != null; ++i) {
-            if (field.tagClass() != 0x80 || field.tag() != POINT_TAGS[i]) continue;
+            // The library stops in front of the reasons under their standard tag. Here they are read.
+            boolean standard = i == POINT_REASONS && field.tag() == 3;
+            if (field.tagClass() != 0x80 || field.tag() != POINT_TAGS[i] && !standard) continue;
             byte[] content = field.content();
             if (i == 0 && content.length > 0 && (content[0] & 0xFF) != 0xA0) return; // a name in another form
             if (i == POINT_REASONS) {

@@ -16,8 +16,8 @@ import kestrelon.x509.tlvforge.Tlvforge;
 /**
  * Inspect [--kind KIND] FILE...: prints a readable outline of certificates, revocation lists and requests, DER or PEM.
  *
- * <p>Without a kind every kind is tried. A PEM file may hold several documents. The exit code is 0 when everything in
- * the files was outlined.
+ * <p>Without a kind every kind is tried. A PEM file may hold several documents, and of several each has its file above
+ * it. The exit status is 0 when everything was outlined, 1 when some document couldn't be, and 2 for wrong arguments.
  */
 public final class Inspect {
     private final Outline out = new Outline();
@@ -44,41 +44,44 @@ public final class Inspect {
         }
         if (files.isEmpty() || program.kinds.isEmpty()) {
             System.err.println("usage: Inspect [--kind KIND] FILE...\nkinds: " + known);
-            System.exit(1);
+            System.exit(2);
         }
         boolean complete = true;
-        for (String file : files) complete = program.inspectFile(file) && complete;
+        for (String file : files) complete = program.inspectFile(file, files.size() == 1) && complete;
         System.exit(program.out.finish() && complete ? 0 : 1);
     }
 
     // --- Files ---
 
-    private boolean inspectFile(String file) {
+    private boolean inspectFile(String file, boolean alone) {
         byte[] bytes;
         try {
             bytes = Files.readAllBytes(Path.of(file));
         } catch (IOException failure) {
-            System.err.println(file + " can't be read");
+            System.err.println(file + ": can't be read");
             return false;
         }
         // Every kind of document is a SEQUENCE, and no PEM text begins with its identifier octet.
-        return bytes.length > 0 && bytes[0] == 0x30 ? inspect(file, bytes) : inspectPem(file, bytes);
+        if (bytes.length == 0 || bytes[0] != 0x30) return inspectPem(file, alone, bytes);
+        out.announce(alone ? null : file);
+        return inspect(file, bytes);
     }
 
     /** The blocks of a PEM file, each from its BEGIN line to the next one; text without such a line is one block. */
-    private boolean inspectPem(String file, byte[] bytes) {
+    private boolean inspectPem(String file, boolean alone, byte[] bytes) {
         String begin = "-----BEGIN", text = new String(bytes, StandardCharsets.ISO_8859_1);
         List<String> blocks = Arrays.stream(text.split("(?=" + begin + ")")).filter(b -> b.startsWith(begin)).toList();
         if (blocks.isEmpty()) blocks = List.of(text);
         boolean complete = true;
         for (int i = 0; i < blocks.size(); ++i) {
-            String name = blocks.size() == 1 ? file : file + ", block " + (i + 1) + ",";
+            String name = blocks.size() == 1 ? file : file + ", block " + (i + 1);
+            out.announce(alone && blocks.size() == 1 ? null : name);
             byte[] block = blocks.get(i).getBytes(StandardCharsets.ISO_8859_1);
             try {
                 byte[] der = Library.bytes((b, l) -> dll_DecodePem(block, block.length, b, l));
                 complete = inspect(name, der) && complete;
             } catch (Library.StatusException refused) {
-                System.err.println(name + " is neither DER nor PEM: " + refused.getMessage());
+                System.err.println(name + ": neither DER nor PEM: " + refused.getMessage());
                 complete = false;
             }
         }
@@ -92,7 +95,7 @@ public final class Inspect {
             try {
                 kind.getValue().accept(bytes);
             } catch (Library.StatusException refused) {
-                failures.append(name + " is no " + kind.getKey() + ": " + refused.getMessage() + "\n");
+                failures.append(name + ": no " + kind.getKey() + ": " + refused.getMessage() + "\n");
                 continue;
             }
             // Decoders read the element at the front and ignore what follows it.

@@ -18,6 +18,8 @@ final class Outline {
     private final PrintStream stream = new PrintStream(
             new BufferedOutputStream(new FileOutputStream(FileDescriptor.out)), false, StandardCharsets.UTF_8);
     private int depth = 0;
+    private boolean empty = true;
+    private String heading = null;
 
     /** Whether everything was written. */
     boolean finish() {
@@ -29,9 +31,17 @@ final class Outline {
         return depth >= 48;
     }
 
+    /** What stands in front of the next line, if there is one before the next call; null for nothing. */
+    void announce(String document) {
+        heading = document;
+    }
+
     // --- Lines ---
 
     void line(String text) {
+        if (heading != null) stream.print((empty ? "# " : "\n# ") + heading + "\n");
+        heading = null;
+        empty = false;
         byte[] utf8 = text.getBytes(StandardCharsets.UTF_8);
         int shown = Math.min(utf8.length, LONGEST_LINE);
         while (shown < utf8.length && (utf8[shown] & 0xC0) == 0x80) --shown; // no part of a character

@@ -1,5 +1,5 @@
 # Inspect prints the same outlines as inspect of the files that match FILES, as documents of KIND or, if it is empty, of
-# any. Both refuse the same ones.
+# any. Both refuse the same ones, with the same statuses.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB files ${FILES})
@@ -9,18 +9,10 @@ if(KIND)
 endif()
 execute_process(COMMAND ${JAVA_INSPECT} ${kind} ${files}
     RESULT_VARIABLE java_result OUTPUT_VARIABLE java_outline ERROR_VARIABLE java_errors)
-set(result 0)
-foreach(file IN LISTS files)
-    execute_process(COMMAND ${INSPECT} ${kind} ${file}
-        RESULT_VARIABLE one OUTPUT_VARIABLE outline_of_one ERROR_VARIABLE errors_of_one)
-    string(APPEND outline "${outline_of_one}")
-    string(APPEND errors "${errors_of_one}")
-    if(NOT one EQUAL 0)
-        set(result ${one})
-    endif()
-endforeach()
-# In Java it isn't known where a failure was detected.
-string(REGEX REPLACE ", detected in [^\n]*" "" errors "${errors}")
+execute_process(COMMAND ${INSPECT} ${kind} ${files}
+    RESULT_VARIABLE result OUTPUT_VARIABLE outline ERROR_VARIABLE errors)
+string(REGEX MATCHALL "status [0-9]+" errors "${errors}")
+string(REGEX MATCHALL "status [0-9]+" java_errors "${java_errors}")
 
 list(LENGTH files count)
 message("${count} files")

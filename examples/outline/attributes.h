@@ -68,7 +68,7 @@ inline void PrintAttribute(Outline& outline, RsaAttributes attributes, uint32_t 
     };
     // Most have exactly one.
     if (count == 1) return print(0);
-    PrintMembers(outline, "Values", count, print);
+    outline.Members("Values", count, print);
 }
 
 // The getters lend the handle of the field, and an empty field isn't mentioned.
@@ -80,7 +80,7 @@ void PrintAttributesField(Outline& outline, const std::string& label, Function f
     if (status == StatusOk) status = GetRsaAttributesAttributesCount(attributes, &count);
     if (status != StatusOk) return outline.Failed(label, status);
     if (count == 0) return;
-    PrintMembers(outline, label, count, [&](uint32_t index) { PrintAttribute(outline, attributes, index); });
+    outline.Members(label, count, [&](uint32_t index) { PrintAttribute(outline, attributes, index); });
 }
 
 }  // namespace examples

@@ -9,30 +9,43 @@
 
 namespace examples {
 
-struct Element {
+struct Header {
     uint8_t tagClass = 0;
     uint8_t constructed = 0;
     uint32_t tag = 0;
-    Bytes whole;
-    Bytes content;
+    bool indefinite = false;
+    uint32_t size = 0;
+    uint32_t contentSize = 0;  // what it says; in the indefinite form all that remains
 
     bool IsUniversal(uint32_t kind) const { return tagClass == Asn1ClassUniversal && tag == kind; }
 };
 
+// The identifier and length octets at an offset, of bytes that end at another one.
+inline std::optional<Header> ReadHeader(const Bytes& bytes, size_t at, size_t end) {
+    if (at >= end) return std::nullopt;
+    Header header;
+    uint32_t indefinite = 0;
+    const Status status =
+        GetAsn1ObjectInfo(&bytes[at], static_cast<uint32_t>(end - at), &header.tagClass, &header.constructed,
+                          &header.tag, &header.contentSize, &indefinite, &header.size);
+    if (status != StatusOk) return std::nullopt;
+    header.indefinite = indefinite != 0;
+    return header;
+}
+
+struct Element : Header {
+    Bytes whole;
+    Bytes content;
+};
+
 // The element at an offset; nothing for malformed bytes and for the indefinite form.
 inline std::optional<Element> ReadElement(const Bytes& bytes, size_t at = 0) {
-    if (at >= bytes.size()) return std::nullopt;
-    Element element;
-    uint32_t contentLength = 0, headerLength = 0, indefinite = 0;
-    const Status status =
-        GetAsn1ObjectInfo(&bytes[at], static_cast<uint32_t>(bytes.size() - at), &element.tagClass, &element.constructed,
-                          &element.tag, &contentLength, &indefinite, &headerLength);
-    if (status != StatusOk || indefinite != 0) return std::nullopt;
-    if (contentLength > bytes.size() - at - headerLength) return std::nullopt;
-    const auto content = bytes.begin() + static_cast<ptrdiff_t>(at + headerLength);
-    element.content.assign(content, content + contentLength);
-    element.whole.assign(bytes.begin() + static_cast<ptrdiff_t>(at), content + contentLength);
-    return element;
+    const std::optional<Header> header = ReadHeader(bytes, at, bytes.size());
+    if (!header || header->indefinite || header->contentSize > bytes.size() - at - header->size) return std::nullopt;
+    const auto whole = bytes.begin() + static_cast<ptrdiff_t>(at);
+    const auto content = whole + header->size;
+    const auto end = content + header->contentSize;
+    return Element{*header, {whole, end}, {content, end}};
 }
 
 // The content of an INTEGER or ENUMERATED as a number; nothing for one of more than four bytes.
@@ -41,6 +54,13 @@ inline std::optional<int32_t> ToNumber(const Bytes& content) {
     uint32_t number = (content[0] & 0x80) != 0 ? UINT32_MAX : 0;
     for (const uint8_t byte : content) number = number << 8 | byte;
     return static_cast<int32_t>(number);
+}
+
+// The content of a BIT STRING as a flag word, whose lowest byte stands behind the number of unused bits.
+inline uint32_t ReadFlags(const Bytes& content) {
+    uint32_t flags = 0;
+    for (size_t i = 1; i < content.size() && i <= 4; ++i) flags |= uint32_t{content[i]} << 8 * (i - 1);
+    return flags;
 }
 
 // Primitive elements that have a reading of their own.
@@ -67,7 +87,7 @@ inline std::optional<std::string> Read(const Element& element) {
 }
 
 // "SEQUENCE", "[0]", "[APPLICATION 3]".
-inline std::string DescribeTag(const Element& element) {
+inline std::string DescribeTag(const Header& element) {
     static constexpr struct {
         uint32_t tag;
         const char* name;
@@ -168,7 +188,7 @@ const Row* FindByOid(const Row (&rows)[Count], const Bytes& oid) {
 // Whether the codec took the value; if not, its status stands in the outline.
 inline bool TryPrint(Outline& outline, Printer print, const Bytes& value) {
     const Status status = print(outline, value);
-    if (status != StatusOk) outline.Line("status " + std::to_string(status));
+    if (status != StatusOk) outline.Failed(status);
     return status == StatusOk;
 }
 

@@ -106,6 +106,27 @@ inline constexpr const char* kRevocationReasons[] = {
     "unused",          "keyCompromise",      "cACompromise", "affiliationChanged", "superseded", "cessationOfOperation",
     "certificateHold", "privilegeWithdrawn", "aACompromise"};
 
+// In the standard the reasons have the tag [3], in front of which the library stops. They and what follows are read
+// here.
+inline void PrintStandardReasons(Outline& outline, const Bytes& value) {
+    static constexpr uint32_t kReasons = 3, kIndirect = 4, kOnlyAttribute = 5;
+    const std::optional<Element> point = ReadElement(value);
+    if (!point) return;
+    bool reached = false;
+    size_t at = 0;
+    while (const std::optional<Element> field = ReadElement(point->content, at)) {
+        at += field->whole.size();
+        if (field->tagClass != Asn1ClassContext) continue;
+        const bool isTrue = !field->content.empty() && field->content[0] != 0;
+        reached = reached || field->tag == kReasons;
+        if (field->tag == kReasons) {
+            outline.Line("only for the reasons", DescribeFlags(ReadFlags(field->content), kRevocationReasons));
+        }
+        if (reached && field->tag == kIndirect && isTrue) outline.Line("indirect CRL");
+        if (reached && field->tag == kOnlyAttribute && isTrue) outline.Line("only attribute certificates");
+    }
+}
+
 inline Status PrintIssuingDistributionPoint(Outline& outline, const Bytes& value) {
     X509GeneralNames* fullName = nullptr;
     X509Name* relativeName = nullptr;
@@ -123,6 +144,7 @@ inline Status PrintIssuingDistributionPoint(Outline& outline, const Bytes& value
     if (hasReasons != 0) outline.Line("only for the reasons", DescribeFlags(reasons, kRevocationReasons));
     if (indirect != 0) outline.Line("indirect CRL");
     if (onlyAttribute != 0) outline.Line("only attribute certificates");
+    PrintStandardReasons(outline, value);
     return StatusOk;
 }
 

@@ -85,7 +85,7 @@ void PrintMembersField(Outline& outline, const std::string& title, Function getC
     uint32_t count = 0;
     const Status status = getCount(document, &count);
     if (status != StatusOk) return outline.Failed(title, status);
-    PrintMembers(outline, title, count, print);
+    outline.Members(title, count, print);
 }
 
 // A list that lends its members.

@@ -1,5 +1,6 @@
-// An outline on standard output: labelled lines, indented under their sections. Whatever a document holds comes out as
-// one line of valid UTF-8 without control characters.
+// What is said about a document: a tree of entries, each with a label, a value or both. How they look is up to the
+// class that is derived from Outline. Labels and texts are valid UTF-8 without control characters, whatever the
+// document holds.
 #pragma once
 
 #include <algorithm>
@@ -12,20 +13,32 @@
 namespace examples {
 
 inline std::string ToHex(const Bytes& bytes, size_t from, size_t count) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
-    for (size_t i = from; i < std::min(bytes.size(), from + count); ++i) {
-        char digits[3];
-        snprintf(digits, sizeof digits, "%02X", bytes[i]);
-        text += digits;
+    for (size_t i = from; i < bytes.size() && i - from < count; ++i) {
+        text += kDigits[bytes[i] >> 4];
+        text += kDigits[bytes[i] & 15];
     }
     return text;
 }
 
 inline std::string ToHex(const Bytes& bytes) { return ToHex(bytes, 0, bytes.size()); }
 
+// A document of those that an outline is made of.
+struct Origin {
+    Origin() = default;
+    explicit Origin(const std::string& path, bool isAlone = true) : file(path), name(path), alone(isAlone) {}
+
+    std::string file;
+    std::string name;   // "chain.pem, block 2"
+    size_t block = 0;   // of PEM, counted from 1; 0 for DER and bare Base64
+    std::string label;  // of the block
+    bool alone = true;  // whether all files have no other document
+};
+
 class Outline {
 public:
-    // What is printed while a section lives stands one step further to the right.
+    // What is printed while a section lives stands under the entry in front of it.
     class [[nodiscard]] Section {
     public:
         explicit Section(Outline& outline) : outline_(outline) { ++outline_.depth_; }
@@ -36,76 +49,73 @@ public:
         Outline& outline_;
     };
 
+    virtual ~Outline() = default;
+
+    // Around the entries of a document. If there are none, nothing is written.
+    virtual void Begin(const Origin& origin, const char* kind) = 0;
+    virtual void End() = 0;
+
+    // In place of the entries.
+    virtual void Refuse(const Origin& origin, const std::string& reason) = 0;
+
     Section Open(std::string_view title) {
-        Line(title);
+        Title(title);
         return Section(*this);
     }
 
     // Documents nest inside of each other without an end, and what stands here is better not taken apart any more.
     bool IsDeep() const { return depth_ >= 48; }
 
-    void Line(std::string_view text) {
-        const std::string_view shown = text.substr(0, ShownSize(text));
-        printf("%*s", 2 * depth_, "");
-        fwrite(shown.data(), 1, shown.size(), stdout);
-        if (shown.size() < text.size()) printf("... and %zu bytes more", text.size() - shown.size());
-        putchar('\n');
-    }
+    // Without a label: a member of a list, or a remark.
+    void Line(std::string_view text) { Text({}, text); }
 
-    void Line(std::string_view label, std::string_view text) { Line(std::string(label).append(": ").append(text)); }
+    void Line(std::string_view label, std::string_view text) { Text(label, text); }
 
     // In place of a value that the library refused to give.
-    void Failed(std::string_view label, Status status) { Line(label, "status " + std::to_string(status)); }
+    virtual void Failed(std::string_view label, Status status) = 0;
 
-    // All bytes, unless they fill a page: behind the label if they fit there, otherwise below it.
-    void Hex(std::string_view label, const Bytes& bytes) {
-        static constexpr size_t kBytesShown = 32 * kBytesOfLine;
-        if (bytes.size() <= kBytesOfLine) return Line(label, bytes.empty() ? "empty" : ToHex(bytes));
-        const Section section = Open(std::string(label) + ": " + std::to_string(bytes.size()) + " bytes");
-        const size_t shown = std::min(bytes.size(), kBytesShown);
-        for (size_t at = 0; at < shown; at += kBytesOfLine) Line(ToHex(bytes, at, kBytesOfLine));
-        if (shown < bytes.size()) Line("and " + std::to_string(bytes.size() - shown) + " bytes more");
-    }
+    void Failed(Status status) { Failed({}, status); }
+
+    void Hex(std::string_view label, const Bytes& bytes) { Octets(label, bytes); }
 
     void Hex(std::string_view label, const Fetched& fetched) {
         if (fetched.status != StatusOk) return Failed(label, fetched.status);
-        Hex(label, fetched.bytes);
+        Octets(label, fetched.bytes);
     }
 
-    // The length and the first bytes, for values that nobody reads to their end.
-    void Start(std::string_view label, const Bytes& bytes) {
-        if (bytes.empty()) return Line(label, "empty");
-        Line(label, std::to_string(bytes.size()) + " bytes, " + ToHex(bytes, 0, kBytesOfLine) +
-                        (bytes.size() > kBytesOfLine ? "..." : ""));
-    }
+    // For values that nobody reads to their end.
+    void Start(std::string_view label, const Bytes& bytes) { LongOctets(label, bytes); }
 
     void Start(std::string_view label, const Fetched& fetched) {
         if (fetched.status != StatusOk) return Failed(label, fetched.status);
-        Start(label, fetched.bytes);
+        LongOctets(label, fetched.bytes);
     }
+
+    // The members of a list, each of which `print` shows by its index.
+    template <class Print>
+    void Members(const std::string& title, uint32_t count, Print&& print) {
+        ListTitle(title, count);
+        const Section section(*this);
+        const uint32_t shown = std::min(count, mostMembers_);
+        for (uint32_t i = 0; i < shown; ++i) print(i);
+        if (count > shown) Line("and " + std::to_string(count - shown) + " more");
+    }
+
+protected:
+    // A list may have millions of members.
+    explicit Outline(uint32_t mostMembers) : mostMembers_(mostMembers) {}
+
+    int Depth() const { return depth_; }
+
+    virtual void Title(std::string_view title) = 0;
+    virtual void ListTitle(std::string_view title, uint32_t count) = 0;
+    virtual void Text(std::string_view label, std::string_view text) = 0;
+    virtual void Octets(std::string_view label, const Bytes& bytes) = 0;
+    virtual void LongOctets(std::string_view label, const Bytes& bytes) = 0;
 
 private:
-    static constexpr size_t kBytesOfLine = 32;
-
-    // Of a text that is too long for a line, as much as ends with a whole character of UTF-8.
-    static size_t ShownSize(std::string_view text) {
-        size_t size = 2000;
-        if (text.size() <= size) return text.size();
-        while ((text[size] & 0xC0) == 0x80) --size;
-        return size;
-    }
-
+    const uint32_t mostMembers_;
     int depth_ = 0;
 };
-
-// The members of a list, under a title with their number. It may have millions, of which the first ones show what they
-// are like.
-template <class Print>
-void PrintMembers(Outline& outline, const std::string& title, uint32_t count, Print&& print) {
-    static constexpr uint32_t kShown = 20;
-    const Outline::Section section = outline.Open(title + ": " + std::to_string(count));
-    for (uint32_t i = 0; i < std::min(count, kShown); ++i) print(i);
-    if (count > kShown) outline.Line("and " + std::to_string(count - kShown) + " more");
-}
 
 }  // namespace examples
