@@ -127,7 +127,8 @@ private:
     }
 
     void InspectBlock(const Origin& origin, const PemBlock& block) {
-        const std::string place = "in the block " + origin.label + " of line " + std::to_string(block.line);
+        const std::string place = "in the block " + origin.label + (origin.label.empty() ? "of line " : " of line ") +
+                                  std::to_string(block.line);
         const Fetched der = Get(DecodePem, block.text.data(), static_cast<uint32_t>(block.text.size()));
         if (der.status == StatusOk) return InspectDocument(origin, der.bytes, {place});
         Refuse(origin, "no PEM that can be read", {DescribeStatus(der.status), place});
@@ -143,6 +144,7 @@ private:
             const std::unique_ptr<Outline, void (*)(Outline*)> end(&outline_, [](Outline* begun) { begun->End(); });
             const Status status = kind.print(outline_, bytes);
             if (status == StatusOk) return PrintTrailingBytes(outline_, bytes);
+            if (status == StatusOutOfMemory) throw std::bad_alloc();
             refusals.Add(kind, status);
         }
         std::vector<std::string> details = refusals.Describe();
@@ -152,12 +154,13 @@ private:
 
     void Refuse(const Origin& origin, std::string reason, const std::vector<std::string>& details = {}) {
         complete_ = false;
-        fflush(stdout);
-        fprintf(stderr, "%s: %s\n", origin.name.c_str(), reason.c_str());
+        std::string message = origin.name + ": " + reason + "\n";
         for (const std::string& detail : details) {
-            fprintf(stderr, "    %s\n", detail.c_str());
+            message.append("    ").append(detail).append("\n");
             reason.append("; ").append(detail);
         }
+        fflush(stdout);
+        fputs(message.c_str(), stderr);
         outline_.Refuse(origin, reason);
     }
 
@@ -195,7 +198,7 @@ int Help() {
 
 // The exit status, unless there is something to be done.
 std::optional<int> ReadOptions(int count, char** arguments, Options& options) {
-    enum Name { kKind, kPem, kJson, kColor, kSample, kHelpName };
+    enum Name { kKind = 256, kPem, kJson, kColor, kSample, kHelpName };
     static constexpr option kOptions[] = {{"kind", required_argument, nullptr, kKind},
                                           {"pem", required_argument, nullptr, kPem},
                                           {"json", no_argument, nullptr, kJson},
@@ -221,7 +224,12 @@ std::optional<int> ReadOptions(int count, char** arguments, Options& options) {
             case kSample: options.sample = true; break;
             case kHelpName: return Help();
             case ':': return Complain("a value is missing behind", arguments[optind - 1]);
-            default: return Complain("there is no option", arguments[optind - 1]);
+            default: {
+                // Of several letters behind a hyphen, the one.
+                const char letter[] = {'-', static_cast<char>(optopt), 0};
+                const bool isLetter = optopt > 0 && optopt < kKind;
+                return Complain("there is no option", isLetter ? letter : arguments[optind - 1]);
+            }
         }
     }
     if (options.sample && optind < count) return Complain("the sample is shown alone, without", arguments[optind]);

@@ -1,6 +1,6 @@
-# inspect --json of all files in FOLDER: valid JSON with a line for every document. With a TITLE every file is a document
-# that has it, and everything in it is read, but for what REFUSED lists: "file=status", or "file=status+status" in
-# ascending order.
+# inspect --json of all files in FOLDER: valid JSON, with a line for every document. With a TITLE, every file is a
+# document that has it, and everything in it is read, but for what REFUSED lists: "file=status", or
+# "file=status+status" in ascending order.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB files ${FOLDER}/*)

@@ -1,4 +1,4 @@
-// The certificate that inspect shows when it is given no file.
+// The certificate that inspect shows with --sample.
 //
 // OpenSSL made it, as the end of a chain of two:
 //

@@ -210,7 +210,9 @@ inline std::optional<size_t> FindEndOfContents(const Bytes& bytes, size_t at, si
 // parent, so that what is wrong comes out further inside.
 class FieldWalk {
 public:
-    FieldWalk(const Bytes& bytes, size_t at, size_t end) : bytes_(bytes), at_(at), end_(end) {}
+    // marked: whether the two octets of the indefinite form end the elements.
+    FieldWalk(const Bytes& bytes, size_t at, size_t end, bool marked)
+        : bytes_(bytes), at_(at), end_(end), marked_(marked) {}
 
     std::optional<Difference> Compare(std::span<const Field> fields) {
         for (const Field& field : fields) {
@@ -220,7 +222,7 @@ public:
                 if (field.occurs != Occurs::kMany) break;
             }
         }
-        if (at_ == end_) return std::nullopt;
+        if (IsAtEnd()) return std::nullopt;
         const std::optional<Header> rest = ReadHeader(bytes_, at_, end_);
         return Difference{at_, "", (rest ? DescribeTag(*rest) : kUnreadable) + " behind the last field"};
     }
@@ -228,41 +230,52 @@ public:
     // met: out, whether there is an element of this field.
     std::optional<Difference> CompareOne(const Field& field, bool& met) {
         const std::optional<Header> header = ReadHeader(bytes_, at_, end_);
-        const bool readable = header && (header->constructed != 0 || header->contentSize <= end_ - at_ - header->size);
+        const bool missing = IsAtEnd();
+        const bool fits = header && (header->constructed != 0 || header->contentSize <= end_ - at_ - header->size);
+        const bool readable = fits && !missing;
         met = readable && HasTag(field, *header);
-        if (!met) {
-            const bool missing = at_ == end_;
-            if (field.occurs != Occurs::kOnce && (missing || readable)) return std::nullopt;
-            const std::string found = missing ? "nothing" : readable ? DescribeTag(*header) : kUnreadable;
-            return Difference{at_, field.name, (found + " instead of ").append(field.tag)};
-        }
-        const size_t content = at_ + header->size;
-        size_t contentEnd = content + std::min<size_t>(header->contentSize, end_ - content);
-        at_ = contentEnd;
-        if (header->indefinite) {
-            const std::optional<size_t> behind = FindEndOfContents(bytes_, content, end_);
-            at_ = behind.value_or(end_);
-            contentEnd = behind ? *behind - 2 : end_;
-        }
-        if (field.inside.empty()) return std::nullopt;
-        std::optional<Difference> difference = FieldWalk(bytes_, content, contentEnd).Compare(field.inside);
-        if (!difference) return std::nullopt;
-        const char* const point = difference->path.empty() || *field.name == 0 ? "" : ".";
-        difference->path.insert(0, std::string(field.name) + point);
-        return difference;
+        if (met) return CompareContent(field, *header);
+        if (field.occurs != Occurs::kOnce && (missing || readable)) return std::nullopt;
+        const std::string found = missing ? "nothing" : readable ? DescribeTag(*header) : kUnreadable;
+        return Difference{at_, field.name, (found + " instead of ").append(field.tag)};
     }
 
 private:
     static inline const std::string kUnreadable = "what can't be read";
 
+    bool IsAtEnd() const {
+        return at_ == end_ || (marked_ && end_ - at_ >= 2 && bytes_[at_] == 0 && bytes_[at_ + 1] == 0);
+    }
+
+    // And goes on behind it.
+    std::optional<Difference> CompareContent(const Field& field, const Header& header) {
+        const size_t content = at_ + header.size;
+        const size_t contentEnd = content + std::min<size_t>(header.contentSize, end_ - content);
+        at_ = contentEnd;
+        if (field.inside.empty()) {
+            if (header.indefinite) at_ = FindEndOfContents(bytes_, content, end_).value_or(end_);
+            return std::nullopt;
+        }
+        FieldWalk inside(bytes_, content, contentEnd, header.indefinite);
+        std::optional<Difference> difference = inside.Compare(field.inside);
+        if (!difference) {
+            if (header.indefinite) at_ = std::min(inside.at_ + 2, end_);
+            return std::nullopt;
+        }
+        const char* const point = difference->path.empty() || *field.name == 0 ? "" : ".";
+        difference->path.insert(0, std::string(field.name) + point);
+        return difference;
+    }
+
     const Bytes& bytes_;
     size_t at_, end_;
+    bool marked_;
 };
 
 // Of a document, which is a SEQUENCE of fields. What follows it doesn't belong to it.
 inline std::optional<Difference> FindDifference(const Bytes& bytes, std::span<const Field> fields) {
     bool met = false;
-    return FieldWalk(bytes, 0, bytes.size()).CompareOne({"", "SEQUENCE", Occurs::kOnce, fields}, met);
+    return FieldWalk(bytes, 0, bytes.size(), false).CompareOne({"", "SEQUENCE", Occurs::kOnce, fields}, met);
 }
 
 }  // namespace examples

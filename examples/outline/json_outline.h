@@ -69,9 +69,11 @@ private:
 
     void Field(const char* name, std::string_view text) {
         printf("%s\"%s\":\"", separator_, name);
-        for (const char character : text) {
-            if (character == '"' || character == '\\') putchar('\\');
-            putchar(character);
+        while (!text.empty()) {
+            const size_t plain = std::min(text.find_first_of("\"\\"), text.size());
+            Write(text.substr(0, plain));
+            if (plain < text.size()) Write(text[plain] == '"' ? "\\\"" : "\\\\");
+            text.remove_prefix(std::min(plain + 1, text.size()));
         }
         Write("\"");
         separator_ = ",";
