@@ -11,10 +11,10 @@
 
 TLVFORGE_BEGIN
 
-/* A node of a document: an object identifier and optional parameters. */
+/* AlgorithmIdentifier (RFC 5280, 4.1.1.2), a node of a document: an object identifier and optional parameters. */
 typedef struct AlgorithmIdentifier AlgorithmIdentifier;
 
-/* A node of a document: an algorithm and a key. */
+/* SubjectPublicKeyInfo (RFC 5280, 4.1), a node of a document: an algorithm and a key. */
 typedef struct SubjectPublicKeyInfo SubjectPublicKeyInfo;
 
 /* Numbers of algorithms. */
@@ -64,6 +64,8 @@ enum {
     ParametersFormAbsent = 255 /* nothing */
 };
 
+/* --- Numbers and object identifiers --- */
+
 /* FindAlgIdByOid gives the number of an algorithm. oid: length-prefixed. Status 308 for an unknown one. */
 TLVFORGE_STATUS FindAlgIdByOid(const uint8_t* oid, uint32_t* id);
 
@@ -72,6 +74,8 @@ TLVFORGE_STATUS FindAlgIdByOid(const uint8_t* oid, uint32_t* id);
  * Status 309 for an unknown number.
  */
 TLVFORGE_STATUS GetPublicKeyAlgorithmOid(uint32_t id, uint8_t* oid, uint32_t* length);
+
+/* --- Parameters of GOST algorithms (RFC 4491, RFC 9215) --- */
 
 /*
  * DecodeAlgorithmGostR34102001Parameters reads GOST parameters, of keys of 2001 and 2012, as numbers of sets.
@@ -141,6 +145,8 @@ TLVFORGE_STATUS EncodeAlgorithmGostR34102012ParametersOid(uint8_t parametersForm
 TLVFORGE_STATUS SetAlgorithmGostR34102001AndParameters(AlgorithmIdentifier* record, uint32_t algorithmId,
                                                        uint8_t parametersForm, uint32_t publicKeyParamSet,
                                                        uint32_t digestParamSet, uint32_t encryptionParamSet);
+
+/* --- Public keys --- */
 
 /*
  * EncodeGostR34102001PublicKey wraps a key of any length in the OCTET STRING that a BIT STRING of a certificate holds;

@@ -64,8 +64,8 @@ struct Asn1Item {
     int32_t tagNumber;      /* context tag number, or -1 for the universal one, kind & 127 */
     uint32_t valueSize;     /* SEQUENCE: bytes of its block, one pointer per child; elsewhere only informative */
     const Asn1Item* const* children; /* SEQUENCE: fields; CHOICE: alternatives; list: the one element item */
-    uint32_t childCount;
-    const void* defaultValue; /* constant node that stands in for an absent optional item, or null */
+    uint32_t childCount;             /* number of children */
+    const void* defaultValue;        /* constant node that stands in for an absent optional item, or null */
 };
 
 /* Asn1Value is the node of every primitive type but BIT STRING. An OBJECT IDENTIFIER has type 6. */
@@ -79,15 +79,17 @@ typedef struct Asn1Value {
 typedef struct Asn1Any {
     uint32_t type;   /* tag number of the element */
     uint32_t length; /* size of the element */
-    uint8_t* data;
+    uint8_t* data;   /* the element */
 } Asn1Any;
 
+/* Asn1BitString is the node of a BIT STRING. */
 typedef struct Asn1BitString {
     uint8_t unusedBits; /* 0 to 7, unused low bits of the last byte, which are 0 */
     uint32_t length;    /* bytes in data, without the unused-bits octet */
-    uint8_t* data;
+    uint8_t* data;      /* content octets behind the unused-bits octet, or null */
 } Asn1BitString;
 
+/* Asn1Choice is the node of a CHOICE. */
 typedef struct Asn1Choice {
     uint32_t selected; /* index into the children of the CHOICE item; has meaning while value isn't null */
     void* value;       /* node of the selected alternative, or null */
@@ -95,12 +97,14 @@ typedef struct Asn1Choice {
 
 /* Asn1List is the node of SEQUENCE OF and SET OF. */
 typedef struct Asn1List {
-    uint32_t count;
-    void** items; /* elements; null until the first one */
-    uint32_t capacity;
+    uint32_t count;                                         /* number of elements */
+    void** items;                                           /* elements; null until the first one */
+    uint32_t capacity;                                      /* number of elements that items has room for */
     int (*comparator)(const void* left, const void* right); /* null */
     uint32_t sorted; /* not 0: a SET OF is put in DER order when it is encoded; 1 in a new list */
 } Asn1List;
+
+/* --- Trees --- */
 
 /*
  * CreateAsn1Object builds an empty tree for an item. Optional parts stay absent, or get a copy of their default.
@@ -168,6 +172,8 @@ TLVFORGE_STATUS Asn1Encode(const void* node, const Asn1Item* item, uint8_t** out
  */
 TLVFORGE_STATUS GetAsn1EncodedValue(const void* node, const Asn1Item* item, uint8_t* buffer, uint32_t* length);
 
+/* --- Values --- */
+
 /*
  * GetAsn1Value and GetAsn1AnyValue, one function, copy the bytes of a value or a captured element.
  * value: an Asn1Value or Asn1Any. A value of length 0 gives length 0 and status 0. Status 32, 49,
@@ -216,6 +222,8 @@ TLVFORGE_STATUS GetAsn1Integer(const Asn1Value* value, uint8_t* buffer, uint32_t
 /* GetAsn1Int32 reads an INTEGER of up to four bytes, sign-extended. Status 49 for a longer one. */
 TLVFORGE_STATUS GetAsn1Int32(const Asn1Value* value, int32_t* number);
 
+/* --- Encodings of simple values --- */
+
 /*
  * DecodeAsn1Int32 and EncodeAsn1Int32: a 32-bit number from and to an INTEGER element. The Enumerated names are the
  * same functions, on purpose: they read and write the tag of INTEGER. Decoding: 32 for length 0, 49 above four bytes.
@@ -240,6 +248,8 @@ TLVFORGE_STATUS DecodeAsn1IA5String(const uint8_t* data, uint32_t length, uint8_
 TLVFORGE_STATUS EncodeAsn1IA5String(const uint8_t* text, uint32_t textLength, uint8_t* buffer, uint32_t* length);
 TLVFORGE_STATUS DecodeAsn1NumericString(const uint8_t* data, uint32_t length, uint8_t* text, uint32_t* textLength);
 TLVFORGE_STATUS EncodeAsn1NumericString(const uint8_t* text, uint32_t textLength, uint8_t* buffer, uint32_t* length);
+
+/* --- Captured elements, BIT STRINGs and lists --- */
 
 /*
  * GetAsn1AnyInfo reads the header of a captured element. The content begins headerLength bytes into the record; in the

@@ -15,7 +15,7 @@
 
 TLVFORGE_BEGIN
 
-/* One attribute on its own. */
+/* One attribute on its own: Attribute (RFC 2986, 4.1; RFC 5652, 5.3). */
 typedef struct RsaAttribute RsaAttribute;
 
 /*

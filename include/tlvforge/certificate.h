@@ -16,8 +16,8 @@
 
 TLVFORGE_BEGIN
 
-typedef struct Certificate Certificate;
-typedef struct Certificates Certificates; /* SEQUENCE OF Certificate */
+typedef struct Certificate Certificate;   /* Certificate (RFC 5280, 4.1) */
+typedef struct Certificates Certificates; /* SEQUENCE OF Certificate, a list */
 
 /* --- The objects --- */
 

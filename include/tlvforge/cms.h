@@ -18,10 +18,10 @@
 
 TLVFORGE_BEGIN
 
-typedef struct CmsContentInfo CmsContentInfo;
-typedef struct CmsSignedData CmsSignedData;
-typedef struct CmsSignerInfo CmsSignerInfo;
-typedef struct SeveralData SeveralData; /* SEQUENCE OF CmsContentInfo */
+typedef struct CmsContentInfo CmsContentInfo; /* ContentInfo (RFC 5652, 3): a content and its type */
+typedef struct CmsSignedData CmsSignedData;   /* SignedData (RFC 5652, 5.1) */
+typedef struct CmsSignerInfo CmsSignerInfo;   /* SignerInfo (RFC 5652, 5.3): one signer of a SignedData */
+typedef struct SeveralData SeveralData;       /* SEQUENCE OF CmsContentInfo */
 
 /*
  * certificateKind: the choice that a certificate of a message is (RFC 5652, 10.2.2), with its identifier octet. 0 comes

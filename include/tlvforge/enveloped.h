@@ -16,9 +16,9 @@
 
 TLVFORGE_BEGIN
 
-typedef struct CmsEnvelopedData CmsEnvelopedData;
-typedef struct KeyTrans KeyTrans;                           /* KeyTransRecipientInfo */
-typedef struct GostR3410KeyTransport GostR3410KeyTransport; /* GostR3410-KeyTransport */
+typedef struct CmsEnvelopedData CmsEnvelopedData;           /* EnvelopedData (RFC 5652, 6.1) */
+typedef struct KeyTrans KeyTrans;                           /* KeyTransRecipientInfo (RFC 5652, 6.2.1) */
+typedef struct GostR3410KeyTransport GostR3410KeyTransport; /* GostR3410-KeyTransport (RFC 4490, 4.2) */
 
 /* Kinds of recipients. All but the first are kept as whole elements, tagged [1] to [4]. */
 enum {

@@ -17,7 +17,7 @@ TLVFORGE_BEGIN
 
 typedef struct Certificate Certificate;
 
-/* One extension on its own. */
+/* One extension on its own: Extension (RFC 5280, 4.1). */
 typedef struct X509Extension X509Extension;
 
 /*
@@ -28,10 +28,15 @@ typedef struct X509Extension X509Extension;
  */
 typedef struct X509ExtensionsCell* X509Extensions;
 
-/* Values of the list-shaped extensions, each owned by the caller and freed with its own Free function. */
+/* The values of extensions that are lists, each owned by the caller and freed with its own Free function. */
+
+/* CRLDistributionPoints (RFC 5280, 4.2.1.13). */
 typedef struct ExtensionCrlDistributionPoints ExtensionCrlDistributionPoints;
+/* ExtKeyUsageSyntax (RFC 5280, 4.2.1.12). */
 typedef struct ExtensionExtendedKeyUsage ExtensionExtendedKeyUsage;
+/* AuthorityInfoAccessSyntax (RFC 5280, 4.2.2.1). */
 typedef struct ExtensionAuthorityInformationAccess ExtensionAuthorityInformationAccess;
+/* CertificatePolicies (RFC 5280, 4.2.1.4). */
 typedef struct ExtensionCertificatePolicies ExtensionCertificatePolicies;
 
 /* ---- One extension ---- */

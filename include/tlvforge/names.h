@@ -13,11 +13,11 @@
 
 TLVFORGE_BEGIN
 
-typedef struct X509Name X509Name;
-typedef struct X509GeneralName X509GeneralName;
-typedef struct X509GeneralNames X509GeneralNames;
-typedef struct PKIFreeText PKIFreeText;
-typedef struct OctetStrings OctetStrings;
+typedef struct X509Name X509Name;                 /* Name (RFC 5280, 4.1.2.4) */
+typedef struct X509GeneralName X509GeneralName;   /* GeneralName (RFC 5280, 4.2.1.6) */
+typedef struct X509GeneralNames X509GeneralNames; /* GeneralNames (RFC 5280, 4.2.1.6), a list */
+typedef struct PKIFreeText PKIFreeText;           /* PKIFreeText (RFC 4210, 5.1.1), a list of UTF-8 texts */
+typedef struct OctetStrings OctetStrings;         /* SEQUENCE OF OCTET STRING */
 
 /*
  * Alternatives of a general name (RFC 5280, 4.2.1.6), which are their context tag numbers. What goes in and comes out
@@ -35,6 +35,8 @@ enum {
     X509GeneralNameIPAddress = 7,
     X509GeneralNameRegisteredID = 8
 };
+
+/* --- Distinguished names --- */
 
 /* CreateX509Name makes a name without RDNs. out: *owns* (FreeX509Name). */
 TLVFORGE_STATUS CreateX509Name(X509Name** out);
@@ -132,6 +134,8 @@ TLVFORGE_STATUS FindNameAttributeTypeIdByOid(const uint8_t* oid, uint32_t* id);
 /* GetNameAttributeTypeOid gives the length-prefixed OID of a name attribute type. Status 309 above 32 and for 0. */
 TLVFORGE_STATUS GetNameAttributeTypeOid(uint32_t id, uint8_t* oid, uint32_t* oidLength);
 
+/* --- General names --- */
+
 /*
  * CreateX509GeneralName makes a general name without a value, which can't be copied.
  * out: *owns* (FreeX509GeneralName).
@@ -201,6 +205,8 @@ TLVFORGE_STATUS GetX509GeneralName(const X509GeneralNames* names, uint32_t index
  */
 TLVFORGE_STATUS GetX509NameFromGeneralNames(const X509GeneralNames* names, X509Name** out);
 
+/* --- Texts --- */
+
 /* CreatePKIFreeText makes an empty list of texts (RFC 4210, 5.1.1). out: *owns* (FreePKIFreeText). */
 TLVFORGE_STATUS CreatePKIFreeText(PKIFreeText** out);
 
@@ -227,6 +233,8 @@ TLVFORGE_STATUS GetPKIFreeTextString(const PKIFreeText* texts, uint32_t index, u
 
 /* GetPKIFreeTextStringCount gives the number of texts. */
 TLVFORGE_STATUS GetPKIFreeTextStringCount(const PKIFreeText* texts, uint32_t* count);
+
+/* --- Byte strings --- */
 
 /* CreateOctetStrings makes an empty list of byte strings. out: *owns* (FreeOctetStrings). */
 TLVFORGE_STATUS CreateOctetStrings(OctetStrings** out);

@@ -18,12 +18,12 @@
 
 TLVFORGE_BEGIN
 
-typedef struct OcspRequest OcspRequest;
-typedef struct OcspResponse OcspResponse;
-typedef struct OcspBasicResponse OcspBasicResponse;
+typedef struct OcspRequest OcspRequest;               /* OCSPRequest (RFC 6960, 4.1.1) */
+typedef struct OcspResponse OcspResponse;             /* OCSPResponse (RFC 6960, 4.2.1) */
+typedef struct OcspBasicResponse OcspBasicResponse;   /* BasicOCSPResponse (RFC 6960, 4.2.1) */
 typedef struct OcspBasicResponses OcspBasicResponses; /* SEQUENCE OF OcspBasicResponse */
-typedef struct OcspSingleResponse OcspSingleResponse; /* the answer for one certificate */
-typedef struct OcspRevokedInfo OcspRevokedInfo;       /* when and why a certificate was revoked */
+typedef struct OcspSingleResponse OcspSingleResponse; /* SingleResponse: the answer for one certificate */
+typedef struct OcspRevokedInfo OcspRevokedInfo;       /* RevokedInfo: when and why a certificate was revoked */
 
 /* --- Requests --- */
 

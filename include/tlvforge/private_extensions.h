@@ -17,10 +17,10 @@
 TLVFORGE_BEGIN
 
 /* Lists, each owned by the caller and freed with its own Free function. */
-typedef struct ExtensionStoreCertificates ExtensionStoreCertificates;
-typedef struct ExtensionStorePrivateKeyContexts ExtensionStorePrivateKeyContexts;
-typedef struct ExtensionStoreOcspRequestDocuments ExtensionStoreOcspRequestDocuments;
-typedef struct ExtensionOcspCheckFileExtResults ExtensionOcspCheckFileExtResults;
+typedef struct ExtensionStoreCertificates ExtensionStoreCertificates;                 /* certificates with a type */
+typedef struct ExtensionStorePrivateKeyContexts ExtensionStorePrivateKeyContexts;     /* key contexts with a type */
+typedef struct ExtensionStoreOcspRequestDocuments ExtensionStoreOcspRequestDocuments; /* requests with a type */
+typedef struct ExtensionOcspCheckFileExtResults ExtensionOcspCheckFileExtResults;     /* results of a file check */
 
 /* ---- Simple values ---- */
 

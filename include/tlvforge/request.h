@@ -15,7 +15,7 @@
 
 TLVFORGE_BEGIN
 
-typedef struct PKCS10CertReq PKCS10CertReq;
+typedef struct PKCS10CertReq PKCS10CertReq; /* CertificationRequest (RFC 2986, 4.2) */
 
 /* --- The object --- */
 

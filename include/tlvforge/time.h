@@ -13,32 +13,34 @@ TLVFORGE_BEGIN
 
 /* LibraryTime has a resolution of one second; a leap second isn't representable. */
 typedef struct LibraryTime {
-    uint32_t year;  /* 1900 to 2100 */
-    uint32_t month; /* 1 to 12 */
-    uint32_t day;   /* 1 to 31 */
-    uint32_t hour;
-    uint32_t minute;
-    uint32_t second;
+    uint32_t year;   /* 1900 to 2100 */
+    uint32_t month;  /* 1 to 12 */
+    uint32_t day;    /* 1 to 31 */
+    uint32_t hour;   /* 0 to 23 */
+    uint32_t minute; /* 0 to 59 */
+    uint32_t second; /* 0 to 59 */
 } LibraryTime;
 
 /* LibraryPreciseTime adds the fraction that time-stamps have. */
 typedef struct LibraryPreciseTime {
-    uint32_t year;
-    uint32_t month;
-    uint32_t day;
-    uint32_t hour;
-    uint32_t minute;
-    uint32_t second;
+    uint32_t year;        /* 1900 to 2100 */
+    uint32_t month;       /* 1 to 12 */
+    uint32_t day;         /* 1 to 31 */
+    uint32_t hour;        /* 0 to 23 */
+    uint32_t minute;      /* 0 to 59 */
+    uint32_t second;      /* 0 to 59 */
     uint32_t millisecond; /* 0 to 999 */
     uint32_t microsecond; /* 0 to 999, below the millisecond, not a total */
 } LibraryPreciseTime;
 
 /* Accuracy is the tolerance of a time-stamp (RFC 3161, 2.4.2). Its fields have no limits here. */
 typedef struct Accuracy {
-    uint32_t seconds;
-    uint32_t milliseconds;
-    uint32_t microseconds;
+    uint32_t seconds;      /* whole seconds */
+    uint32_t milliseconds; /* on top of the seconds, 1 to 999 in the standard */
+    uint32_t microseconds; /* on top of the milliseconds, 1 to 999 in the standard */
 } Accuracy;
+
+/* --- Records --- */
 
 /* CreateLibraryTime and its like make a zeroed record, owned by the caller (the Free function of the same type). */
 TLVFORGE_STATUS CreateLibraryTime(LibraryTime** out);
@@ -101,6 +103,8 @@ TLVFORGE_STATUS GetLibraryLocalPreciseTime(const LibraryPreciseTime* time, uint3
                                            uint32_t* year, uint32_t* hour, uint32_t* minute, uint32_t* second,
                                            uint32_t* millisecond, uint32_t* microsecond);
 
+/* --- Clock, calendar and comparison --- */
+
 /* GetCurrentLibTime and GetCurrentLibPreciseTime read the clock, in whole seconds. Status 32 if that fails. */
 TLVFORGE_STATUS GetCurrentLibTime(LibraryTime* time);
 TLVFORGE_STATUS GetCurrentLibPreciseTime(LibraryPreciseTime* time);
@@ -129,6 +133,8 @@ TLVFORGE_API int32_t CompareTime(const LibraryTime* left, const LibraryTime* rig
 /* TestTimeValidity gives 0 when now lies between the two times, both included, otherwise 1. No Status. */
 TLVFORGE_API uint32_t TestTimeValidity(const LibraryTime* notBefore, const LibraryTime* now,
                                        const LibraryTime* notAfter);
+
+/* --- ASN.1 times --- */
 
 /*
  * DecodeTime reads an element of the type Time (RFC 5280, 4.1.2.5); EncodeTime writes one, as UTCTime below the year
