@@ -200,9 +200,9 @@ TLVFORGE_STATUS GetCertificateAuthorityKeyIdentifier(const Certificate* certific
                                                      uint32_t* serialLength);
 
 /*
- * GetCertificateAuthorityKeyIdentifier2 is the same with the first directory name of the issuer's general names,
- * which the caller owns (FreeX509Name), also when the status is 49. Null without general names; 322 when none of
- * them is a directory name.
+ * GetCertificateAuthorityKeyIdentifier2 is the same with the first directory name of the issuer's general names.
+ * issuer: out, required here; the caller owns the name (FreeX509Name), also when the status is 49. Null without
+ * general names; 322 when none of them is a directory name.
  */
 TLVFORGE_STATUS GetCertificateAuthorityKeyIdentifier2(const Certificate* certificate, uint8_t* keyId,
                                                       uint32_t* keyIdLength, X509Name** issuer, uint8_t* serial,
