@@ -2,7 +2,8 @@
 # What stands between the public headers and the tools that make references of them.
 #
 #   filter.pl FILE                   a header or a page of docs/ as Doxygen wants it, on standard output
-#   filter.pl --parameters           what is told of each parameter: function, parameter, direction, text, tabs between
+#   filter.pl --parameters           what is told of each parameter: function, parameter, direction, text, tabs between,
+#                                    and a line without parameter for the result
 #   filter.pl --names PAGE           nothing; fails when the page has a name in backquotes that no header declares
 #
 # The headers tell what is particular in prose, one comment for functions that are alike. Here the comment goes to each
@@ -237,17 +238,19 @@ sub relevant {
         my ($other, $own) = ($other{$verb}, $other{{Get => 'Set', Set => 'Get', Decode => 'Encode', Encode => 'Decode'}->{$verb}});
         $text =~ s/\b$other(?::| [a-z]).*?(?=\b$own(?::| [a-z])|$)//g;
     }
+    # What a later call gives.
+    $text =~ s/[^.;:]*\b(?:encode[ds]?|be read)\b[^.;:(]*\(\d+\)//g if $function->{name} !~ /^Encode|ToBeSigned/;
     return $text;
 }
 
 sub statuses_of {
     my ($function, $depth) = @_;
-    my %found;
+    my (%found, @never);
     for my $rule (grep { $function->{name} =~ $_->{where} || $function->{header} =~ $_->{where} } @statusRules) {
         my ($first, @rest) = @{$rule->{numbers}};
         return {map { $_ => 1 } $first, @rest} if $first eq 'only';
         for my $number ($first, @rest) {
-            if ($number =~ /^-(\d+)$/) { delete $found{$1} }
+            if ($number =~ /^-(\d+)$/) { push @never, $1 }
             else { $found{$number} = 1 }
         }
     }
@@ -263,6 +266,7 @@ sub statuses_of {
         && $functions{$1} && $1 ne $function->{name}) {
         %found = (%found, %{statuses_of($functions{$1}, $depth + 1)});
     }
+    delete @found{@never};
     return \%found;
 }
 
@@ -422,6 +426,8 @@ if ($first eq '--parameters') {
             my ($direction, $text) = describe($function, $parameter) or next;
             $output .= "$function->{name}\t$parameter->{name}\t$direction\t$text\n";
         }
+        my $result = $results{$function->{name}} || ($function->{result} eq 'Status' ? 'a status' : 'nothing');
+        $output .= "$function->{name}\t\tresult\t$result\n";
     }
     for my $rule (grep { !$_->{used} } @rules, @additions) {
         push @errors, "parameters.txt:$rule->{line}: this rule is never used";

@@ -3,6 +3,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -18,6 +19,9 @@ import java.util.regex.Pattern;
 public final class GenerateTlvforge {
     /** A function as its header declares it. */
     record Function(String header, String result, List<String> parameters, List<String> comment) {}
+
+    /** What is told of a parameter, or of the result, where the parameter has no name. */
+    record Told(String direction, String text) {}
 
     /** A row of the table. */
     record Native(String name, List<String> kinds) {
@@ -36,7 +40,8 @@ public final class GenerateTlvforge {
             Pattern.MULTILINE | Pattern.DOTALL);
     private static final Pattern NUMBER =
             Pattern.compile("^TLVFORGE_NUMBER\\((\\w+), (\\d+)\\)\\s*/\\* (.*) \\*/$", Pattern.MULTILINE);
-    private static final Pattern ENUM = Pattern.compile("^enum \\{(.*?)\\};", Pattern.DOTALL | Pattern.MULTILINE);
+    private static final Pattern ENUM = Pattern.compile(
+            "^/\\*((?:(?!\\*/).)*)\\*/\nenum \\{(.*?)\\};", Pattern.DOTALL | Pattern.MULTILINE);
     private static final Pattern ENUMERATOR = Pattern.compile("(\\w+) = (\\w+),?(?: */\\* (.*) \\*/)?");
 
     /** Lines of a comment that begin a new thought: a parameter, a status, a result. */
@@ -84,11 +89,17 @@ public final class GenerateTlvforge {
             """;
 
     public static void main(String[] arguments) throws IOException {
-        if (arguments.length < 4) throw new IllegalArgumentException("CLASS LIST TABLE HEADER...");
+        if (arguments.length < 4) throw new IllegalArgumentException("CLASS LIST TABLE HEADER... [PARAMETERS.tsv]");
+        Map<String, Told> told = new HashMap<>();
         Map<String, Function> functions = new LinkedHashMap<>();
         StringBuilder numbers = new StringBuilder();
         for (String header : Arrays.asList(arguments).subList(3, arguments.length)) {
             String text = Files.readString(Path.of(header));
+            if (header.endsWith(".tsv")) {
+                text.lines().map(line -> line.split("\t"))
+                        .forEach(line -> told.put(line[0] + " " + line[1], new Told(line[2], line[3])));
+                continue;
+            }
             readFunctions(Path.of(header).getFileName().toString(), text, functions);
             readNumbers(text, numbers);
         }
@@ -100,7 +111,7 @@ public final class GenerateTlvforge {
         for (Map.Entry<String, Function> entry : functions.entrySet()) {
             Native row = natives.get(entry.getKey());
             if (row == null) throw new IllegalStateException(entry.getKey() + " has no row in the table of natives");
-            source.append(declare(row, entry.getValue()));
+            source.append(declare(row, entry.getValue(), told));
         }
         if (natives.size() != functions.size()) {
             natives.keySet().removeAll(functions.keySet());
@@ -161,15 +172,17 @@ public final class GenerateTlvforge {
     }
 
     private static void readNumbers(String text, StringBuilder numbers) {
-        NUMBER.matcher(text).results().forEach(number -> declareNumber(number, numbers));
+        NUMBER.matcher(text).results().forEach(number -> declareNumber(number, "", numbers));
         ENUM.matcher(text).results()
-                .flatMap(block -> ENUMERATOR.matcher(block.group(1)).results())
-                .forEach(number -> declareNumber(number, numbers));
+                .forEach(block -> ENUMERATOR.matcher(block.group(2)).results()
+                        .forEach(number -> declareNumber(number, String.join(" ", linesOf(block.group(1))), numbers)));
     }
 
-    /** Name, number and comment, which may be missing. */
-    private static void declareNumber(MatchResult number, StringBuilder numbers) {
-        if (number.group(3) != null) numbers.append("    /** ").append(html(number.group(3))).append(". */\n");
+    /** Name, number and comment, behind the one of all numbers together. */
+    private static void declareNumber(MatchResult number, String common, StringBuilder numbers) {
+        String comment = common.isEmpty() ? number.group(3) + "."
+                : number.group(3) == null ? common : common.replaceFirst("\\.$", ": ") + number.group(3) + ".";
+        numbers.append("    /** ").append(html(comment)).append(" */\n");
         numbers.append("    public static final int ").append(number.group(1)).append(" = ").append(number.group(2))
                 .append(";\n\n");
     }
@@ -196,7 +209,7 @@ public final class GenerateTlvforge {
         return types;
     }
 
-    private static String declare(Native row, Function function) {
+    private static String declare(Native row, Function function, Map<String, Told> told) {
         boolean version = row.name().equals("GetVersionInfo");
         List<String> parameters = new ArrayList<>();
         List<String> notes = new ArrayList<>();
@@ -213,8 +226,27 @@ public final class GenerateTlvforge {
         StringBuilder text = new StringBuilder("    /**\n");
         for (String line : function.comment()) text.append(commentLine(line));
         for (String note : notes) text.append("     * <br>In Java: ").append(note).append('\n');
+        for (String parameter : parameters) {
+            String name = parameter.replaceFirst(".* ", "");
+            Told line = version ? null : told.get(row.name() + " " + name);
+            if (line != null) text.append("     * @param ").append(name).append(' ').append(inJava(parameter, line));
+        }
+        if (version) text.append("     * @param text a buffer, or null\n");
+        Told result = told.get(row.name() + " ");
+        if (result != null) {
+            String returned = function.result().equals("void") ? "always 0" : result.text();
+            text.append("     * @return ").append(code(html(returned))).append('\n');
+        }
         String head = "    public static native " + (function.result().endsWith("*") ? "long" : "int");
         return text + "     */\n" + wrap(head + " dll_" + row.name() + "(", parameters) + "\n\n";
+    }
+
+    /** A text of the C parameter in the forms of Java: what comes out stands in element 0, an array has its own room. */
+    private static String inJava(String parameter, Told told) {
+        String text = told.text().replaceFirst("^On entry the room in .*", "Receives the length.");
+        if (parameter.matches("(int|long)\\[].*")) text = text.replaceFirst("^Receives", "Element 0 receives");
+        if (parameter.startsWith("String")) text = text.replace(", zero-terminated", "");
+        return code(html(text)) + "\n";
     }
 
     private static String wrap(String head, List<String> parameters) {
@@ -235,6 +267,10 @@ public final class GenerateTlvforge {
 
     private static String commentLine(String line) {
         return "     * " + (NEW_LINE.matcher(line).matches() ? "<br>" : "") + html(line) + "\n";
+    }
+
+    private static String code(String html) {
+        return html.replaceAll("`(\\w+)`", "<code>$1</code>");
     }
 
     private static String html(String text) {
