@@ -49,7 +49,7 @@ sub read_dictionary {
         } elsif ($section eq 'results' && @columns == 2) {
             $results{$_} = $columns[1] for split ' ', $columns[0];
         } elsif ($section eq 'statuses' && @columns == 2) {
-            push @statusRules, {where => glob_of($columns[0]), numbers => [split ' ', $columns[1]]};
+            push @statusRules, {where => glob_of($columns[0]), numbers => [split ' ', $columns[1]], line => $number};
         } elsif ($section =~ /^(parameters|additions)$/ && @columns == ($section eq 'parameters' ? 5 : 4)) {
             my $text = pop @columns;
             my $direction = $section eq 'parameters' ? pop @columns : '';
@@ -130,7 +130,9 @@ sub parts_of {
     while (length $text) {
         if ($text =~ s/\A($kComment)//) { push @parts, ['comment', $1] }
         elsif ($text =~ s/\A$kDeclaration//) { push @parts, ['function', $2, $1, $3] }
-        elsif ($text =~ s{\A(TLVFORGE_NUMBER\((\w+), (\d+)\)\s*/\* (.*?) \*/\n)}{}) { push @parts, ['number', $2, $3, $4] }
+        elsif ($text =~ s{\ATLVFORGE_NUMBER\((\w+), (\d+)\)\s*/\* (.*?) \*/\n}{}) {
+            push @parts, ['number', $1, $2, $3];
+        }
         elsif ($text =~ s/\A(enum \{[^\n]*\};\n)//) { push @parts, ['block', $1] }
         elsif ($text =~ s/\A((?:typedef )?(?:enum|struct)(?: \w+)? \{\n.*?^\}[^;]*;[^\n]*\n)//ms) {
             push @parts, ['block', $1];
@@ -213,12 +215,15 @@ sub describe {
         return;
     }
     $rule->{used} = 1;
+    my $constant = $parameter->{type} =~ /^const [^*]*\*$|const\*$|[^*]$/ && $parameter->{kind} ne 'object-out';
+    my $wrong = $constant ? $rule->{direction} !~ /^in=?$/ : $parameter->{kind} =~ /out/ && $rule->{direction} !~ /out/;
+    push @errors, "parameters.txt:$rule->{line}: the direction of $parameter->{name} in $function->{name}" if $wrong;
     my @texts = (fill_in($rule->{text}, $function, $parameter));
     for my $addition (grep { matches($_, $function, $parameter) } @additions) {
         $addition->{used} = 1;
         push @texts, fill_in($addition->{text}, $function, $parameter);
     }
-    # A rule for functions by their names has said it all.
+    # A rule for functions by their names has said it all; one for any function or for a header hasn't.
     if ('AnyFunction' =~ $rule->{where} || $function->{header} =~ $rule->{where}) {
         for my $told ($rule->{direction} =~ /=$/ ? () : told_of($function, $parameter->{name})) {
             my $bare = $told =~ s/^out(?: only)?[,;:]? //r =~ s/\.$//r;
@@ -231,11 +236,11 @@ sub describe {
 # The part of a comment that is about a function: what stands behind "Getting:" isn't about one that sets.
 sub relevant {
     my ($function) = @_;
-    my $verb = $function->{name} =~ /^(Get|Set|Decode|Encode)/ ? $1 : '';
-    my %other = (Get => 'Setting', Set => 'Getting', Decode => 'Encoding', Encode => 'Decoding');
+    my %words = (Get => ['Getting', 'Setting'], Set => ['Setting', 'Getting'],
+                 Decode => ['Decoding', 'Encoding'], Encode => ['Encoding', 'Decoding']);
     my $text = $function->{comment} =~ s/\s+/ /gr;
-    if ($verb) {
-        my ($other, $own) = ($other{$verb}, $other{{Get => 'Set', Set => 'Get', Decode => 'Encode', Encode => 'Decode'}->{$verb}});
+    if ($function->{name} =~ /^(Get|Set|Decode|Encode)/) {
+        my ($own, $other) = @{$words{$1}};
         $text =~ s/\b$other(?::| [a-z]).*?(?=\b$own(?::| [a-z])|$)//g;
     }
     # What a later call gives.
@@ -262,8 +267,8 @@ sub statuses_of {
     while ($text =~ /(?<!not )(?<!never )(?<!says )(?<![\w.,\/])(3\d\d|49)(?![.,]?\d)(?!\w)/gi) {
         $found{$1} = 1 if $statuses{$1};
     }
-    if ($depth < 3 && $text =~ /(?:[Ss]tatus(?:es)?|Arguments|Outputs and statuses|lengths and statuses)[^.]*? (?:as|of) (\w+)/
-        && $functions{$1} && $1 ne $function->{name}) {
+    if ($depth < 3 && $text =~ /(?:[Ss]tatus(?:es)?|Arguments)[^.]*? (?:as|of) (\w+)/ && $functions{$1}
+        && $1 ne $function->{name}) {
         %found = (%found, %{statuses_of($functions{$1}, $depth + 1)});
     }
     delete @found{@never};
@@ -325,8 +330,7 @@ sub function_block {
         push @lines, '@return ' . escape($results{$name} || '');
     }
     push @lines, '@see ' . join ', ', map { "#$_" } grep { $_ ne $name } @family if @family > 1 && @family < 40;
-    my $list = join ', ', map { $_->{type} =~ /\*$/ ? "$_->{type} $_->{name}" : "$_->{type} $_->{name}" }
-        @{$function->{parameters}};
+    my $list = join ', ', map { "$_->{type} $_->{name}" } @{$function->{parameters}};
     return block(@lines) . "$function->{result} $name($list);\n\n";
 }
 
@@ -335,13 +339,14 @@ sub slug {
     return lc($text) =~ s/[^a-z0-9]+/_/gr =~ s/^_|_$//gr;
 }
 
-# The first words of a text as a title, and the text.
+# The first words of a text as a title: what stands in front of a full stop, or of a colon or comma when that is long.
 sub title_of {
     my ($text, $limit) = @_;
     my $title = $text =~ s/\s+/ /gr;
     $title =~ s/ \([^)]*\)//g;
-    $title =~ s/(?::|\.)(?: .*)?$//;
-    $title =~ s/,.*// if length $title > $limit;
+    $title =~ s/\.(?: .*)?$//;
+    $title =~ s/: .*// if length $title > $limit;
+    $title =~ s/, .*// if length $title > $limit;
     return $title;
 }
 
@@ -373,7 +378,7 @@ sub header_for_doxygen {
             $comment = text_of($part[0]);
             if ($comment =~ /^-{3,4} (.*?) -{3,4}$/s) {
                 my $text = $1;
-                my $title = title_of($text, 45);
+                my $title = title_of($text, 55);
                 $text =~ s/^\Q$title\E(?:[.:,] |$)//;
                 $out .= "/** \@} */\n" if $open++;
                 $out .= group_block($base . '_' . slug($title), $title, ucfirst $text, @parts[$i + 1 .. $#parts]);
@@ -429,7 +434,10 @@ if ($first eq '--parameters') {
         my $result = $results{$function->{name}} || ($function->{result} eq 'Status' ? 'a status' : 'nothing');
         $output .= "$function->{name}\t\tresult\t$result\n";
     }
-    for my $rule (grep { !$_->{used} } @rules, @additions) {
+    for my $rule (@statusRules) {
+        $rule->{used} = grep { $_->{name} =~ $rule->{where} || $_->{header} =~ $rule->{where} } values %functions;
+    }
+    for my $rule (grep { !$_->{used} } @rules, @additions, @statusRules) {
         push @errors, "parameters.txt:$rule->{line}: this rule is never used";
     }
 } elsif ($first eq '--names') {
@@ -442,5 +450,6 @@ if ($first eq '--parameters') {
     $output = page_for_doxygen(slurp($first));
 }
 print $output;
-print STDERR "error: $_\n" for @errors;
+my %seen;
+print STDERR "error: $_\n" for grep { !$seen{$_}++ } @errors;
 exit(@errors ? 1 : 0);

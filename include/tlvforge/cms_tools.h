@@ -1,6 +1,6 @@
 /*
- * Questions about signed documents and the steps of signing around them: the bytes to sign, whether a signer is the
- * holder of a certificate, taking a signer out of a document, the signing time, and texts of one line for a person.
+ * Whole signed documents, and the steps of signing around them: the bytes to sign, whether a signer is the holder of a
+ * certificate, taking a signer out of a document, the signing time, and texts of one line for a person.
  *
  * A document here is a whole ContentInfo that holds SignedData (RFC 5652), as bytes or as a file of up to 300,000,000
  * bytes. Nothing is signed or verified. A signer number counts from 1, unlike the indices of cms.h: 0 is 32.

@@ -241,7 +241,7 @@ public final class GenerateTlvforge {
         return text + "     */\n" + wrap(head + " dll_" + row.name() + "(", parameters) + "\n\n";
     }
 
-    /** A text of the C parameter in the forms of Java: what comes out stands in element 0, an array has its own room. */
+    /** The text of a C parameter in the forms of Java: what comes out stands in element 0, an array knows its room. */
     private static String inJava(String parameter, Told told) {
         String text = told.text().replaceFirst("^On entry the room in .*", "Receives the length.");
         if (parameter.matches("(int|long)\\[].*")) text = text.replaceFirst("^Receives", "Element 0 receives");
