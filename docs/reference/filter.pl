@@ -283,7 +283,7 @@ sub escape {
     # Stars that make no emphasis are pointers.
     $text =~ s/(?<!\*)\*(?!\*)(?!(?:owns|owned|lends|lent|adopts)\*)(?=\w)/\\*/g;
     $text =~ s/\b(\w+)\b/exists $functions{$1} ? "#$1" : $1/ge;
-    $text =~ s/see output buffers/see \@ref output_buffers "output buffers"/;
+    $text =~ s/see output buffers/see \@ref conventions_output_buffers "output buffers"/;
     return $text;
 }
 
@@ -293,7 +293,8 @@ sub prose {
     my @lines;
     for my $line (split /\n/, $text) {
         push @lines, '' if $line =~ /^(?:\w+(?:, \w+)*:\s|Status(?:es)? |Getting:|Setting:|Decoding:|Encoding:)/;
-        push @lines, escape($line =~ s/^\s+//r);
+        # A number with a full stop at the beginning of a line is no list.
+        push @lines, escape($line =~ s/^\s+//r) =~ s/^(\d+)\. /$1\\. /r;
     }
     return @lines;
 }
@@ -407,11 +408,12 @@ sub header_for_doxygen {
     return $out . "/** \@} */\n";
 }
 
-# Names in backquotes become links, and so do the links to the headers.
+# Names in backquotes become links, and so do the links to the headers; headings become anchors.
 sub page_for_doxygen {
-    my ($text) = @_;
+    my ($page, $text) = @_;
     $text =~ s/\[`?[\w.]+`?\]\((?:\.\.\/)*include\/tlvforge\/([\w.]+)\)/\@ref $1/g;
-    $text =~ s/^(##+ )(.*)$/"$1$2 {#" . slug($2) . "}"/gme;
+    $text =~ s/^(##+ )(.*)$/"$1$2 {#${page}_" . slug($2) . "}"/gme;
+    $text =~ s/^(\d\d+)\. /$1\\. /gm;
     $text =~ s/`(\w+)`/exists $functions{$1} ? "#$1" : "`$1`"/ge;
     return $text;
 }
@@ -447,7 +449,7 @@ if ($first eq '--parameters') {
 } elsif ($first =~ /\.h$/) {
     $output = header_for_doxygen($first);
 } else {
-    $output = page_for_doxygen(slurp($first));
+    $output = page_for_doxygen(basename($first, '.md'), slurp($first));
 }
 print $output;
 my %seen;
