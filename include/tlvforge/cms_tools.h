@@ -99,7 +99,8 @@ TLVFORGE_STATUS GetBufferCmsSignatureTime(uint32_t signerNumber, const uint8_t* 
  * GetBufferCmsSignatureTimeAndCN gives a text about the signer as well: the serial number, where it consists of text
  * characters, with ", ", then the common names of the issuer, as GetCertificateCN gives them. For a signer that is
  * identified by a key identifier the text says that he isn't found.
- * textLength: may be null, and there is no text then. The text comes first: it stays if the time can't be read.
+ * time: may be null, as there. textLength: may be null, and there is no text then. The text comes first: it stays if
+ * the time can't be read.
  * Status 49, with an untouched *textLength, also for a key identifier above 4 bytes and for a text above 1022; 323 for
  * an empty key identifier.
  */

@@ -93,7 +93,7 @@ TLVFORGE_STATUS AddCmsEnvelopedDataEncodedCertificate(CmsEnvelopedData* envelope
 /*
  * AddCmsEnvelopedDataEncodedCrl makes originatorInfo and the set, and adds a member that counts and can't be read
  * (302). The document doesn't encode (306) until the CRLs are removed.
- * kind: a crlKind of cms.h, otherwise 306.
+ * kind: a crlKind of cms.h, otherwise 306. data: required, not kept.
  */
 TLVFORGE_STATUS AddCmsEnvelopedDataEncodedCrl(CmsEnvelopedData* enveloped, uint8_t kind, const uint8_t* data,
                                               uint32_t length);
