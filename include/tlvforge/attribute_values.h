@@ -21,12 +21,12 @@
 TLVFORGE_BEGIN
 
 /* Lists of references to certificates and to revocation data, each owned by the caller and freed by its own Free. */
-typedef struct ESSCertIDs ESSCertIDs;     /* certificates, each by its SHA-1 hash */
-typedef struct ESSCertIDsV2 ESSCertIDsV2; /* certificates, each by a hash of any algorithm */
-typedef struct OtherCertIDs OtherCertIDs; /* certificates, each by a hash of any algorithm, in the older form */
-typedef struct CrlListIDs CrlListIDs;     /* CRLs */
-typedef struct OcspListIDs OcspListIDs;   /* OCSP responses */
-typedef struct CrlOcspRefs CrlOcspRefs;   /* one entry for each certificate of a path */
+typedef struct ESSCertIDs ESSCertIDs;     /* certificates by SHA-1 hashes: ESSCertID (RFC 2634, 5.4.1) */
+typedef struct ESSCertIDsV2 ESSCertIDsV2; /* certificates by hashes of any algorithm: ESSCertIDv2 (RFC 5035, 4) */
+typedef struct OtherCertIDs OtherCertIDs; /* the same in the older form: OtherCertID (RFC 5126, 5.7.3.3) */
+typedef struct CrlListIDs CrlListIDs;     /* CRLs: CrlValidatedID (RFC 5126, 6.2.2) */
+typedef struct OcspListIDs OcspListIDs;   /* OCSP responses: OcspResponsesID (RFC 5126, 6.2.2) */
+typedef struct CrlOcspRefs CrlOcspRefs;   /* one for each certificate of a path: CrlOcspRef (RFC 5126, 6.2.2) */
 
 /* ---- Simple values: each pair of functions exists under the names of several attributes ---- */
 

@@ -19,7 +19,7 @@ TLVFORGE_BEGIN
 
 typedef struct X509Crl X509Crl;                                 /* CertificateList (RFC 5280, 5.1) */
 typedef struct X509Crls X509Crls;                               /* SEQUENCE OF X509Crl */
-typedef struct X509RevokedCertificates X509RevokedCertificates; /* the entries alone */
+typedef struct X509RevokedCertificates X509RevokedCertificates; /* the revokedCertificates alone (RFC 5280, 5.1.2.6) */
 
 /* --- The objects --- */
 
