@@ -283,7 +283,7 @@ sub escape {
     # Stars that make no emphasis are pointers.
     $text =~ s/(?<!\*)\*(?!\*)(?!(?:owns|owned|lends|lent|adopts)\*)(?=\w)/\\*/g;
     $text =~ s/\b(\w+)\b/exists $functions{$1} ? "#$1" : $1/ge;
-    $text =~ s/see output buffers/see \@ref conventions_output_buffers "output buffers"/;
+    $text =~ s/see output buffers/see \@ref conventions-output-buffers "output buffers"/;
     return $text;
 }
 
@@ -408,14 +408,37 @@ sub header_for_doxygen {
     return $out . "/** \@} */\n";
 }
 
-# Names in backquotes become links, and so do the links to the headers; headings become anchors.
+# The anchor that a heading of a page has elsewhere.
+sub anchor_of {
+    my ($heading, $before) = @_;
+    my $anchor = lc($heading) =~ s/[^\w\- ]//gr =~ s/ /-/gr;
+    my $times = $before->{$anchor}++;
+    return $times ? "$anchor-$times" : $anchor;
+}
+
+# A link within the pages and to the headers; of one to other files only the text is left.
+sub link_of {
+    my ($page, $text, $target) = @_;
+    my $plain = $text =~ s/`//gr;
+    if ($target =~ /^(?:([\w-]+)\.md)?#(.+)$/) { return "[$plain](\@ref " . ($1 || $page) . "-$2)" }
+    if ($target =~ m{include/tlvforge/(\w+\.h)$}) { return "[$plain](\@ref $1)" }
+    if ($target =~ /^\w+:/) { return "[$text]($target)" }
+    return $target =~ m{^(?:\.\./)?([\w-]+\.md)$} && -e "$here/../$1" ? "[$plain]($target)" : $text;
+}
+
+# Outside of programs, names in backquotes become links, and headings anchors under the name of their page.
 sub page_for_doxygen {
     my ($page, $text) = @_;
-    $text =~ s/\[`?[\w.]+`?\]\((?:\.\.\/)*include\/tlvforge\/([\w.]+)\)/\@ref $1/g;
-    $text =~ s/^(##+ )(.*)$/"$1$2 {#${page}_" . slug($2) . "}"/gme;
-    $text =~ s/^(\d\d+)\. /$1\\. /gm;
-    $text =~ s/`(\w+)`/exists $functions{$1} ? "#$1" : "`$1`"/ge;
-    return $text;
+    my %anchors;
+    my @parts = split /^(```.*?^```)$/ms, $text;
+    for my $part (grep { !/^```/ } @parts) {
+        $part =~ s/\[([^\]]*)\]\(([^)\s]+)\)/link_of($page, $1, $2)/ge;
+        $part =~ s/^(##+ )(.*)$/"$1$2 {#$page-" . anchor_of($2, \%anchors) . "}"/gme;
+        # A number with a full stop at the beginning of a line is no list, unless it is a small one.
+        $part =~ s/^(\d\d+)\. /$1\\. /gm;
+        $part =~ s/`(\w+)`/exists $functions{$1} ? "#$1" : "`$1`"/ge;
+    }
+    return join '', @parts;
 }
 
 read_dictionary("$here/parameters.txt");
