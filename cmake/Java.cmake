@@ -69,5 +69,4 @@ function(tlvforge_java library)
     add_custom_target(tlvforge_jar ALL DEPENDS ${directory}/tlvforge.jar ${directory}/natives.tsv)
     set_target_properties(tlvforge_jar PROPERTIES
         JAR ${directory}/tlvforge.jar NATIVES ${directory}/natives.tsv CLASSES ${classes})
-    install(FILES ${directory}/tlvforge.jar DESTINATION ${CMAKE_INSTALL_DATADIR}/java)
 endfunction()
