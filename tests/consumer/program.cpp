@@ -1,5 +1,5 @@
-#include <cstdio>
 #include <tlvforge/tlvforge.h>
+#include <cstdio>
 #include <vector>
 
 int main() {
