@@ -9,7 +9,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 
-set(CPACK_PACKAGE_CONTACT "Maintainers of tlvforge <maintainers@users.noreply.c-seed-9113e674.example>")
+set(CPACK_PACKAGE_CONTACT "Maintainers of tlvforge <maintainers@tlvforge.example>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SOURCE tlvforge)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
