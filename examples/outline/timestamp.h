@@ -130,32 +130,12 @@ inline void PrintFreeText(Outline& outline, const PKIFreeText* texts) {
 inline Status PrintTimeStampResponse(Outline& outline, const Bytes& bytes) {
     static constexpr const char* kStatuses[] = {"granted", "grantedWithMods",   "rejection",
                                                 "waiting", "revocationWarning", "revocationNotification"};
-    static constexpr const char* kFailures[] = {"badAlg",
-                                                nullptr,
-                                                "badRequest",
-                                                nullptr,
-                                                nullptr,
-                                                "badDataFormat",
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                "timeNotAvailable",
-                                                "unacceptedPolicy",
-                                                "unacceptedExtension",
-                                                "addInfoNotAvailable",
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                nullptr,
-                                                "systemFailure"};
+    // clang-format off
+    static constexpr const char* kFailures[] = {
+        "badAlg", nullptr, "badRequest", nullptr, nullptr, "badDataFormat", nullptr, nullptr, nullptr, nullptr,
+        nullptr, nullptr, nullptr, nullptr, "timeNotAvailable", "unacceptedPolicy", "unacceptedExtension",
+        "addInfoNotAvailable", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, "systemFailure"};
+    // clang-format on
     int32_t number = 0;
     uint32_t failures = 0;
     Owned<PKIFreeText, FreePKIFreeText> texts;
