@@ -30,12 +30,24 @@ void WalkText(const Bytes& in) {
     }
 }
 
+// Blocks of another system, that say of themselves what they are.
+void WalkBlocks(const Bytes& in) {
+    for (const size_t size : {64, 128, 256}) {
+        const Bytes block(size);
+        std::copy_n(in.data(), std::min<size_t>(size, in.size()), block.data());
+        for (const auto convert : {ConvertZelcryptSignatureToX509, ConvertX509SignatureToZelcrypt,
+                                   ConvertZelcryptPublicKeyToX509, ConvertX509PublicKeyToZelcrypt})
+            (void)Get(convert, block.data(), block.size());
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Bytes in(data, size);
     WalkArmour(in);
     WalkText(in);
+    WalkBlocks(in);
     Require(Ok(sha1(in.data(), in.size(), Bytes(20).data())));
     return 0;
 }

@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: over every file that is named or lies in a named folder, and over mutations of
-// each that are the same in every run. Exit status 1 if there was nothing to run.
+// Runs a fuzz target without a fuzzer: over every file of the named folders, and over mutations of each that are the
+// same in every run. Exit status 1 if there was nothing to run.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 #include <random>
+#include <set>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -42,36 +43,23 @@ void Mutate(Bytes& bytes, std::mt19937& random) {
     }
 }
 
-std::vector<fs::path> Files(int count, char** names) {
-    std::vector<fs::path> files;
-    for (int i = 1; i < count; ++i) {
-        if (fs::is_directory(names[i])) {
-            for (const auto& entry : fs::directory_iterator(names[i])) files.push_back(entry.path());
-        } else {
-            files.emplace_back(names[i]);
-        }
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 }  // namespace
 
-int main(int count, char** names) {
-    size_t runs = 0;
-    for (const fs::path& file : Files(count, names)) {
+int main(int count, char** folders) {
+    std::set<fs::path> files;
+    for (int i = 1; i < count; ++i) files.insert(fs::directory_iterator(folders[i]), fs::directory_iterator());
+    for (const fs::path& file : files) {
         std::ifstream in(file, std::ios::binary);
         if (!in) return fprintf(stderr, "%s can't be read\n", file.c_str()), 1;
         const Bytes original{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
         Run(original);
-        ++runs;
         std::mt19937 random(20);
-        for (int mutation = 0; mutation < kMutations; ++mutation, ++runs) {
+        for (int mutation = 0; mutation < kMutations; ++mutation) {
             Bytes changed = original;
             for (int change = mutation % 4; change >= 0; --change) Mutate(changed, random);
             Run(changed);
         }
     }
-    printf("%zu inputs\n", runs);
-    return runs == 0;
+    printf("%zu inputs, each with %d mutations\n", files.size(), kMutations);
+    return files.empty();
 }

@@ -1,7 +1,6 @@
 // The bytes as a sequence of calls on a few objects of every kind, within the rules of ownership: objects are made, set
 // from each other, added, handed over, copied, written, read back, and freed in any order.
-
-#include "walk_cms.h"
+#include "walk.h"
 
 namespace {
 
@@ -13,7 +12,11 @@ public:
     Source(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
     bool IsEmpty() const { return at_ == end_; }
     uint8_t Octet() { return IsEmpty() ? 0 : *at_++; }
-    uint32_t Number() { return Octet() < 200 ? Octet() % 8 : UINT32_MAX - Octet(); }
+    uint32_t Number() {
+        constexpr uint32_t kTelling[] = {
+            0, 1, 2, 3, 4, 5, 6, 255, AlgorithmGostR34102001, AlgorithmGostR34102012Key512};
+        return Octet() < 200 ? kTelling[Octet() % std::size(kTelling)] : UINT32_MAX - Octet();
+    }
     Bytes Text() {
         const size_t wanted = Octet() % 48, size = std::min(wanted, static_cast<size_t>(end_ - at_));
         at_ += size;
@@ -26,10 +29,10 @@ public:
         oid.data()[0] = static_cast<uint8_t>(oid.size() - 1);
         return oid;
     }
-    LibraryTime Time() {
+    Bytes Time() {
         LibraryTime time{};
         (void)SetLibraryTime(&time, Octet() % 40, Octet() % 14, 1890 + Octet(), Octet() % 25, 0, 0);
-        return time;
+        return {&time, sizeof time};
     }
 
 private:
@@ -37,16 +40,15 @@ private:
 };
 
 // Three objects of a kind; one that was handed over or freed is made anew when it is asked for.
-template <auto Create, auto Free>
+template <class Object, auto Create, auto Free>
 class Pool {
 public:
-    using Object = typename Owned<Free>::pointer;
-    Object Pick(Source& in) {
+    Object* Pick(Source& in) {
         Owned<Free>& slot = At(in);
         if (!slot) slot = walk::Make<Free>(Create);
         return slot.get();
     }
-    void Put(Source& in, Object object) {
+    void Put(Source& in, Object* object) {
         if (object != nullptr) At(in).reset(object);
     }
     // Calls add(object), after which it belongs to somebody else on success.
@@ -61,42 +63,101 @@ private:
     Owned<Free> slots_[3];
 };
 
-struct World {
+template <class... Pools>
+struct WorldOf : Pools... {
     Source in;
-    Pool<CreateX509Name, FreeX509Name> names;
-    Pool<CreateX509Extensions, FreeX509Extensions> extensions;
-    Pool<CreateRsaAttributes, FreeRsaAttributes> attributes;
-    Pool<CreateCertificate, FreeCertificate> certificates;
-    Pool<CreateCertificates, FreeCertificates> lists;
-    Pool<CreateX509Crl, FreeX509Crl> crls;
-    Pool<CreatePKCS10CertReq, FreePKCS10CertReq> requests;
-    Pool<CreateCmsSignedData, FreeCmsSignedData> messages;
-    Pool<CreateCmsEnvelopedData, FreeCmsEnvelopedData> envelopes;
-    Pool<CreateKeyTrans, FreeKeyTrans> recipients;
-    Pool<CreateOcspRequest, FreeOcspRequest> questions;
-    Pool<CreateOcspSingleResponse, FreeOcspSingleResponse> answers;
-    Pool<CreateOcspBasicResponse, FreeOcspBasicResponse> responses;
-    Pool<CreateOcspBasicResponses, FreeOcspBasicResponses> responseLists;
+    std::vector<Bytes> arguments{};  // of one call
+    void* Keep(Bytes bytes) { return arguments.emplace_back(std::move(bytes)).data(); }
+    void DropAny() {
+        size_t kind = in.Octet() % sizeof...(Pools);
+        ((kind-- == 0 ? Pools::Drop(in) : void()), ...);
+    }
 };
+using World = WorldOf<
+    Pool<X509Name, CreateX509Name, FreeX509Name>, Pool<X509ExtensionsCell, CreateX509Extensions, FreeX509Extensions>,
+    Pool<RsaAttributesCell, CreateRsaAttributes, FreeRsaAttributes>,
+    Pool<Certificate, CreateCertificate, FreeCertificate>, Pool<Certificates, CreateCertificates, FreeCertificates>,
+    Pool<X509Crl, CreateX509Crl, FreeX509Crl>, Pool<X509Crls, CreateX509Crls, FreeX509Crls>,
+    Pool<PKCS10CertReq, CreatePKCS10CertReq, FreePKCS10CertReq>,
+    Pool<CmsContentInfo, CreateCmsContentInfo, FreeCmsContentInfo>,
+    Pool<SeveralData, CreateSeveralData, FreeSeveralData>, Pool<CmsSignedData, CreateCmsSignedData, FreeCmsSignedData>,
+    Pool<CmsSignerInfo, CreateCmsSignerInfo, FreeCmsSignerInfo>,
+    Pool<CmsEnvelopedData, CreateCmsEnvelopedData, FreeCmsEnvelopedData>, Pool<KeyTrans, CreateKeyTrans, FreeKeyTrans>,
+    Pool<OcspRequest, CreateOcspRequest, FreeOcspRequest>,
+    Pool<OcspSingleResponse, CreateOcspSingleResponse, FreeOcspSingleResponse>,
+    Pool<OcspBasicResponse, CreateOcspBasicResponse, FreeOcspBasicResponse>,
+    Pool<OcspBasicResponses, CreateOcspBasicResponses, FreeOcspBasicResponses>>;
+using Step = void (*)(World&);
+
+template <class Object, auto Create, auto Free>
+auto& PoolOf(Pool<Object, Create, Free>& pool) {
+    return pool;
+}
+template <class Object>
+Object* Pick(World& w) {
+    return PoolOf<Object>(w).Pick(w.in);
+}
+
+// An argument of a type. Bytes with a size behind them are any, others an OID.
+template <class T>
+T Draw(World& w, bool hasSize, bool isSize) {
+    if constexpr (std::is_same_v<T, const uint8_t*>) {
+        return static_cast<T>(w.Keep(hasSize ? w.in.Text() : w.in.Oid()));
+    } else if constexpr (std::is_same_v<T, const char*>) {
+        const Bytes text = w.in.Text();
+        return static_cast<T>(w.Keep({std::string(text.data(), text.end()).c_str(), text.size() + size_t{1}}));
+    } else if constexpr (std::is_same_v<T, const LibraryTime*>) {
+        return w.in.Octet() == 0 ? nullptr : static_cast<T>(w.Keep(w.in.Time()));
+    } else if constexpr (std::is_same_v<T, uint8_t*>) {
+        return static_cast<T>(w.Keep(Bytes(w.in.Octet() % 64)));
+    } else if constexpr (std::is_same_v<T, uint32_t*>) {
+        const uint32_t room = w.arguments.empty() ? 0 : w.arguments.back().size();
+        return static_cast<T>(w.Keep({&room, sizeof room}));
+    } else if constexpr (std::is_pointer_v<T>) {
+        return Pick<std::remove_const_t<std::remove_pointer_t<T>>>(w);
+    } else {
+        return static_cast<T>(isSize ? w.arguments.back().size() : w.in.Number());
+    }
+}
+
+// A call with arguments from the input. An object identifier at `Oid` is one although a number follows.
+template <auto Function, size_t Oid = SIZE_MAX>
+void Play(World& w) {
+    const auto play = [&w]<class... T, size_t... I>(Status (*function)(T...), std::index_sequence<I...>) {
+        constexpr bool kBytes[] = {false, (std::is_same_v<T, const uint8_t*> && I != Oid)..., false};
+        constexpr bool kSizes[] = {(std::is_same_v<T, uint32_t>)..., false};
+        w.arguments.clear();
+        const std::tuple<T...> arguments{Draw<T>(w, kBytes[I + 1] && kSizes[I + 1], kBytes[I] && kSizes[I])...};
+        (void)std::apply(function, arguments);
+    };
+    [&]<class... T>(Status (*function)(T...)) { play(function, std::index_sequence_for<T...>()); }(Function);
+}
+
+// The last argument belongs to the first one afterwards.
+template <auto Add>
+void Adopt(World& w) {
+    [&w]<class Holder, class Object>(Status (*add)(Holder*, Object*)) {
+        PoolOf<Object>(w).HandOver(w.in, [&](Object* object) { return add(Pick<Holder>(w), object); });
+    }(Add);
+}
 
 // Writes an object, and puts what is read back in the place of some object.
-void Reread(World& w, auto& pool, auto encode, auto decode) {
-    typename std::remove_reference_t<decltype(pool)>::Object fresh = nullptr;
-    const auto written = Get(encode, pool.Pick(w.in));
-    if (written && walk::Ok(decode((*written)[0].data(), (*written)[0].size(), &fresh))) pool.Put(w.in, fresh);
+template <auto Encode, auto Decode>
+void Reread(World& w) {
+    [&w]<class Object>(Status (*decode)(const uint8_t*, uint32_t, Object**)) {
+        Object* fresh = nullptr;
+        const auto written = Get(Encode, Pick<Object>(w));
+        if (written && walk::Ok(decode((*written)[0].data(), (*written)[0].size(), &fresh)))
+            PoolOf<Object>(w).Put(w.in, fresh);
+    }(Decode);
 }
 
-void Copy(World& w, auto& pool, auto copy) {
-    typename std::remove_reference_t<decltype(pool)>::Object fresh = nullptr;
-    if (walk::Ok(copy(pool.Pick(w.in), &fresh))) pool.Put(w.in, fresh);
-}
-
-// The extensions or attributes that a document lends.
-template <class Handle>
-Handle Lent(auto get, auto* document) {
-    Handle handle = nullptr;
-    walk::Require(walk::Ok(get(document, &handle)));
-    return handle;
+template <auto CreateCopy>
+void Copy(World& w) {
+    [&w]<class Object>(Status (*copy)(const Object*, Object**)) {
+        Object* fresh = nullptr;
+        if (walk::Ok(copy(Pick<Object>(w), &fresh))) PoolOf<Object>(w).Put(w.in, fresh);
+    }(CreateCopy);
 }
 
 // A set may be appended to itself, and doubles then: not too often.
@@ -106,187 +167,92 @@ void Append(RsaAttributes attributes, RsaAttributes source) {
         (void)AppendRsaAttributes(attributes, source);
 }
 
-using Step = void (*)(World&);
+template <auto... Functions>
+constexpr Step kPlays[] = {Play<Functions>...};
+template <Step... Steps>
+constexpr Step kSteps[] = {Steps...};
 
-constexpr Step kParts[] = {
+constexpr auto& kCalls = kPlays<
+    AddX509NameEntry, AddX509NameEntryExt, DeleteX509NameEntry, ClearX509Name, RemoveX509ExtensionsExtension,
+    RemoveX509ExtensionsExtension2, ClearX509Extensions, RemoveX509Extensions, SetX509ExtensionsSorted,
+    AddRsaAttributesAttributeWithValue, AddRsaAttributesAttributeValue, RemoveRsaAttributesAttribute2,
+    ClearRsaAttributes, RemoveRsaAttributes, SetRsaAttributesSorted, SetCertificateVersion, SetCertificateSerialNumber,
+    SetCertificateIssuer, SetCertificateSubject, SetCertificateValidNotBefore, SetCertificateValidNotAfter,
+    SetCertificateExtensions, SetCertificateSubjectKeyIdentifier, SetCertificateAuthorityKeyIdentifier,
+    SetCertificateAuthorityKeyIdentifier2, SetCertificateZelcryptKeyIdentifier,
+    SetCertificateExtensionCrlDistributionPoints, SetCertificatePublicKey, SetCertificateGostR34102001PublicKey,
+    SetCertificatePublicKeyAlgorithmIdAndParameters, SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters,
+    SetCertificateGostR34102001SignatureAlgorithmIDAndParameters, SetCertificateGostR34102001SignatureAlgorithmID,
+    AddX509CrlRevokedCertificate, ClearX509CrlRevokedCertificates, RemoveX509CrlRevokedCertificates, SetX509CrlIssuer,
+    SetX509CrlThisUpdate, SetX509CrlNextUpdate, RemoveX509CrlNextUpdate, SetX509CrlAuthorityKeyIdentifier,
+    SetX509CrlAuthorityKeyIdentifier2, SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters,
+    SetX509CrlGostR34102001SignatureAlgorithmID, FindX509CrlFind, SetPKCS10CertReqSubject, SetPKCS10CertReqAttributes,
+    SetPKCS10CertReqExtensions, SetPKCS10CertReqPublicKey, SetPKCS10CertReqGostR34102001PublicKey,
+    SetPKCS10CertReqGostR34102001PublicKeyAlgorithmIdAndParameters,
+    SetPKCS10CertReqGostR34102001SignatureAlgorithmIdAndParameters, SetPKCS10CertReqGostR34102001SignatureAlgorithmID,
+    AddCmsSignedDataDigestAlgorithmOidAndParameters, ClearCmsSignedDataDigestAlgorithms, SetCmsSignedDataContentTypeOid,
+    SetCmsSignedDataContent, AddCmsSignedDataEncodedCertificate, RemoveCmsSignedDataCertificates,
+    AddCmsSignedDataEncodedCrl, RemoveCmsSignedDataCrls, ClearCmsSignedDataSignerInfos, DeleteCmsSignedDataSignerInfo,
+    SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber, SetCmsSignerInfoSignerSubjectKeyIdentifier,
+    FillCmsSignerInfoWithSignedAttributes, FillCmsSignerInfoWithSignedAttributes2,
+    GetCmsSignerInfoEncodedSignedAttributes, CompareSignerInfoAndCertificate, GetCmsSignedDataToBeSignedPart2,
+    SetCmsContentInfoTypeOid, SetCmsContentInfoContent, RemoveSeveralDataContentInfo,
+    SetCmsEnvelopedDataEncryptedContentTypeOid, SetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters,
+    SetCmsEnvelopedDataEncryptedContent, AddCmsEnvelopedDataEncodedCrl, RemoveCmsEnvelopedDataCrls,
+    RemoveCmsEnvelopedDataRecipientInfos, SetKeyTransRecipientIdentifierIssuerAndSerialNumber,
+    SetKeyTransRecipientIdentifierSubjectKeyIdentifier, SetKeyTransEncryptedKey, AddOcspRequestCertRequest,
+    RemoveOcspRequestSignature, SetOcspSingleResponseCertID, SetOcspSingleResponseCertStatusRevoked,
+    SetOcspSingleResponseCertStatusGood, SetOcspSingleResponseThisUpdate, SetOcspBasicResponseResponderID,
+    SetOcspBasicResponseProducedAt, ClearOcspBasicResponseResponses>;
+constexpr auto& kMoves =
+    kSteps<Adopt<AddCertificateToCertificates>, Adopt<AddX509CrlToX509Crls>, Adopt<AddSeveralDataContentInfo>,
+           Adopt<AddOcspRequestCertificate>, Adopt<AddOcspBasicResponseSingleResponse>,
+           Adopt<AddOcspBasicResponseCertificate>, Adopt<AddResponseToOcspBasicResponses>, Copy<CreateCertificateCopy>,
+           Copy<CreateX509CrlCopy>, Copy<CreatePKCS10CertReqCopy>, Copy<CreateCmsSignedDataCopy>,
+           Reread<EncodeX509Name, DecodeX509Name>, Reread<EncodeX509Extensions, DecodeX509Extensions>,
+           Reread<EncodeRsaAttributes, DecodeRsaAttributes>, Reread<EncodeCertificate, DecodeCertificate>,
+           Reread<EncodeX509Crl, DecodeX509Crl>, Reread<EncodePKCS10CertReq, DecodePKCS10CertReq>,
+           Reread<EncodeCmsSignedData, DecodeCmsSignedData>, Reread<EncodeCmsContentInfo, DecodeCmsContentInfo>,
+           Reread<EncodeSeveralData, DecodeSeveralData>, Reread<EncodeCmsEnvelopedData, DecodeCmsEnvelopedData>,
+           Reread<EncodeKeyTrans, DecodeKeyTrans>, Reread<EncodeOcspRequest, DecodeOcspRequest>,
+           Reread<EncodeOcspBasicResponse, DecodeOcspBasicResponse>>;
+constexpr Step kOthers[] = {
+    Play<AddX509ExtensionsExtension, 1>,
+    [](World& w) { w.DropAny(); },
+    [](World& w) { Append(Pick<RsaAttributesCell>(w), Pick<RsaAttributesCell>(w)); },
     [](World& w) {
-        const Bytes text = w.in.Text(), oid = w.in.Oid();
-        (void)AddX509NameEntry(w.names.Pick(w.in), text.data(), text.size(), w.in.Octet(), oid.data(),
-                               w.in.Octet() & 1);
-    },
-    [](World& w) { (void)DeleteX509NameEntry(w.names.Pick(w.in), w.in.Number(), w.in.Number()); },
-    [](World& w) { (void)ClearX509Name(w.names.Pick(w.in)); },
-    [](World& w) { Reread(w, w.names, EncodeX509Name, DecodeX509Name); },
-    [](World& w) {
-        const Bytes oid = w.in.Oid(), value = w.in.Text();
-        (void)AddX509ExtensionsExtension(w.extensions.Pick(w.in), oid.data(), w.in.Octet() & 1, value.data(),
-                                         value.size());
-    },
-    [](World& w) { (void)RemoveX509ExtensionsExtension(w.extensions.Pick(w.in), w.in.Number()); },
-    [](World& w) { (void)RemoveX509Extensions(w.extensions.Pick(w.in)); },
-    [](World& w) { Reread(w, w.extensions, EncodeX509Extensions, DecodeX509Extensions); },
-    [](World& w) {
-        const Bytes oid = w.in.Oid(), value = w.in.Text();
-        uint32_t index = 0;
-        (void)AddRsaAttributesAttributeWithValue(w.attributes.Pick(w.in), oid.data(), &index, value.data(),
-                                                 value.size());
-    },
-    [](World& w) { Append(w.attributes.Pick(w.in), w.attributes.Pick(w.in)); },
-    [](World& w) { (void)RemoveRsaAttributes(w.attributes.Pick(w.in)); },
-    [](World& w) { Reread(w, w.attributes, EncodeRsaAttributes, DecodeRsaAttributes); },
-};
-
-constexpr Step kDocuments[] = {
-    [](World& w) { (void)SetCertificateIssuer(w.certificates.Pick(w.in), w.names.Pick(w.in)); },
-    [](World& w) {
-        w.names.HandOver(w.in, [&](X509Name* n) { return SetCertificateSubject_i(w.certificates.Pick(w.in), n, 0); });
-    },
-    [](World& w) { (void)SetCertificateExtensions(w.certificates.Pick(w.in), w.extensions.Pick(w.in)); },
-    [](World& w) {
-        const LibraryTime time = w.in.Time();
-        (void)SetCertificateValidNotAfter(w.certificates.Pick(w.in), &time);
-    },
-    [](World& w) { (void)SetCertificateAuthorityKeyIdentifier(w.certificates.Pick(w.in), w.certificates.Pick(w.in)); },
-    [](World& w) { Copy(w, w.certificates, CreateCertificateCopy); },
-    [](World& w) { Reread(w, w.certificates, EncodeCertificate, DecodeCertificate); },
-    [](World& w) {
-        w.certificates.HandOver(w.in,
-                                [&](Certificate* c) { return AddCertificateToCertificates(w.lists.Pick(w.in), c); });
-    },
-    [](World& w) { Copy(w, w.lists, CreateCertificatesCopy); },
-    [](World& w) {
-        const Bytes serial = w.in.Text();
-        const LibraryTime time = w.in.Time();
-        uint32_t index = 0;
-        (void)AddX509CrlRevokedCertificate(w.crls.Pick(w.in), serial.data(), serial.size(), &time, &index);
-    },
-    [](World& w) { (void)SetX509CrlIssuer(w.crls.Pick(w.in), w.names.Pick(w.in)); },
-    [](World& w) { (void)RemoveX509CrlRevokedCertificates(w.crls.Pick(w.in)); },
-    [](World& w) {
-        const Bytes serial = w.in.Text();
-        uint32_t index = 0;
-        (void)FindX509CrlFind(w.crls.Pick(w.in), w.names.Pick(w.in), serial.data(), serial.size(), &index);
-    },
-    [](World& w) { Copy(w, w.crls, CreateX509CrlCopy); },
-    [](World& w) { Reread(w, w.crls, EncodeX509Crl, DecodeX509Crl); },
-    [](World& w) { (void)SetPKCS10CertReqSubject(w.requests.Pick(w.in), w.names.Pick(w.in)); },
-    [](World& w) { (void)SetPKCS10CertReqAttributes(w.requests.Pick(w.in), w.attributes.Pick(w.in)); },
-    [](World& w) { (void)SetPKCS10CertReqExtensions(w.requests.Pick(w.in), w.extensions.Pick(w.in)); },
-    [](World& w) { Reread(w, w.requests, EncodePKCS10CertReq, DecodePKCS10CertReq); },
-};
-
-constexpr Step kMessages[] = {
-    [](World& w) {
-        const Bytes data = w.in.Text();
-        (void)AddCmsSignedDataEncodedCertificate(w.messages.Pick(w.in), w.in.Octet() % 7, data.data(), data.size());
+        PoolOf<X509Name>(w).HandOver(w.in, [&](auto* n) { return SetCertificateIssuer_i(Pick<Certificate>(w), n, 0); });
     },
     [](World& w) {
-        const Bytes data = w.in.Text();
-        (void)AddCmsSignedDataEncodedCrl(w.messages.Pick(w.in), w.in.Octet() % 4, data.data(), data.size());
-    },
-    [](World& w) { (void)RemoveCmsSignedDataCrls(w.messages.Pick(w.in)); },
-    [](World& w) {
-        const Bytes serial = w.in.Text(), digest = w.in.Text();
-        const LibraryTime time = w.in.Time();
-        CmsSignerInfo* signer = nullptr;
-        if (!walk::Ok(AddCmsSignedDataSignerInfo(w.messages.Pick(w.in), &signer))) return;
-        (void)FillCmsSignerInfoWithSignedAttributes2(signer, digest.data(), digest.size(), &time,
-                                                     w.attributes.Pick(w.in));
-        (void)SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber(signer, w.names.Pick(w.in), serial.data(),
-                                                                    serial.size());
-    },
-    [](World& w) { (void)DeleteCmsSignedDataSignerInfo(w.messages.Pick(w.in), w.in.Number()); },
-    [](World& w) { Copy(w, w.messages, CreateCmsSignedDataCopy); },
-    [](World& w) { Reread(w, w.messages, EncodeCmsSignedData, DecodeCmsSignedData); },
-    [](World& w) {
-        const Bytes keyId = w.in.Text();
-        (void)SetKeyTransRecipientIdentifierSubjectKeyIdentifier(w.recipients.Pick(w.in), keyId.data(), keyId.size());
+        CmsSignerInfo* const signer = walk::Lent(AddCmsSignedDataSignerInfo, Pick<CmsSignedData>(w));
+        (void)SetCmsSignerInfoSignerSubjectKeyIdentifier(signer, walk::kAnyBytes, 2);
+        (void)FillCmsSignerInfoWithSignedAttributes2(signer, walk::kAnyBytes, 2, nullptr, Pick<RsaAttributesCell>(w));
     },
     [](World& w) {
-        w.recipients.HandOver(w.in, [&](KeyTrans* r) {
-            return AddCmsEnvelopedDataRecipientInfo(w.envelopes.Pick(w.in), w.in.Octet() & 1, r);
+        PoolOf<KeyTrans>(w).HandOver(w.in, [&](KeyTrans* r) {
+            return AddCmsEnvelopedDataRecipientInfo(Pick<CmsEnvelopedData>(w), w.in.Octet() & 1, r);
         });
     },
-    [](World& w) { (void)RemoveCmsEnvelopedDataRecipientInfos(w.envelopes.Pick(w.in)); },
     [](World& w) {
-        const Bytes data = w.in.Text();
-        (void)AddCmsEnvelopedDataEncodedCrl(w.envelopes.Pick(w.in), w.in.Octet() % 4, data.data(), data.size());
-    },
-    [](World& w) { (void)RemoveCmsEnvelopedDataCrls(w.envelopes.Pick(w.in)); },
-    [](World& w) {
-        Append(Lent<RsaAttributes>(GetCmsEnvelopedDataUnprotectedAttributes, w.envelopes.Pick(w.in)),
-               w.attributes.Pick(w.in));
-    },
-    [](World& w) { Reread(w, w.envelopes, EncodeCmsEnvelopedData, DecodeCmsEnvelopedData); },
-};
-
-constexpr Step kAnswers[] = {
-    [](World& w) {
-        const Bytes oid = w.in.Oid(), hash = w.in.Text();
-        (void)AddOcspRequestCertRequest(w.questions.Pick(w.in), oid.data(), nullptr, 0, hash.data(), hash.size(),
-                                        hash.data(), hash.size(), hash.data(), hash.size(), w.extensions.Pick(w.in));
-    },
-    [](World& w) {
-        w.certificates.HandOver(w.in,
-                                [&](Certificate* c) { return AddOcspRequestCertificate(w.questions.Pick(w.in), c); });
+        Append(walk::Lent(GetCmsEnvelopedDataUnprotectedAttributes, Pick<CmsEnvelopedData>(w)),
+               Pick<RsaAttributesCell>(w));
     },
     [](World& w) {
         const Bytes name = w.in.Oid();
-        (void)SetOcspRequestRequestorName(w.questions.Pick(w.in), w.in.Octet() % 10, name.data(), name.size());
+        (void)SetOcspRequestRequestorName(Pick<OcspRequest>(w), w.in.Octet() % 10, name.data(), name.size());
     },
-    [](World& w) { (void)RemoveOcspRequestSignature(w.questions.Pick(w.in)); },
-    [](World& w) { Reread(w, w.questions, EncodeOcspRequest, DecodeOcspRequest); },
-    [](World& w) {
-        const LibraryTime time = w.in.Time();
-        (void)SetOcspSingleResponseCertStatusRevoked(w.answers.Pick(w.in), &time, static_cast<int32_t>(w.in.Number()));
-        (void)SetOcspSingleResponseThisUpdate(w.answers.Pick(w.in), &time);
-    },
-    [](World& w) { (void)SetOcspSingleResponseCertStatusGood(w.answers.Pick(w.in)); },
-    [](World& w) {
-        w.answers.HandOver(
-            w.in, [&](OcspSingleResponse* a) { return AddOcspBasicResponseSingleResponse(w.responses.Pick(w.in), a); });
-    },
-    [](World& w) {
-        const Bytes id = w.in.Text();
-        (void)SetOcspBasicResponseResponderID(w.responses.Pick(w.in), w.in.Octet() % 3, id.data(), id.size());
-    },
-    [](World& w) { (void)ClearOcspBasicResponseResponses(w.responses.Pick(w.in)); },
-    [](World& w) { Reread(w, w.responses, EncodeOcspBasicResponse, DecodeOcspBasicResponse); },
-    [](World& w) {
-        w.responses.HandOver(
-            w.in, [&](OcspBasicResponse* r) { return AddResponseToOcspBasicResponses(w.responseLists.Pick(w.in), r); });
-    },
-    [](World& w) { Copy(w, w.responseLists, CreateOcspBasicResponsesCopy); },
 };
+static_assert(std::size(kCalls) <= 256);
 
-constexpr Step kDrops[] = {
-    [](World& w) { w.names.Drop(w.in); },      [](World& w) { w.extensions.Drop(w.in); },
-    [](World& w) { w.attributes.Drop(w.in); }, [](World& w) { w.certificates.Drop(w.in); },
-    [](World& w) { w.crls.Drop(w.in); },       [](World& w) { w.messages.Drop(w.in); },
-    [](World& w) { w.envelopes.Drop(w.in); },  [](World& w) { w.responses.Drop(w.in); },
-};
-
-template <size_t Count>
-void Play(World& w, const Step (&steps)[Count]) {
-    steps[w.in.Octet() % Count](w);
-}
+void PlayAny(World& w, const auto& steps) { steps[w.in.Octet() % std::size(steps)](w); }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    World world{Source(data, size), {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}};
+    World world{{}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, Source(data, size)};
     for (int steps = 0; steps < 60 && !world.in.IsEmpty(); ++steps) {
-        switch (world.in.Octet() % 9) {
-            case 0:
-            case 1: Play(world, kParts); break;
-            case 2:
-            case 3: Play(world, kDocuments); break;
-            case 4:
-            case 5: Play(world, kMessages); break;
-            case 6:
-            case 7: Play(world, kAnswers); break;
-            default: Play(world, kDrops);
-        }
+        const int kind = world.in.Octet() % 8;
+        kind == 0 ? PlayAny(world, kOthers) : kind < 3 ? PlayAny(world, kMoves) : PlayAny(world, kCalls);
     }
     return 0;
 }

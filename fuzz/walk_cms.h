@@ -10,39 +10,36 @@ inline void WalkMessageAttributes(RsaAttributes attributes) {
     if (!Get(EncodeRsaAttributes, attributes)) return;
     WalkAttributes(attributes);
     Each(GetRsaAttributesAttributesCount, attributes, [&](uint32_t i) {
-        const auto count = [=](auto of, uint32_t* n) { return GetRsaAttributesAttributeValuesCount(of, i, n); };
-        Each(count, attributes,
-             [&](uint32_t j) { WalkAttributeValue(Sure(Get(GetRsaAttributesAttributeValue, attributes, i, j))[0]); });
+        const uint32_t values = Lent(GetRsaAttributesAttributeValuesCount, attributes, i);
+        for (uint32_t j = 0; j < values; ++j)
+            WalkAttributeValue(Sure(Get(GetRsaAttributesAttributeValue, attributes, i, j))[0]);
     });
 }
 
 // What an identifier gives, set again, changes nothing; nor does its name, which is its own.
-template <class T, class Encode>
-void WalkIdentifier(T* of, auto get, auto setIssuer, auto setKeyId, Encode encode) {
+void WalkIdentifier(auto* of, auto get, auto setIssuer, auto setKeyId) {
     X509Name* issuer = nullptr;
-    Bytes serial(1 << 16), keyId(1 << 16);
-    uint32_t serialLength = serial.size(), keyIdLength = keyId.size();
-    if (!Ok(get(of, &issuer, serial.data(), &serialLength, keyId.data(), &keyIdLength))) return;
-    const auto before = encode(of);
+    const auto before = Get(get, of, &issuer, kOut, kOut);
+    if (!before) return;
+    const auto& [serial, keyId] = *before;
     if (issuer != nullptr) WalkName(issuer);
-    Require((issuer != nullptr ? keyIdLength : serialLength) == 0);
-    Require(Ok(issuer != nullptr ? setIssuer(of, issuer, serial.data(), serialLength)
-                                 : setKeyId(of, keyId.data(), keyIdLength)));
-    Require(encode(of) == before);
+    Require((issuer != nullptr ? keyId : serial).size() == 0);
+    Require(Ok(issuer != nullptr ? setIssuer(of, issuer, serial.data(), serial.size())
+                                 : setKeyId(of, keyId.data(), keyId.size())));
+    Require(Get(get, of, &issuer, kOut, kOut) == before);
 }
 
 // The certificates that a message carries are in it already.
 template <class T>
 void WalkCertificateSet(T* of, auto count, auto get, auto add) {
-    uint32_t before = 0, after = 0;
-    Require(Ok(count(of, &before)));
+    const uint32_t before = Lent(count, of);
     Each(count, of, [&](uint32_t i) {
         uint8_t kind = 0;
         const auto certificate = Get(get, of, i, &kind);
         if (!certificate || kind == 0 || (*certificate)[0].Has(0xBF)) return;
         Require(Ok(add(of, kind, (*certificate)[0].data(), (*certificate)[0].size())));
     });
-    Require(Ok(count(of, &after)) && after == before);
+    Require(Lent(count, of) == before);
 }
 
 inline void WalkCrlSet(auto* of, auto count, auto get) {
@@ -55,34 +52,27 @@ inline void WalkCrlSet(auto* of, auto count, auto get) {
 // ---- Signed messages ----
 
 inline void WalkSigner(CmsSignerInfo* signer) {
-    int32_t version = 0;
-    RsaAttributes attributes = nullptr;
-    (void)GetCmsSignerInfoVersion(signer, &version);
-    Sure(Get(GetCmsSignerInfoDigestAlgorithmOidAndParameters, signer, kOut, kOut));
-    Sure(Get(GetCmsSignerInfoSignatureAlgorithmOidAndParameters, signer, kOut, kOut));
-    Sure(Get(GetCmsSignerInfoSignature, signer));
     WalkIdentifier(signer, GetCmsSignerInfoSignerIdentifier, SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber,
-                   SetCmsSignerInfoSignerSubjectKeyIdentifier, [](CmsSignerInfo* of) {
-                       X509Name* issuer = nullptr;
-                       return Sure(Get(GetCmsSignerInfoSignerIdentifier, of, &issuer, kOut, kOut));
-                   });
+                   SetCmsSignerInfoSignerSubjectKeyIdentifier);
     const auto [encoded] = Sure(Get(GetCmsSignerInfoEncodedSignedAttributes, signer));
-    Require(Ok(GetCmsSignerInfoSignedAttributes(signer, &attributes)));
     Require(encoded.size() == 0 || encoded.data()[0] == 0x31);
-    WalkMessageAttributes(attributes);
-    Require(Ok(GetCmsSignerInfoUnsignedAttributes(signer, &attributes)));
-    WalkMessageAttributes(attributes);
+    WalkMessageAttributes(Lent(GetCmsSignerInfoSignedAttributes, signer));
+    WalkMessageAttributes(Lent(GetCmsSignerInfoUnsignedAttributes, signer));
+    WalkVersion(signer, GetCmsSignerInfoVersion, SetCmsSignerInfoVersion);
+    Require(Carry<Octets>(Of(GetCmsSignerInfoSignature, signer), Of(SetCmsSignerInfoSignature, signer)));
+    Require(Carry<Oid, Maybe>(Of(GetCmsSignerInfoDigestAlgorithmOidAndParameters, signer),
+                              Of(SetCmsSignerInfoDigestAlgorithmOidAndParameters, signer)));
+    Require(Carry<Oid, Maybe>(Of(GetCmsSignerInfoSignatureAlgorithmOidAndParameters, signer),
+                              Of(SetCmsSignerInfoSignatureAlgorithmOidAndParameters, signer)));
 }
 
 inline void WalkSignedData(CmsSignedData* message) {
-    int32_t version = 0;
-    CmsContentInfo* content = nullptr;
-    (void)GetCmsSignedDataVersion(message, &version);
+    WalkVersion(message, GetCmsSignedDataVersion, SetCmsSignedDataVersion);
     Each(GetCmsSignedDataDigestAlgorithmsCount, message, [&](uint32_t i) {
         Require(Carry<Oid, Maybe>(Of(GetCmsSignedDataDigestAlgorithmOidAndParameters, message, i),
                                   Of(AddCmsSignedDataDigestAlgorithmOidAndParameters, message)));
     });
-    Require(Ok(GetCmsSignedDataContentInfo(message, &content)));
+    const CmsContentInfo* content = Lent(GetCmsSignedDataContentInfo, message);
     Require(Sure(Get(GetCmsSignedDataContentTypeOid, message)) == Sure(Get(GetCmsContentInfoTypeOid, content)));
     const auto signedContent = Sure(Get(GetCmsSignedDataContent, message));
     Require(signedContent == Sure(Get(GetCmsContentInfoContent, content)));
@@ -90,11 +80,8 @@ inline void WalkSignedData(CmsSignedData* message) {
     WalkCertificateSet(message, GetCmsSignedDataCertificatesCount, GetCmsSignedDataEncodedCertificate,
                        AddCmsSignedDataEncodedCertificate);
     WalkCrlSet(message, GetCmsSignedDataCrlsCount, GetCmsSignedDataEncodedCrl);
-    Each(GetCmsSignedDataSignerInfosCount, message, [&](uint32_t i) {
-        CmsSignerInfo* signer = nullptr;
-        Require(Ok(GetCmsSignedDataSignerInfo(message, i, &signer)));
-        WalkSigner(signer);
-    });
+    Each(GetCmsSignedDataSignerInfosCount, message,
+         [&](uint32_t i) { WalkSigner(Lent(GetCmsSignedDataSignerInfo, message, i)); });
 }
 
 // And setters. A new signer can't be written until it is somebody, a CRL that was added never; without them the message
@@ -103,11 +90,10 @@ inline void WalkAndChangeSignedData(CmsSignedData* original) {
     const auto owner = Make<FreeCmsSignedData>(CreateCmsSignedDataCopy, original);
     if (!owner) return;  // something in it can't be copied
     CmsSignedData* copy = owner.get();
-    const auto encoded = Get(EncodeCmsSignedData, copy);
-    Require(encoded.has_value());
-    CmsSignerInfo* signer = nullptr;
-    uint32_t signers = 0, length = 0;
-    Require(Ok(GetCmsSignedDataSignerInfosCount(copy, &signers)) && Ok(AddCmsSignedDataSignerInfo(copy, &signer)));
+    const MaybeBytes encoded = Sure(Get(EncodeCmsSignedData, copy));
+    const uint32_t signers = Lent(GetCmsSignedDataSignerInfosCount, copy);
+    uint32_t length = 0;
+    Require(Lent(AddCmsSignedDataSignerInfo, copy) != nullptr);
     Require(EncodeCmsSignedData(copy, nullptr, &length) == StatusAbsent);
     Require(Ok(DeleteCmsSignedDataSignerInfo(copy, signers)) && Get(EncodeCmsSignedData, copy) == encoded);
     Require(Ok(AddCmsSignedDataEncodedCrl(copy, CmsCrlKindCertificateList, (*encoded)[0].data(), 1)));
@@ -120,8 +106,19 @@ inline void WalkAndChangeSignedData(CmsSignedData* original) {
     Sure(Get(EncodeCmsSignedData, copy));
 }
 
-// A file's bytes: what is left without a signer is a message, or plain content.
+// A file's bytes: what is left without a signer is a message, or plain content; a new signer is one more.
+inline uint32_t CountSigners(const Bytes& in) {
+    for (uint32_t signers = 0;; ++signers)
+        if (!Ok(GetBufferCmsSignatureTime(signers + 1, in.data(), in.size(), nullptr))) return signers;
+}
+
 inline void WalkMessageFile(const Bytes& in) {
+    // Serial number 5, issuer CN=A, nothing else of interest.
+    const Bytes signer(
+        "0\2000\200\002\001\0050\004\006\002*"
+        "\0030\0141\0120\010\006\003U\004\003\014\001A0\036\027\015250101000000Z\027\015250101000000Z0\0000\0120\004"
+        "\006\002*\003\003\002\000\001\000\0000\004\006\002*\003\003\002\000\001\000\000\000",
+        88);
     for (const uint32_t number : {1u, 2u}) {
         uint8_t text[1100];
         uint32_t length = sizeof text;
@@ -130,44 +127,46 @@ inline void WalkMessageFile(const Bytes& in) {
         const auto left = Get(DeleteBufferCmsSignerInfo, number, in.data(), in.size());
         if (left && number == 2)
             Require(Make<FreeCmsContentInfo>(DecodeCmsContentInfo, (*left)[0].data(), (*left)[0].size()) != nullptr);
+        const auto more = Get(CreateCmsFileSignature2, number == 1 ? nullptr : kAnyBytes, 2, kAnyBytes, 2, &kAnyTime,
+                              kAnyBytes, nullptr, 0, signer.data(), signer.size(), nullptr, nullptr, 0, kAnyBytes,
+                              nullptr, 0, number - 1, nullptr, nullptr, kAnyBytes, 2, in.data(), in.size());
+        if (more) Require(CountSigners((*more)[0]) == CountSigners(in) + 1);
     }
 }
 
 // ---- Enveloped messages ----
 
-inline void WalkGostTransport(GostR3410KeyTransport* transport) {
-    for (const auto get : {GetGostR3410KeyTransportEncryptedKey, GetGostR3410KeyTransportMacKey,
-                           GetGostR3410KeyTransportMaskKey, GetGostR3410KeyTransportUkm,
-                           GetGostR3410KeyTransportEncryptionParamSetOid, GetGostR3410KeyTransportEphemeralPublicKey}) {
-        (void)Get(get, transport);
-    }
-    (void)Get(GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters, transport, kOut, kOut);
-    const uint8_t byte[] = {1, 42};
-    Require(Ok(SetGostR3410KeyTransportMaskKey(transport, byte, 1)) &&
-            Ok(SetGostR3410KeyTransportUkm(transport, byte, 1)));
-    Require(Ok(SetGostR3410KeyTransportEphemeralPublicKey(transport, byte, 2)));
-    Require(Ok(SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(transport, byte, nullptr, 0)));
-    Require(Ok(SetGostR3410KeyTransportEncryptionParamSetOid(transport, byte)));
-    Sure(Get(EncodeGostR3410KeyTransport, transport));
-    Require(Ok(SetGostR3410KeyTransportEphemeralPublicKey(transport, nullptr, 0)));
+inline void WalkGostTransport(GostR3410KeyTransport* from) {
+    const auto rebuilt = Make<FreeGostR3410KeyTransport>(CreateGostR3410KeyTransport);
+    GostR3410KeyTransport* const to = rebuilt.get();
+    // A set that is there already would be emptied.
+    if (!Carry<Oid>(Of(GetGostR3410KeyTransportEncryptionParamSetOid, from),
+                    Of(SetGostR3410KeyTransportEncryptionParamSetOid, to)))
+        for (auto* each : {from, to}) Require(Ok(SetGostR3410KeyTransportEncryptionParamSetOid(each, kAnyBytes)));
+    const auto octets = [=](auto get, auto set) { Share<Octets>(from, to, get, set, kAnyBytes, 2); };
+    octets(GetGostR3410KeyTransportEncryptedKey, SetGostR3410KeyTransportEncryptedKey);
+    octets(GetGostR3410KeyTransportMacKey, SetGostR3410KeyTransportMacKey);
+    octets(GetGostR3410KeyTransportMaskKey, SetGostR3410KeyTransportMaskKey);
+    octets(GetGostR3410KeyTransportUkm, SetGostR3410KeyTransportUkm);
+    octets(GetGostR3410KeyTransportEphemeralPublicKey, SetGostR3410KeyTransportEphemeralPublicKey);
+    Share<Oid, Maybe>(from, to, GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters,
+                      SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters, kAnyBytes, nullptr, 0);
+    RequireSame(Get(EncodeGostR3410KeyTransport, from), Get(EncodeGostR3410KeyTransport, to));
 }
 
 inline void WalkRecipient(KeyTrans* recipient) {
-    int32_t version = 0;
-    (void)GetKeyTransVersion(recipient, &version);
-    Sure(Get(GetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient, kOut, kOut));
+    WalkVersion(recipient, GetKeyTransVersion, SetKeyTransVersion);
+    Require(Carry<Oid, Maybe>(Of(GetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient),
+                              Of(SetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient)));
     const auto [key] = Sure(Get(GetKeyTransEncryptedKey, recipient));
     WalkIdentifier(recipient, GetKeyTransRecipientIdentifier, SetKeyTransRecipientIdentifierIssuerAndSerialNumber,
-                   SetKeyTransRecipientIdentifierSubjectKeyIdentifier,
-                   [](KeyTrans* of) { return Get(EncodeKeyTrans, of); });
+                   SetKeyTransRecipientIdentifierSubjectKeyIdentifier);
     WalkObject<FreeGostR3410KeyTransport>(key, DecodeGostR3410KeyTransport, EncodeGostR3410KeyTransport,
                                           WalkGostTransport);
 }
 
 inline void WalkEnvelopedData(CmsEnvelopedData* message) {
-    int32_t version = 0;
-    RsaAttributes attributes = nullptr;
-    (void)GetCmsEnvelopedDataVersion(message, &version);
+    WalkVersion(message, GetCmsEnvelopedDataVersion, SetCmsEnvelopedDataVersion);
     WalkCertificateSet(message, GetCmsEnvelopedDataCertificatesCount, GetCmsEnvelopedDataEncodedCertificate,
                        AddCmsEnvelopedDataEncodedCertificate);
     WalkCrlSet(message, GetCmsEnvelopedDataCrlsCount, GetCmsEnvelopedDataEncodedCrl);
@@ -182,8 +181,7 @@ inline void WalkEnvelopedData(CmsEnvelopedData* message) {
     const auto [oid, parameters] =
         Sure(Get(GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message, kOut, kOut));
     WalkParts<Octets, Oid>(parameters, Complete(DecodeGost2814789Parameters), EncodeGost2814789Parameters);
-    Require(Ok(GetCmsEnvelopedDataUnprotectedAttributes(message, &attributes)));
-    WalkMessageAttributes(attributes);
+    WalkMessageAttributes(Lent(GetCmsEnvelopedDataUnprotectedAttributes, message));
     Require(Ok(RemoveCmsEnvelopedDataCrls(message)) && Ok(RemoveCmsEnvelopedDataCertificates(message)));
     Require(Ok(RemoveCmsEnvelopedDataRecipientInfos(message)));
     Sure(Get(EncodeCmsEnvelopedData, message));
@@ -208,15 +206,11 @@ inline void WalkContentInfo(CmsContentInfo* info) {
 }
 
 inline void WalkSeveral(SeveralData* several) {
-    uint32_t count = 0;
-    Each(GetSeveralDataContentInfoCount, several, [&](uint32_t i) {
-        CmsContentInfo* info = nullptr;
-        Require(Ok(GetSeveralDataContentInfo(several, i, &info)));
-        WalkContentInfo(info);
-    });
-    while (Ok(GetSeveralDataContentInfoCount(several, &count)) && count != 0) {
-        Require(Ok(RemoveSeveralDataContentInfo(several, 0)));
-    }
+    Each(GetSeveralDataContentInfoCount, several,
+         [&](uint32_t i) { WalkContentInfo(Lent(GetSeveralDataContentInfo, several, i)); });
+    Each(GetSeveralDataContentInfoCount, several,
+         [&](uint32_t) { Require(Ok(RemoveSeveralDataContentInfo(several, 0))); });
+    Require(Lent(GetSeveralDataContentInfoCount, several) == 0);
 }
 
 inline void WalkMessage(const Bytes& in) {

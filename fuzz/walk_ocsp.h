@@ -1,26 +1,19 @@
 // Walks over OCSP requests and responses, which are made anew of what their getters give.
 #pragma once
 
-#include "walk_parts.h"
+#include "walk_x509.h"
 
 namespace walk {
 
-constexpr LibraryTime kAnyTime = {2025, 1, 1, 0, 0, 0};
-
 // Extensions and certificates are documents of their own: they are walked and taken away.
 void TakeExtensions(auto* from, auto get) {
-    X509Extensions extensions = nullptr;
-    Require(Ok(get(from, &extensions)));
+    const X509Extensions extensions = Lent(get, from);
     WalkExtensions(extensions);
     Require(Ok(RemoveX509Extensions(extensions)));
 }
 
 void TakeCertificates(auto* from, auto count, auto get, auto remove) {
-    Each(count, from, [&](uint32_t i) {
-        Certificate* certificate = nullptr;
-        Require(Ok(get(from, i, &certificate)));
-        WalkCertificate(certificate);
-    });
+    Each(count, from, [&](uint32_t i) { WalkCertificate(Lent(get, from, i)); });
     Require(Ok(remove(from)));
 }
 
@@ -29,10 +22,9 @@ void TakeCertificates(auto* from, auto count, auto get, auto remove) {
 inline auto RebuildSingleResponse(OcspSingleResponse* from) {
     auto rebuilt = Make<FreeOcspSingleResponse>(CreateOcspSingleResponse);
     OcspSingleResponse* const to = rebuilt.get();
-    uint32_t answer = 3;
     Require(Carry<Oid, Maybe, Octets, Octets, Octets>(Of(Complete(GetOcspSingleResponseCertID), from),
                                                       Of(SetOcspSingleResponseCertID, to)));
-    Require(Ok(GetOcspSingleResponseCertStatus(from, &answer)) && answer < 3);
+    const uint32_t answer = Lent(GetOcspSingleResponseCertStatus, from);
     if (answer == 1)
         Share<Time, Flag>(from, to, GetOcspSingleResponseCertStatusRevokedInfo, SetOcspSingleResponseCertStatusRevoked,
                           &kAnyTime, -1);
@@ -53,8 +45,7 @@ inline auto RebuildBasicResponse(OcspBasicResponse* from) {
     Share<Number>(from, to, GetOcspBasicResponseVersion, SetOcspBasicResponseVersion, 0);
     Share<Time>(from, to, GetOcspBasicResponseProducedAt, SetOcspBasicResponseProducedAt, &kAnyTime);
     Each(GetOcspBasicResponseSingleResponsesCount, from, [&](uint32_t i) {
-        OcspSingleResponse* single = nullptr;
-        Require(Ok(GetOcspBasicResponseSingleResponse(from, i, &single)));
+        OcspSingleResponse* const single = Lent(GetOcspBasicResponseSingleResponse, from, i);
         Require(Ok(AddOcspBasicResponseSingleResponse(to, RebuildSingleResponse(single).release())));
     });
     Share<Octets>(from, to, GetOcspBasicResponseSignature, SetOcspBasicResponseSignature, nullptr, 0);
@@ -102,7 +93,7 @@ inline void WalkOcspResponse(OcspResponse* from) {
 
 // Extensions of an entry. An empty cell can't be copied.
 struct Cell : Plain<X509Extensions> {
-    auto In(const Bytes*&) const { return std::tuple(Get(EncodeX509Extensions, value) ? value : nullptr); }
+    X509Extensions In() const { return Get(EncodeX509Extensions, value) ? value : nullptr; }
 };
 
 inline void WalkOcspRequest(OcspRequest* from) {
@@ -127,8 +118,7 @@ inline void WalkOcspRequest(OcspRequest* from) {
 }
 
 inline void WalkOcsp(const Bytes& in) {
-    const bool stable = !in.Has(0x9F) && !in.Has(0xBF);  // as in WalkValue
-    WalkObject<FreeOcspRequest>(in, DecodeOcspRequest, EncodeOcspRequest, WalkOcspRequest, stable);
+    WalkObject<FreeOcspRequest>(in, DecodeOcspRequest, EncodeOcspRequest, WalkOcspRequest, IsStable(in));
     WalkObject<FreeOcspResponse>(in, DecodeOcspResponse, EncodeOcspResponse, WalkOcspResponse);
     WalkResponsePart(in);
 }
