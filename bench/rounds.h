@@ -61,6 +61,11 @@ protected:
         if (Time(work) == 0) return;
         printf("  %-40s %10.0f ns  %6.2f %s\n", what.c_str(), Time(work), Time(work) / Time(other), otherName);
     }
+    static double Seconds(const Work& work, int times) {
+        const double start = Now();
+        for (int i = 0; i < times; ++i) work.run();
+        return Now() - start;
+    }
     // What there is of every document.
     void PrintFloorAndOwn(size_t bytes, size_t nodes) const {
         printf("\n%s: %zu bytes, %zu nodes\n", name_.c_str(), bytes, nodes);
@@ -75,11 +80,6 @@ private:
         timespec now{};
         clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
         return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-    }
-    static double Seconds(const Work& work, int times) {
-        const double start = Now();
-        for (int i = 0; i < times; ++i) work.run();
-        return Now() - start;
     }
 
     std::string name_;
