@@ -65,6 +65,7 @@ private:
 
 template <class... Pools>
 struct WorldOf : Pools... {
+    explicit WorldOf(Source source) : in(source) {}
     Source in;
     std::vector<Bytes> arguments{};  // of one call
     void* Keep(Bytes bytes) { return arguments.emplace_back(std::move(bytes)).data(); }
@@ -86,7 +87,18 @@ using World = WorldOf<
     Pool<OcspRequest, CreateOcspRequest, FreeOcspRequest>,
     Pool<OcspSingleResponse, CreateOcspSingleResponse, FreeOcspSingleResponse>,
     Pool<OcspBasicResponse, CreateOcspBasicResponse, FreeOcspBasicResponse>,
-    Pool<OcspBasicResponses, CreateOcspBasicResponses, FreeOcspBasicResponses>>;
+    Pool<OcspBasicResponses, CreateOcspBasicResponses, FreeOcspBasicResponses>,
+    Pool<X509RevokedCertificates, CreateX509RevokedCertificates, FreeX509RevokedCertificates>,
+    Pool<X509GeneralName, CreateX509GeneralName, FreeX509GeneralName>,
+    Pool<X509GeneralNames, CreateX509GeneralNames, FreeX509GeneralNames>,
+    Pool<PKIFreeText, CreatePKIFreeText, FreePKIFreeText>, Pool<OctetStrings, CreateOctetStrings, FreeOctetStrings>,
+    Pool<ExtensionExtendedKeyUsage, CreateExtensionExtendedKeyUsage, FreeExtensionExtendedKeyUsage>,
+    Pool<ExtensionCertificatePolicies, CreateExtensionCertificatePolicies, FreeExtensionCertificatePolicies>,
+    Pool<ExtensionCrlDistributionPoints, CreateExtensionCrlDistributionPoints, FreeExtensionCrlDistributionPoints>,
+    Pool<ExtensionAuthorityInformationAccess, CreateExtensionAuthorityInformationAccess,
+         FreeExtensionAuthorityInformationAccess>,
+    Pool<CrlListIDs, CreateCrlListIDs, FreeCrlListIDs>, Pool<OcspListIDs, CreateOcspListIDs, FreeOcspListIDs>,
+    Pool<CrlOcspRefs, CreateCrlOcspRefs, FreeCrlOcspRefs>>;
 using Step = void (*)(World&);
 
 template <class Object, auto Create, auto Free>
@@ -203,7 +215,11 @@ constexpr auto& kCalls = kPlays<
     SetKeyTransRecipientIdentifierSubjectKeyIdentifier, SetKeyTransEncryptedKey, AddOcspRequestCertRequest,
     RemoveOcspRequestSignature, SetOcspSingleResponseCertID, SetOcspSingleResponseCertStatusRevoked,
     SetOcspSingleResponseCertStatusGood, SetOcspSingleResponseThisUpdate, SetOcspBasicResponseResponderID,
-    SetOcspBasicResponseProducedAt, ClearOcspBasicResponseResponses>;
+    SetOcspBasicResponseProducedAt, ClearOcspBasicResponseResponses, AddX509RevokedCertificatesRevokedCertificate,
+    AddX509GeneralName, AddPKIFreeTextString, AddOctetStringsValue, AddExtensionExtendedKeyUsage,
+    RemoveExtensionExtendedKeyUsage, AddExtensionPolicyInformation, AddExtensionPolicyQualifier,
+    RemoveExtensionPolicyInformation, RemoveExtensionPolicyQualifier, RemoveExtensionCrlDistributionPoint,
+    RemoveExtensionAuthorityInformationAccess, AddCrlValidatedIdToList, AddOcspResponseIdToList>;
 constexpr auto& kMoves =
     kSteps<Adopt<AddCertificateToCertificates>, Adopt<AddX509CrlToX509Crls>, Adopt<AddSeveralDataContentInfo>,
            Adopt<AddOcspRequestCertificate>, Adopt<AddOcspBasicResponseSingleResponse>,
@@ -215,7 +231,12 @@ constexpr auto& kMoves =
            Reread<EncodeCmsSignedData, DecodeCmsSignedData>, Reread<EncodeCmsContentInfo, DecodeCmsContentInfo>,
            Reread<EncodeSeveralData, DecodeSeveralData>, Reread<EncodeCmsEnvelopedData, DecodeCmsEnvelopedData>,
            Reread<EncodeKeyTrans, DecodeKeyTrans>, Reread<EncodeOcspRequest, DecodeOcspRequest>,
-           Reread<EncodeOcspBasicResponse, DecodeOcspBasicResponse>>;
+           Reread<EncodeOcspBasicResponse, DecodeOcspBasicResponse>,
+           Reread<EncodeX509GeneralNames, DecodeX509GeneralNames>, Reread<EncodePKIFreeText, DecodePKIFreeText>,
+           Reread<EncodeExtensionExtendedKeyUsage, DecodeExtensionExtendedKeyUsage>,
+           Reread<EncodeExtensionCertificatePolicies, DecodeExtensionCertificatePolicies>,
+           Reread<EncodeExtensionCrlDistributionPoints, DecodeExtensionCrlDistributionPoints>,
+           Reread<EncodeExtensionAuthorityInformationAccess, DecodeExtensionAuthorityInformationAccess>>;
 constexpr Step kOthers[] = {
     Play<AddX509ExtensionsExtension, 1>,
     [](World& w) { w.DropAny(); },
@@ -238,6 +259,30 @@ constexpr Step kOthers[] = {
                Pick<RsaAttributesCell>(w));
     },
     [](World& w) {
+        PoolOf<X509GeneralName>(w).HandOver(w.in, [&](auto* location) {
+            const Bytes method = w.in.Oid();
+            return AddExtensionAuthorityInformationAccess(Pick<ExtensionAuthorityInformationAccess>(w), method.data(),
+                                                          location);
+        });
+    },
+    [](World& w) {
+        auto* const points = Pick<ExtensionCrlDistributionPoints>(w);
+        PoolOf<X509GeneralNames>(w).HandOver(w.in, [&](auto* names) {
+            return w.in.Octet() % 2 != 0 ? AddExtensionCrlDistributionPoint(points, names, nullptr, 0, nullptr)
+                                         : AddExtensionCrlDistributionPoint(points, nullptr, nullptr, 6, names);
+        });
+        PoolOf<X509Name>(w).HandOver(w.in, [&](auto* name) {
+            return AddExtensionCrlDistributionPoint(points, nullptr, name, w.in.Octet(), nullptr);
+        });
+    },
+    [](World& w) {
+        auto* const references = Pick<CrlOcspRefs>(w);
+        PoolOf<CrlListIDs>(w).HandOver(
+            w.in, [=](auto* list) { return AddCrlOcspRefToList(references, list, nullptr, nullptr, nullptr, 0); });
+        PoolOf<OcspListIDs>(w).HandOver(
+            w.in, [=](auto* list) { return AddCrlOcspRefToList(references, nullptr, list, nullptr, nullptr, 0); });
+    },
+    [](World& w) {
         const Bytes name = w.in.Oid();
         (void)SetOcspRequestRequestorName(Pick<OcspRequest>(w), w.in.Octet() % 10, name.data(), name.size());
     },
@@ -249,7 +294,7 @@ void PlayAny(World& w, const auto& steps) { steps[w.in.Octet() % std::size(steps
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    World world{{}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, Source(data, size)};
+    World world(Source(data, size));
     for (int steps = 0; steps < 60 && !world.in.IsEmpty(); ++steps) {
         const int kind = world.in.Octet() % 8;
         kind == 0 ? PlayAny(world, kOthers) : kind < 3 ? PlayAny(world, kMoves) : PlayAny(world, kCalls);
