@@ -259,6 +259,10 @@ constexpr Step kOthers[] = {
                Pick<RsaAttributesCell>(w));
     },
     [](World& w) {
+        const Bytes value = w.in.Text();
+        X509GeneralName* name = nullptr;
+        (void)AllocX509GeneralNameValue(&name, w.in.Octet() % 10, value.data(), value.size());
+        PoolOf<X509GeneralName>(w).Put(w.in, name);
         PoolOf<X509GeneralName>(w).HandOver(w.in, [&](auto* location) {
             const Bytes method = w.in.Oid();
             return AddExtensionAuthorityInformationAccess(Pick<ExtensionAuthorityInformationAccess>(w), method.data(),
