@@ -259,7 +259,7 @@ constexpr Step kOthers[] = {
                Pick<RsaAttributesCell>(w));
     },
     [](World& w) {
-        const Bytes value = w.in.Text();
+        const Bytes value = w.in.Oid();  // a registeredID is read by its first byte
         X509GeneralName* name = nullptr;
         (void)AllocX509GeneralNameValue(&name, w.in.Octet() % 10, value.data(), value.size());
         PoolOf<X509GeneralName>(w).Put(w.in, name);
