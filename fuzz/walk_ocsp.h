@@ -106,7 +106,7 @@ inline void WalkOcspRequest(OcspRequest* from) {
                                                                 Of(AddOcspRequestCertRequest, to)));
     });
     if (Ok(IsExistsOcspRequestSignature(from)))
-        Share<Octets>(from, to, GetOcspRequestSignature, SetOcspRequestSignature, nullptr, 0);
+        Share<Octets>(from, to, GetOcspRequestSignature, SetOcspRequestSignature, kAnyBytes, 1);
     Carry<Oid, Maybe>(Of(GetOcspRequestSignatureAlgorithmAndParameters, from),
                       Of(SetOcspRequestSignatureAlgorithmOidAndParameters, to));
     TakeExtensions(from, GetOcspRequestExtensions);
