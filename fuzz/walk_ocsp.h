@@ -48,7 +48,7 @@ inline auto RebuildBasicResponse(OcspBasicResponse* from) {
         OcspSingleResponse* const single = Lent(GetOcspBasicResponseSingleResponse, from, i);
         Require(Ok(AddOcspBasicResponseSingleResponse(to, RebuildSingleResponse(single).release())));
     });
-    Share<Octets>(from, to, GetOcspBasicResponseSignature, SetOcspBasicResponseSignature, nullptr, 0);
+    Share<Octets>(from, to, GetOcspBasicResponseSignature, SetOcspBasicResponseSignature, kAnyBytes, 1);
     Require(Carry<Oid, Maybe>(Of(GetOcspBasicResponseSignatureAlgorithmAndParameters, from),
                               Of(SetOcspBasicResponseSignatureAlgorithmOidAndParameters, to)));
     TakeExtensions(from, GetOcspBasicResponseExtensions);

@@ -6,7 +6,7 @@
 #   AVAILABLE   what "<!-- run: WHAT -->" can ask for
 #   JAR         may be empty
 #   INSTALLED   may be empty; where the library has been installed, and INSTALLED_LIBRARIES in there: the commands can
-#               build with it
+#               build with it, CMake by GENERATOR
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/page.cmake)
 
@@ -19,6 +19,7 @@ endif()
 if(INSTALLED)
     set(ENV{PKG_CONFIG_PATH} ${INSTALLED_LIBRARIES}/pkgconfig)
     set(ENV{CMAKE_PREFIX_PATH} ${INSTALLED})
+    set(ENV{CMAKE_GENERATOR} ${GENERATOR})
     set(ENV{LD_LIBRARY_PATH} ${INSTALLED_LIBRARIES})
 endif()
 
