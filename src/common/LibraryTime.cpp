@@ -2,6 +2,7 @@
 
 #include <time.h>
 
+#include <atomic>
 #include <new>
 
 #include "engine/failure.h"
@@ -88,8 +89,16 @@ constexpr uint32_t kDecember = 12;
 // What a day may be, by month: 29 February passes in every year, on purpose.
 constexpr uint32_t kLastDay[] = {0, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-// What additions count with. February is changed by them and remembered, which callers see and is intended.
-uint32_t countedDays[] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+// What additions count with, but for February, whose length is changed by them and remembered by all threads together,
+// which callers see and is intended.
+constexpr uint32_t kDaysOfMonth[] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+constinit std::atomic<uint32_t> daysOfFebruary = 28;
+
+void SetDaysOfFebruary(uint32_t days) { daysOfFebruary.store(days, std::memory_order_relaxed); }
+
+uint32_t DaysOf(uint32_t month) {
+    return month == kFebruary ? daysOfFebruary.load(std::memory_order_relaxed) : kDaysOfMonth[month];
+}
 
 struct Component {
     uint32_t* field;
@@ -174,16 +183,16 @@ Status AddDays(Record* record, uint32_t days) {
     if (record == nullptr) return Fail(StatusBadArgument);
     if (record->month > kDecember) return Fail(StatusBadTime);
     // In a common year the cell stays as it is: only a change of the year makes it 28 again.
-    if (IsLeapYear(record->year)) countedDays[kFebruary] = 29;
+    if (IsLeapYear(record->year)) SetDaysOfFebruary(29);
     uint32_t year = record->year;
     uint32_t month = record->month;
     uint32_t day = record->day + days;
-    while (day > countedDays[month]) {
-        day -= countedDays[month];
+    for (uint32_t length = DaysOf(month); day > length; length = DaysOf(month)) {
+        day -= length;
         if (++month <= kDecember) continue;
         month = 1;
         ++year;
-        countedDays[kFebruary] = IsLeapYear(year) ? 29 : 28;
+        SetDaysOfFebruary(IsLeapYear(year) ? 29 : 28);
     }
     record->year = year;
     record->month = month;
