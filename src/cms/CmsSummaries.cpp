@@ -19,8 +19,6 @@ constexpr Cp1251Literal kCrlHeadWithEnd(
     u8"Версия=%d, Действителен с %02u.%02u.%04u %02u:%02u:%02u GMT, "
     u8"по %02u.%02u.%04u %02u:%02u:%02u GMT, Поставщик: ");
 
-constexpr char kVersionInfo[] = "TLVFORGE v1.0 (64bit) 05/02/2019 (R.3729) Kestrelon";
-
 struct LocalTime {
     uint32_t day = 0, month = 0, year = 0, hour = 0, minute = 0, second = 0;
 
@@ -104,9 +102,4 @@ Status GetZelcryptIdentifierFromCertificate(const Certificate* certificate, uint
     status = Utf8ToCp1251(text, &capacity, utf8->data, utf8->length);
     *length = capacity;
     return status;
-}
-
-Status GetVersionInfo(uint8_t* text, uint32_t* length) {
-    if (AnyNull(text, length)) return Fail(StatusBadArgument);
-    return GiveText(kVersionInfo, sizeof kVersionInfo - 1, text, length);
 }

@@ -1,8 +1,8 @@
 #include "tlvforge/cms_tools.h"
 
 #include "cms/document_parts.h"
-#include "cms/files.h"
 #include "cms/summary_text.h"
+#include "common/files.h"
 #include "engine/oids.h"
 #include "engine/output.h"
 #include "tlvforge/convert.h"

@@ -1,4 +1,4 @@
-#include "cms/files.h"
+#include "common/files.h"
 
 #include <stdio.h>
 

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "common/texts.h"
 #include "engine/output.h"
 
 using namespace tlvforge;
@@ -24,44 +25,6 @@ constexpr char kShortMarkers[] = {'A', 'B', 'C', 'D', 'X', 'Y', 'a', 'b', 'c', '
 template <size_t Count>
 bool Contains(const char (&markers)[Count], uint8_t marker) {
     return memchr(markers, marker, Count) != nullptr;
-}
-
-// Code points of the bytes 0x80 to 0xFF. The shift that is right for the letters serves all the bytes
-// without a row of their own: that is intended, the texts that are converted hold none of the others.
-struct CodePage1251 {
-    uint16_t points[128];
-
-    constexpr CodePage1251() : points() {
-        struct Row {
-            uint8_t byte;
-            uint16_t point;
-        };
-        constexpr Row exceptions[] = {
-            {0x95, 0x2022}, {0xA1, 0x040E}, {0xA2, 0x045E}, {0xA4, 0x00A4}, {0xA8, 0x0401},
-            {0xAA, 0x0404}, {0xAF, 0x0407}, {0xB0, 0x00B0}, {0xB7, 0x00B7}, {0xB8, 0x0451},
-            {0xB9, 0x2116}, {0xBA, 0x0454}, {0xBF, 0x0457},
-        };
-        for (uint32_t index = 0; index < 128; ++index) points[index] = static_cast<uint16_t>(0x80 + index + 0x350);
-        for (const Row& row : exceptions) points[row.byte - 0x80] = row.point;
-    }
-};
-constexpr CodePage1251 kCodePage1251;
-
-// Writes the UTF-8 form of a byte of the code page and gives its end.
-char* PutUtf8(uint8_t byte, char* out) {
-    if (byte < 0x80) {
-        *out++ = static_cast<char>(byte);
-        return out;
-    }
-    const uint32_t point = kCodePage1251.points[byte - 0x80];
-    if (point < 0x800) {
-        *out++ = static_cast<char>(0xC0 | point >> 6);
-    } else {
-        *out++ = static_cast<char>(0xE0 | point >> 12);
-        *out++ = static_cast<char>(0x80 | (point >> 6 & 0x3F));
-    }
-    *out++ = static_cast<char>(0x80 | (point & 0x3F));
-    return out;
 }
 
 // Suggests a size for the text.
