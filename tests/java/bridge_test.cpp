@@ -132,7 +132,7 @@ TEST(Bridge, EveryNativeGivesBackWhatItObtained) {
     __lsan::ScopedDisabler objectsThatAreCreatedOnTheWay;
 #endif
     const std::vector<Native> natives = AllNatives();
-    ASSERT_EQ(natives.size(), 783u);
+    ASSERT_GE(natives.size(), 783u);
     for (const Native& native : natives) {
         SCOPED_TRACE(native.name + " " + native.shape);
         if (native.name == "GetVersionInfo") continue;

@@ -1,0 +1,80 @@
+"""What the shared library exports, and what it needs.
+
+    exports_test.py LIBRARY bridge|plain [--instrumented] [--nm NM] [--readelf READELF]
+
+The exports are what the public headers declare and, with the bridge, a native method for each of these. The library
+needs the C library alone, and has no path of the place where it was built. What prototypes.txt records hasn't changed.
+Where the list of agreed names lies beside the checkout, names and parameters of the natives are as agreed.
+"""
+import argparse
+import subprocess
+import sys
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
+AGREED = ROOT.parent / "shared/exports.tsv"
+SYMBOL = "Java_kestrelon_x509_tlvforge_Tlvforge_dll_1"
+
+failures = 0
+
+
+def expect_within(left, right, text):
+    global failures
+    for name in sorted(set(left) - set(right)):
+        print(f"FAILED: {name} {text}")
+        failures += 1
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
+
+
+def interface(what):
+    return output_of(sys.executable, str(ROOT / "scripts/interface.py"), what)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("library", type=Path)
+    parser.add_argument("kind", choices=["bridge", "plain"])
+    parser.add_argument("--instrumented", action="store_true")
+    parser.add_argument("--nm", default="nm")
+    parser.add_argument("--readelf", default="readelf")
+    arguments = parser.parse_args()
+
+    declared = interface("names")
+    natives = {SYMBOL + name.replace("_", "_1") for name in declared} if arguments.kind == "bridge" else set()
+    exported = [line.split()[0] for line in output_of(arguments.nm, "-D", "--defined-only", "-P", arguments.library)]
+    print(f"{len(declared)} functions and {len(natives)} natives declared, {len(exported)} symbols exported")
+    expect_within(declared, exported, "is declared, but not exported")
+    expect_within(natives, exported, "is the native method of a function, but not exported")
+    expect_within(exported, natives.union(declared), "is exported, but neither a function nor a native method")
+
+    prototypes = interface("prototypes")
+    recorded = (HERE / "prototypes.txt").read_text().splitlines()
+    expect_within(recorded, prototypes, "has been released with this prototype, and it has changed or gone")
+    expect_within([""], ["" for _ in recorded], "the record of prototypes is empty")
+
+    if AGREED.exists():
+        agreed = AGREED.read_text().splitlines()
+        names = [line.split("\t")[0] for line in agreed[1:]]
+        expect_within(declared, names, "is exported, but not among the agreed names")
+        expect_within(names, declared, "is an agreed name, but not exported")
+        expect_within(interface("natives"), agreed, "is not how the parameters of the native method were agreed")
+    else:
+        print(f"SKIPPED: agreed names, {AGREED} is not there")
+
+    if arguments.instrumented:
+        print("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
+    else:
+        dynamic = output_of(arguments.readelf, "-d", "-W", arguments.library)
+        needed = [line.split("[")[1].rstrip("]") for line in dynamic if "(NEEDED)" in line]
+        expect_within(needed, ["libc.so.6"], "is needed besides the C library")
+        expect_within([line for line in dynamic if "PATH)" in line], [], "is a run path")
+        found = f"{ROOT}/".encode() in arguments.library.read_bytes()
+        expect_within([f"{ROOT}/"] * found, [], "is a path of the build in the library")
+    return 1 if failures else 0
+
+
+sys.exit(main())
