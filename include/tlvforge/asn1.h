@@ -72,7 +72,7 @@ struct Asn1Item {
 typedef struct Asn1Value {
     uint32_t type;   /* universal tag number; 0 in an empty record */
     uint32_t length; /* bytes in data */
-    uint8_t* data;   /* content octets, or null; INTEGERs are big-endian two's complement */
+    uint8_t* data;   /* content octets, or null; INTEGERs are big-endian two's complement; owned */
 } Asn1Value;
 
 /* Asn1Any holds one whole element, identifier and length octets included. */
@@ -98,8 +98,8 @@ typedef struct Asn1Choice {
 /* Asn1List is the node of SEQUENCE OF and SET OF. */
 typedef struct Asn1List {
     uint32_t count;                                         /* number of elements */
-    void** items;                                           /* elements; null until the first one */
-    uint32_t capacity;                                      /* number of elements that items has room for */
+    void** items;                                           /* elements, owned; null until the first one */
+    uint32_t capacity;                                      /* slots in items: 0, 10, then c + 200 + c / 2 */
     int (*comparator)(const void* left, const void* right); /* null */
     uint32_t sorted; /* not 0: a SET OF is put in DER order when it is encoded; 1 in a new list */
 } Asn1List;
@@ -189,7 +189,11 @@ TLVFORGE_STATUS GetAsn1ValueAndType(const void* value, uint32_t* type, uint8_t* 
 /* GetAsn1ValueLength gives the length of a value in bytes, 0 for null. */
 TLVFORGE_API uint32_t GetAsn1ValueLength(const void* value);
 
-/* AllocAsn1Boolean makes a BOOLEAN record, owned by the caller; null when out of memory. */
+/*
+ * AllocAsn1Boolean makes a BOOLEAN record, null when out of memory.
+ * *owns*: in a tree it is freed with the tree; alone by FreeAsn1Object with an item of its kind, or by the C library's
+ * free, first its data and then the record.
+ */
 TLVFORGE_API Asn1Value* AllocAsn1Boolean(uint32_t flag);
 
 /* GetAsn1Boolean stores 1 for the byte 0xFF and 0 for 0; any other content gives 307. */
@@ -199,12 +203,12 @@ TLVFORGE_STATUS GetAsn1Boolean(const Asn1Value* value, uint32_t* flag);
 TLVFORGE_STATUS CheckAsn1Boolean(const Asn1Value* value);
 TLVFORGE_STATUS CheckAsn1Integer(const Asn1Value* value);
 
-/* AllocAsn1Integer makes an INTEGER record in minimal form, owned by the caller; null when out of memory. */
+/* AllocAsn1Integer makes an INTEGER record in minimal form, *owned* as that of AllocAsn1Boolean. */
 TLVFORGE_API Asn1Value* AllocAsn1Integer(int32_t value);
 
 /*
- * AllocAsn1Integer_s makes an INTEGER record of big-endian content bytes, taken as they stand.
- * Null when out of memory, or for null data with a length above 0.
+ * AllocAsn1Integer_s makes an INTEGER record of big-endian content bytes, taken as they stand, *owned* as that of
+ * AllocAsn1Boolean. Null when out of memory, or for null data with a length above 0.
  */
 TLVFORGE_API Asn1Value* AllocAsn1Integer_s(const uint8_t* data, uint32_t length);
 

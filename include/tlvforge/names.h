@@ -153,7 +153,7 @@ TLVFORGE_API Status FreeX509GeneralName(X509GeneralName* name);
 
 /*
  * AllocX509GeneralNameValue makes a general name of bytes, which are copied and not checked.
- * out:    *owns* (FreeX509GeneralName); null after a failure other than 32.
+ * out:    *owns* (FreeX509GeneralName, or the C library's free for each block); null after a failure other than 32.
  * value:  in the form of its alternative. length: ignored for a registeredID, whose first byte tells it.
  * Status 306 for an alternative above 8.
  */

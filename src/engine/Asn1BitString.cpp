@@ -36,8 +36,7 @@ Asn1BitString* AllocAsn1BitString(const uint8_t* data, uint32_t length, uint8_t 
 
 Status SetAsn1BitString(Asn1BitString* bitString, const uint8_t* data, uint32_t length, uint8_t unusedBits, bool trim) {
     if (AnyNull(bitString, data) || unusedBits > 7) return Fail(StatusBadArgument);
-    uint8_t* copy = length != 0 ? static_cast<uint8_t*>(Allocate(length)) : nullptr;
-    if (copy != nullptr) memcpy(copy, data, length);
+    uint8_t* copy = CopyOfBytes(data, length);
     ReleaseBytes(bitString);
     *bitString = {unusedBits, length, copy};
     if (HasLostBytes(bitString)) return Fail(StatusOutOfMemory);

@@ -10,14 +10,6 @@ using namespace tlvforge;
 namespace tlvforge {
 namespace {
 
-// A copy of the bytes in a block of their own; null also for length 0.
-uint8_t* CopyOfBytes(const uint8_t* data, uint32_t length) {
-    if (length == 0) return nullptr;
-    uint8_t* copy = static_cast<uint8_t*>(Allocate(length));
-    if (copy != nullptr) memcpy(copy, data, length);
-    return copy;
-}
-
 // Bytes of a number in minimal two's complement, big-endian, right-aligned in its field.
 struct Int32Bytes {
     uint8_t bytes[4];
@@ -48,8 +40,7 @@ constexpr Asn1Item PrimitiveItem(uint8_t kind) {
 }  // namespace
 
 Asn1Value* AllocAsn1Value(uint32_t type, const uint8_t* data, uint32_t length) {
-    if (data == nullptr && length != 0) return nullptr;
-    return NewValue<Asn1Value>(type, data, length);
+    return NewValueInTwoBlocks<Asn1Value>(type, data, length);
 }
 
 // Copies first, so that a value can be set from its own bytes. After a failed copy the bytes are lost: null data

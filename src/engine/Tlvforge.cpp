@@ -146,7 +146,7 @@ Decoded DecodeAbsent(const uint8_t* at, const Asn1Item& item, Cell* out) {
         *out = nullptr;
         return at;
     }
-    if (IsPlainValue(item)) {
+    if (IsPlainValue(item) && item.kind != Asn1KindNull) {  // a NULL can't be copied
         const Asn1Value& value = *static_cast<const Asn1Value*>(item.defaultValue);
         return StoreNode(NewValue<Asn1Value>(value.type, value.data, value.length), out, at);
     }
@@ -188,10 +188,10 @@ inline Decoded DecodeElement(const uint8_t* at, const uint8_t* end, const Asn1It
 
 // A constructed OCTET STRING, which is accepted in indefinite form only: its segments are measured, then joined
 // in one block. A segment's class and form are not looked at, and a segment is not descended into.
-Decoded DecodeSegments(const uint8_t* content, const uint8_t* end, Cell* out) {
+Decoded DecodeSegments(const uint8_t* content, const uint8_t* end, bool indefinite, Cell* out) {
     uint32_t total = 0;
     const uint8_t* at = content;
-    while (at != end && !AtEndOfContents(at, end)) {
+    while (at != end && !(indefinite && AtEndOfContents(at, end))) {
         Header header;
         const Status status = ReadHeader(at, end, &header);
         if (status != StatusOk) return status;
@@ -218,30 +218,32 @@ Decoded DecodeSegments(const uint8_t* content, const uint8_t* end, Cell* out) {
     return at == end ? at : at + 2;
 }
 
-// Slots for the elements that seem to follow. The count is exact for definite elements; behind an indefinite one nobody
+// Elements that seem to follow, at least one. The count is exact for definite elements; after an indefinite one nobody
 // has looked, and the table may have to grow. It ends at the first of these, so that all counts together are linear.
-uint32_t CountSlots(const uint8_t* at, const uint8_t* end, bool indefinite) {
+uint32_t CountElements(const uint8_t* at, const uint8_t* end, bool indefinite) {
     uint32_t count = 0;
     Header header;
     while (at != end && !(indefinite && AtEndOfContents(at, end))) {
-        if (ReadHeader(at, end, &header) != StatusOk || header.indefinite) return count + kFirstSlots;
         ++count;
+        if (ReadHeader(at, end, &header) != StatusOk || header.indefinite) break;
         at += header.headerLength;
         if (header.contentLength >= static_cast<uint64_t>(end - at)) break;
         at += header.contentLength;
     }
-    return count != 0 ? count : 1;
+    return count;
 }
 
-// A decoded list is known to get elements: a table of the right size, beside the record while it is small.
-Asn1List* NewListWithTable(uint32_t slots) {
-    const uint32_t beside = slots <= kFirstSlots ? slots : 0;
-    void* block = Allocate(sizeof(Asn1List) + beside * sizeof(void*));
+// A decoded list is known to get elements: a table as the growth to their count would have made it, but at once. The
+// smallest is beside the record.
+Asn1List* NewListWithTable(uint32_t count) {
+    uint64_t slots = NextSlots(0);
+    const bool beside = count <= slots;
+    while (slots < count) slots = NextSlots(slots);
+    void* block = Allocate(sizeof(Asn1List) + (beside ? slots * sizeof(void*) : 0));
     if (block == nullptr) return nullptr;
     Asn1List* list = new (block) Asn1List{};
-    list->items =
-        beside != 0 ? reinterpret_cast<void**>(list + 1) : static_cast<void**>(AllocateTable(slots * sizeof(void*)));
-    list->capacity = slots;
+    list->items = beside ? reinterpret_cast<void**>(list + 1) : static_cast<void**>(Allocate(slots * sizeof(void*)));
+    list->capacity = static_cast<uint32_t>(slots);
     list->sorted = 1;
     if (list->items != nullptr) return list;
     Release(block);
@@ -268,8 +270,9 @@ Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite, c
 // Elements keep the order of the input, for SET OF too.
 Decoded DecodeList(const uint8_t* at, const uint8_t* end, bool indefinite, const Asn1Item& item, Cell* out) {
     if (item.childCount != 1 || item.children == nullptr || item.children[0] == nullptr) return Fail(StatusBadItem);
-    if (at == end) return StoreNode(AllocAsn1List(), out, end);
-    Asn1List* list = NewListWithTable(CountSlots(at, end, indefinite));
+    const bool ended = indefinite && AtEndOfContents(at, end);
+    if (at == end || ended) return StoreNode(AllocAsn1List(), out, ended ? at + 2 : end);
+    Asn1List* list = NewListWithTable(CountElements(at, end, indefinite));
     if (list == nullptr) return Fail(StatusOutOfMemory);
     const Decoded decoded = DecodeElements(at, end, indefinite, *item.children[0], list);
     if (decoded.status != StatusOk) {
@@ -280,7 +283,7 @@ Decoded DecodeList(const uint8_t* at, const uint8_t* end, bool indefinite, const
     return decoded;
 }
 
-// Fills the cells of a new block, which nobody has zeroed: after a failure those that are left are nulled.
+// Fills the cells of a new block, which have not been zeroed: after a failure those that are left are nulled.
 Decoded DecodeFields(const uint8_t* at, const uint8_t* end, const Asn1Item& item, Cell* block) {
     for (uint32_t i = 0; i < item.childCount; ++i) {
         const Decoded decoded = item.children[i] != nullptr ? DecodeElement(at, end, *item.children[i], &block[i])
@@ -300,6 +303,8 @@ Decoded DecodeBlock(const uint8_t* at, const uint8_t* end, bool indefinite, cons
     if (item.children == nullptr && item.childCount != 0) return Fail(StatusBadArgument);
     Cell* block = static_cast<Cell*>(Allocate(BlockSize(item)));
     if (block == nullptr) return Fail(StatusOutOfMemory);
+    const size_t cells = item.childCount * sizeof(void*);
+    if (cells < BlockSize(item)) memset(block + item.childCount, 0, BlockSize(item) - cells);
     Decoded decoded = DecodeFields(at, end, item, block);
     if (decoded.status == StatusOk && indefinite && !AtEndOfContents(decoded.next, end)) {
         decoded = Fail(StatusBadIndefinite);
@@ -363,7 +368,7 @@ inline Decoded DecodeContent(const uint8_t* at, const uint8_t* end, const Header
         if (header.indefinite) return Fail(StatusBadIndefinite);
         return DecodePrimitive(content, contentEnd, item.kind, out);
     }
-    if (item.kind == Asn1KindOctetString) return DecodeSegments(content, contentEnd, out);
+    if (item.kind == Asn1KindOctetString) return DecodeSegments(content, contentEnd, header.indefinite, out);
     if (IsList(item)) return DecodeList(content, contentEnd, header.indefinite, item, out);
     return DecodeBlock(content, contentEnd, header.indefinite, item, out);
 }

@@ -5,7 +5,7 @@ using namespace tlvforge;
 namespace tlvforge {
 
 void ReleaseListTable(Asn1List* list) {
-    if (list->items != reinterpret_cast<void**>(list + 1)) ReleaseTable(list->items, list->capacity * sizeof(void*));
+    if (list->items != reinterpret_cast<void**>(list + 1)) Release(list->items);
 }
 
 Asn1List* AllocAsn1List() {
@@ -14,11 +14,10 @@ Asn1List* AllocAsn1List() {
     return list;
 }
 
-// The first table is small because most lists are short; later ones grow fast, for the sake of large CRLs.
 Status ReserveAsn1ListItem(Asn1List* list) {
     if (list->count != list->capacity) return StatusOk;
-    const uint64_t capacity = list->capacity < kFirstSlots ? kFirstSlots : uint64_t{list->capacity} * 3 / 2 + 200;
-    void* table = capacity <= INT32_MAX / sizeof(void*) ? AllocateTable(capacity * sizeof(void*)) : nullptr;
+    const uint64_t capacity = NextSlots(list->capacity);
+    void* table = capacity <= INT32_MAX / sizeof(void*) ? Allocate(capacity * sizeof(void*)) : nullptr;
     if (table == nullptr) return Fail(StatusOutOfMemory);
     if (list->count != 0) memcpy(table, list->items, list->count * sizeof(void*));
     ReleaseListTable(list);

@@ -1,8 +1,8 @@
 // Internal operations on the node records, and the owners of trees.
 //
-// A record made in one go lies in one block with its bytes right behind it; a setter that changes the bytes
-// gives them a block of their own. Releasing tells the two apart by the address, so a record's block is
-// always larger than the record alone, and no other block can begin right behind a record.
+// A record that is decoded or copied lies in one block with its bytes right after it; allocators and setters
+// give the bytes a block of their own. Releasing tells the two apart by the address, so a record's block is
+// always larger than the record alone, and no other block can begin right after a record.
 #pragma once
 
 #include <string.h>
@@ -71,7 +71,15 @@ inline void CopyBytes(uint8_t* to, const uint8_t* from, uint32_t length) {
     }
 }
 
-// A value record with a copy of the bytes, of any kind but BIT STRING. Null when out of memory.
+// A copy of the bytes in a block of their own. Null for length 0 too.
+inline uint8_t* CopyOfBytes(const uint8_t* data, uint32_t length) {
+    if (length == 0) return nullptr;
+    uint8_t* copy = static_cast<uint8_t*>(Allocate(length));
+    if (copy != nullptr) CopyBytes(copy, data, length);
+    return copy;
+}
+
+// A value record with a copy of the bytes beside it, of any kind but BIT STRING. Null when out of memory.
 template <class Record>
 Record* NewValue(uint32_t type, const uint8_t* data, uint32_t length) {
     Record* record = NewRecordWithBytes<Record>(length);
@@ -97,6 +105,19 @@ void ReleaseRecord(Record* record) {
 template <class Record>
 bool HasLostBytes(const Record* record) {
     return record->data == nullptr && record->length != 0;
+}
+
+// A value record for a caller who may end it himself, with free for the bytes and free for the record: two blocks.
+// Null when out of memory, and for lost bytes.
+template <class Record>
+Record* NewValueInTwoBlocks(uint32_t type, const uint8_t* data, uint32_t length) {
+    if (data == nullptr && length != 0) return nullptr;
+    Record* record = NewRecord<Record>();
+    if (record == nullptr) return nullptr;
+    *record = {type, length, CopyOfBytes(data, length)};
+    if (!HasLostBytes(record)) return record;
+    Release(record);
+    return nullptr;
 }
 
 inline bool SameBytes(const void* left, uint32_t leftLength, const void* right, uint32_t rightLength) {
@@ -146,7 +167,9 @@ Asn1Choice* AllocAsn1Choice(uint32_t selected = 0, void* value = nullptr);
 Status ClearAsn1Choice(const Asn1Item& item, Asn1Choice* choice);
 
 // Asn1List.
-inline constexpr uint32_t kFirstSlots = 10;
+// Slots of the table that follows one of `slots`, 0 being no table: the first is small because most lists are short,
+// later ones grow fast, for the sake of large CRLs.
+constexpr uint64_t NextSlots(uint64_t slots) { return slots == 0 ? 10 : slots + 200 + slots / 2; }
 Asn1List* AllocAsn1List();
 // The first table may lie beside the record, in its block.
 void ReleaseListTable(Asn1List* list);

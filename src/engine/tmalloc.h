@@ -37,11 +37,6 @@ inline void CountEncoderVisit() { ++instruments.encoderVisits; }
 
 #endif
 
-// Tables of lists. The allocator answers a request for a large block by merging all the small ones that are free, and
-// the next document pays for it: large tables come from the system instead, as whole pages.
-void* AllocateTable(size_t size);
-void ReleaseTable(void* table, size_t size);
-
 // Sole owner of a plain block.
 class Block {
 public:

@@ -24,6 +24,8 @@ constexpr Asn1Item NoFields = {0, 0x20, 0, 16, -1, 8, nullptr, 1, nullptr},
 constexpr Asn1Item NoAlternatives = {0, 0, 0, 128, -1, 0, nullptr, 1, nullptr};
 constexpr Asn1Item NumberlessExplicit = {0x80, 0, 1, 2, -1, 16, nullptr, 0, nullptr};
 constexpr Asn1Item UnknownKind = {0, 0, 0, 7, -1, 16, nullptr, 0, nullptr};
+constexpr Asn1Item ConstructedOctets = {0, 0x20, 0, 4, -1, 16, nullptr, 0, nullptr};
+constexpr Asn1Item FarTooLarge = {0, 0x20, 0, 16, -1, 64, childTable<Integer>, 1, nullptr};
 constexpr Asn1Item FarTooSmall = {0, 0x20, 0, 16, -1, 0, childTable<Integer, Integer>, 2, nullptr};
 
 struct Node {
@@ -35,6 +37,13 @@ struct Node {
 Status Decode(const Bytes& ber, Node* node, uint32_t* consumed) {
     const walk::Bytes exact(ber.data(), ber.size());  // one byte read too far is seen
     return Asn1DecodeItem(exact.data(), exact.size(), node->item, &node->root, consumed);
+}
+
+// Leaves other bytes than zeros where the next block of this size is likely to lie.
+void Soil(uint32_t size) {
+    void* block = malloc(size);
+    memset(block, 0xFF, size);
+    free(block);
 }
 
 Bytes Encode(const Node& node) { return Fetch(GetAsn1EncodedValue, node.root, node.item); }
@@ -70,6 +79,8 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"segment of another tag", "2480 0301AA 0000", "!336"}, {"end of the bytes", "2480 0401AA", "0401AA"},
         {"segment past the end", "2480 0405AA 0000", "!302"}, {"half an end of contents", "2480 0401AA 00", "!302"},
         {"primitive indefinite", "0480 0000", "!335"}}},
+    {ConstructedOctets, {
+        {"segments of definite length", "2403 0401AA", "?"}, {"end of contents in them", "2402 0000", "!336"}}},
     {BitString, {
         {"no content", "0300", "!302"}, {"8 unused bits", "030208FF", "!302"},
         {"unused bits are cleared", "030207FF", "03020780"}, {"empty one keeps its count", "030105", "="},
@@ -103,6 +114,8 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
     {Sequence<Optional<OctetString>>, {{"lying header of another tag", "3006 0284FFFFFFFF", "3000"}}},
     {SequenceOf<Optional<Integer>>, {{"elements that are not there", "3002 0400", "!302"}}},
     {Null, {{"null with content", "050100", "="}}},
+    {Default<Null, ConstantValue<5, 0>>, {{"default that can't be copied", "020105", "!300"}, {"nothing", "", "!300"}}},
+    {FarTooLarge, {{"schema size larger than its fields", "3003 020105", "="}}},
     {FarTooSmall, {{"schema size smaller than its fields", "3006 020101 020102", "="}}},
     {FixedSet, {{"set by position", "3103 020105", "?"}}}, {UnknownKind, {{"unknown kind", "070100", "!300"}}},
     {TwoElements, {{"two element items", "3003 020105", "!305"}}},
@@ -118,9 +131,13 @@ TEST(Engine, DecodesAndEncodesAgain) {
             const bool fails = row.der[0] == '!';
             Node node{&item};
             uint32_t consumed = 77;
+            Soil(item.valueSize);
             EXPECT_EQ(Decode(ber, &node, &consumed), fails ? std::stoul(row.der.substr(1)) : StatusOk);
             EXPECT_EQ(consumed, fails ? 77 : ber.size() - row.rest);
             EXPECT_EQ(node.root != nullptr, !fails && !row.der.empty());
+            for (size_t cell = item.childCount; &item == &FarTooLarge && cell < item.valueSize / 8; ++cell) {
+                EXPECT_EQ(static_cast<void**>(node.root)[cell], nullptr) << cell;
+            }
             if (node.root != nullptr && row.der != "?") {
                 EXPECT_EQ(ToHex(Encode(node)), ToHex(row.der == "=" ? ber : Hex(row.der)));
             }

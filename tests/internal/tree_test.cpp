@@ -89,11 +89,19 @@ TEST(Tree, ListsGrowAndShrink) {
            {GetAsn1Int32(static_cast<Asn1Value*>(element), &number), 0}, {number, 8},
            {GetAsn1ListItem(list.Get(), -1, &element), 32}, {GetAsn1ListLength(list.Get()), 299}});
     // clang-format on
-    // A decoded list, whose first table lies in the list's own block, grows as well.
-    const Tree<void*> decoded = Decoded(schema::SequenceOf<schema::Integer>, "3006 020101 020102");
-    auto* small = reinterpret_cast<Asn1List*>(decoded.Get());
-    for (int32_t i = 0; i < 20; ++i) ASSERT_EQ(AddAsn1ListItem(small, schema::Integer, AllocAsn1Integer(i)), 0u);
-    EXPECT_EQ(small->count, 22u);
+    // A decoded list has the table that adds would have made, and goes on from there.
+    Bytes elements;
+    for (uint32_t count = 0; count < 600; ++count, elements = elements + Hex("020101")) {
+        const Bytes form = count % 2 != 0 ? Hex("3080") + elements + Hex("0000") : Tlv(0x30, elements);
+        const Tree<void*> decoded = Decoded(schema::SequenceOf<schema::Integer>, ToHex(form).c_str());
+        const auto* of = reinterpret_cast<Asn1List*>(decoded.Get());
+        ASSERT_EQ(of->capacity, count == 0 ? 0u : count <= 10 ? 10u : count <= 215 ? 215u : count <= 522 ? 522u : 983u);
+    }
+    const Tree<void*> one = Decoded(schema::SequenceOf<schema::Integer>, "3003 020101");
+    auto* small = reinterpret_cast<Asn1List*>(one.Get());
+    const auto add = [&] { return AddAsn1ListItem(small, schema::Integer, AllocAsn1Integer(1)); };
+    for (const void* table = small->items; small->count < 10;) Check({{add(), 0}, {table == small->items, 1}});
+    Check({{add(), 0}, {small->count, 11}, {small->capacity, 215}});
 }
 
 TEST(Values, NumbersInBothOrders) {
@@ -136,6 +144,28 @@ TEST(Values, EmptyAndLostBytes) {
            {GetAsn1ValueAndType(&empty, &type, nullptr, &length), 311}, {GetAsn1Boolean(&lost, &flag), 311},
            {CheckAsn1Boolean(&lost), 307}, {GetAsn1ValueLength(nullptr), 0}});
     // clang-format on
+}
+
+// No function frees the records of these alone: programs end them with free, the bytes first.
+TEST(Values, AllocatedOnesEndWithFree) {
+    const LibraryTime time = {2030, 1, 2, 3, 4, 5};
+    OcspRevokedInfo* info = nullptr;
+    ASSERT_EQ(AllocCertStatusRevokedInfo(&time, 5, &info), 0u);
+    std::vector<Asn1Value*> values = {AllocAsn1Boolean(1), AllocAsn1Integer(-5),
+                                      AllocAsn1Integer_s(Hex("05").data(), 1)};
+    for (uint32_t i : {0, 1}) values.push_back(reinterpret_cast<Asn1Value**>(info)[i]);
+    free(info);
+    for (uint32_t alternative = 0; alternative < 9; ++alternative) {
+        X509GeneralName* name = nullptr;
+        ASSERT_EQ(AllocX509GeneralNameValue(&name, alternative, Hex("022A03").data(), 3), 0u);
+        values.push_back(static_cast<Asn1Value*>(reinterpret_cast<Asn1Choice*>(name)->value));
+        free(name);
+    }
+    for (Asn1Value* value : values) {
+        ASSERT_TRUE(value != nullptr && value->data != nullptr && value->length != 0);
+        free(value->data);
+        free(value);
+    }
 }
 
 TEST(Values, PrimitiveCodecsOfEveryKind) {

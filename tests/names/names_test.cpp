@@ -63,7 +63,8 @@ TEST(X509Name, CompareSeesLengthsAndContentInOrder) {
         EXPECT_EQ(CompareX509Names(NameWith({"a", "+b", "c"}).get(), NameWith(other).get()), StatusNotEqual);
     const auto first = NameWith({"a"}), second = NameWith({"a"}, "2.5.4.10", 19);
     const auto compare = [&](const auto& to) { return CompareX509Names(first.get(), to.get()); };
-    Check({{compare(second), 0}, {compare(NameWith({})), StatusAbsent}});  // types don't count
+    const auto empty = Decoded<FreeX509Name>(DecodeX509Name, Hex("30800000"));
+    Check({{compare(second), 0}, {compare(NameWith({})), StatusAbsent}, {compare(empty), StatusAbsent}});
     Check({{ClearX509Name(first.get()), 0}, {ClearX509Name(second.get()), 0}, {compare(second), 0}});
 }
 
@@ -84,6 +85,19 @@ TEST(X509Name, AttributeTypesAreNumberedBothWays) {
     Check({{FindNameAttributeTypeIdByOid(last.data(), &id), 0}, {id, 32}});
     EXPECT_EQ(Fetch(GetNameAttributeTypeOid, id), last);
     EXPECT_EQ(GetNameAttributeTypeOid(33, nullptr, &id), StatusUnknownId);
+}
+
+TEST(GeneralNames, LargeTableIsABlockOfMalloc) {
+    Bytes members;
+    for (int i = 0; i < 9000; ++i) members.insert(members.end(), {0x82, 1, 0x61});
+    const auto names = Decoded<FreeX509GeneralNames>(DecodeX509GeneralNames, Tlv(0x30, members));
+    auto* list = reinterpret_cast<Asn1List*>(names.get());
+    ASSERT_EQ(list->count, 9000u);
+    void** table = static_cast<void**>(malloc(list->capacity * sizeof(void*)));
+    std::copy_n(list->items, list->count, table);
+    free(list->items);
+    list->items = table;  // freed by the library
+    EXPECT_EQ(Fetch(EncodeX509GeneralNames, names.get()), Tlv(0x30, members));
 }
 
 TEST(GeneralNames, EachAlternativeGoesToTheWireAndBack) {
