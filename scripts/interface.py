@@ -67,7 +67,7 @@ class Function:
 def read_comment(text):
     comment = Comment()
     tags = []
-    for line in (re.sub(r"^\s*\*?\*? ?", "", line).rstrip() for line in text.strip().split("\n")):
+    for line in (re.sub(r"^\s*\*? ?", "", line).rstrip() for line in text.lstrip("*").strip().split("\n")):
         if line.startswith("@"):
             tags.append(line)
         elif tags and line:
@@ -134,11 +134,11 @@ class Interface:
                 self.read_numbers(match["block"], " ".join(comment.prose))
                 parts.append(("block", match["block"]))
             elif match["type"]:
-                self.types.setdefault(match["type_name"], header)
+                if any(comment.prose) or "/*" in match["type"]:  # not a name that another header documents
+                    self.types[match["type_name"]] = header
                 parts.append(("type", match["type"]))
             else:
-                if family:
-                    comment, family = Comment(), []
+                comment, family = Comment(), []
                 parts.append(("blank", ""))
         marks = re.findall(r"^TLVFORGE_(?:STATUS|API)\b", text, re.M)
         if len(marks) != sum(kind == "function" for kind, _ in parts):
@@ -333,12 +333,12 @@ def paragraphs(lines, break_):
 class Reference:
     def __init__(self, interface):
         self.interface = interface
-        self.linked = interface.functions.keys() | {name for name, *_ in interface.numbers}
+        self.linked = interface.functions.keys() | interface.statuses.keys()
 
     def escape(self, text):
         text = re.sub(r"\[([^]]*)\]\((?:(\w+)\.md)?#([^)]*)\)",
                       lambda link: f"\0ref {link[2] or 'conventions'}-{link[3]} \"{link[1]}\"", text)
-        text = re.sub(r"\bdocs/(\w+)\.md\b", r"\0ref \1.md", text)
+        text = re.sub(r"\bdocs/\w+\.md\b", lambda page: f"[{page[0]}]({page[0]})", text)
         text = re.sub(r"([\\@<>&%#])", r"\\\1", text)
         # Stars that make no emphasis are pointers.
         text = re.sub(r"(?<!\*)\*(?!\*)(?!(?:own[se]d?|len[dt]s?|adopt(?:s|ed))\*)(?=\w)", r"\\*", text)
@@ -396,10 +396,13 @@ class Reference:
                     slug = re.sub(r"[^a-z0-9]+", "_", title.lower()).strip("_")
                     out.append(self.group(f"{base}_{slug}", title, [text[:1].upper() + text[1:]], parts[i + 1:]))
                     open_, comment = True, Comment()
+            elif kind == "blank":
+                comment = Comment()
             elif kind == "function":
                 out.append(self.function(part))
             elif kind in ("type", "block"):
-                out.append(self.type(kind, part, comment, parts[i + 1:i + 2]))
+                if kind == "block" or self.interface.types.get(re.search(r"(\w+);", part)[1]) == name:
+                    out.append(self.type(kind, part, comment, parts[i + 1:i + 2]))
             elif kind == "status":
                 # Enumerators, as they are in C; those that follow each other are one enumeration.
                 row = f"    {part['status']} = {part['number']}, /**< {self.escape(part['meaning'])} */\n"

@@ -8,10 +8,10 @@
 
 TLVFORGE_BEGIN
 
-/*
+/**
  * sha1 hashes a whole message.
- * data:   required also when length is 0. From 2^31 bytes on the result isn't the message's SHA-1.
- * digest: receives 20 bytes.
+ * @param data required also when length is 0. From 2^31 bytes on the result isn't the message's SHA-1.
+ * @param digest receives 20 bytes.
  */
 TLVFORGE_STATUS sha1(const uint8_t* data, uint32_t length, uint8_t* digest);
 

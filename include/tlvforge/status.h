@@ -1,8 +1,8 @@
 /*
  * Status numbers, the failure record and the macros that every public header uses.
  *
- * What holds for all functions (buffers, ownership, object identifiers, times, threads, indices)
- * is told once in docs/conventions.md; a function's comment tells only what is particular to it.
+ * What holds for all functions (buffers, ownership, object identifiers, times, threads, indices) is documented once in
+ * docs/conventions.md, the parameters by their names among it; a function's comment has what is particular to it.
  */
 #ifndef TLVFORGE_STATUS_H
 #define TLVFORGE_STATUS_H
@@ -64,12 +64,11 @@ TLVFORGE_NUMBER(StatusBadSegment, 336)         /* a segment of a constructed OCT
 TLVFORGE_NUMBER(StatusWorkBufferTooSmall, 338) /* a work buffer of fixed size was too small for a value */
 TLVFORGE_NUMBER(StatusDuplicateItem, 344)      /* the item to be added to a unique list is already in it */
 
-/*
- * GetLastFileErrorAsn tells where the latest failure of the process was detected.
- * line: out, may be null; the source line, or all bits set while nothing has failed.
- * Result: bare name of the source file, constant text; null while nothing has failed.
- * Success never clears the record: it has meaning only directly after a call that failed.
- * The record is one for all threads, without a lock.
+/**
+ * GetLastFileErrorAsn returns where the latest failure of the process was detected. Success never clears the record: it
+ * has meaning only directly after a call that failed. The record is one for all threads, without a lock.
+ * @param line may be null; the source line, or all bits set while nothing has failed.
+ * @return bare name of the source file, constant text; null while nothing has failed.
  */
 TLVFORGE_API const char* GetLastFileErrorAsn(uint32_t* line);
 

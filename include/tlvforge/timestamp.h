@@ -6,14 +6,15 @@
  * 1.2.840.113549.1.9.16.1.4, is the DER of a TSTInfo, which the caller takes out with the functions of cms.h.
  *
  * Forms that all functions share: an OID is length-prefixed; parameters is a whole element, or null for none; hash,
- * nonce and serial are content bytes, the last two of an INTEGER, big-endian, and go in as they stand. Numbers of 32
- * bits are written as signed ones, so that 0x80000000 and above come out as negative INTEGERs.
+ * nonce and serial are content bytes, the last two of an INTEGER, big-endian, and are written as they are. Numbers of
+ * 32 bits are written as signed ones, so that 0x80000000 and above become negative INTEGERs.
  *
- * Readers of many outputs go through them in the order of the arguments. One call reports all lengths: 49, of a
- * buffer that is too small and of an INTEGER above four bytes where a number of 32 bits is read, is the result only at
- * the end, after all other outputs have been filled **and the objects handed over: those have to be freed before the
- * call is repeated**. Any other failure ends the call at once, and what was stored before it stays. Out-pointers of
- * objects are null unless an object was handed over, except after 32, which leaves them alone.
+ * Readers of many outputs go through them in the order of the arguments. One call reports all lengths:
+ * StatusBufferTooSmall, of a buffer that is too small and of an INTEGER above four bytes where a number of 32 bits is
+ * read, is the result only at the end, after all other outputs have been filled **and the objects handed over: those
+ * have to be freed before the call is repeated**. Any other failure ends the call at once, and what was stored before
+ * it stays. Out-pointers of objects are null unless an object was handed over, except after StatusBadArgument, which
+ * leaves them alone.
  */
 #ifndef TLVFORGE_TIMESTAMP_H
 #define TLVFORGE_TIMESTAMP_H
@@ -28,11 +29,10 @@ TLVFORGE_BEGIN
 
 /* --- TimeStampReq (RFC 3161, 2.4.1) --- */
 
-/*
- * EncodeTimeStampReq writes a request as DER.
- * policyOid, nonce, extensions: null for none; policyOidLength isn't used. certReq: not 0 for true.
- * Status 32 also for extensions with an empty cell. When memory runs out just for the hash, the status is 0, and
- * *length stays as it was.
+/**
+ * EncodeTimeStampReq writes a request as DER. StatusBadArgument also for extensions with an empty cell. When memory
+ * runs out just for the hash, the status is StatusOk, and *length stays as it was.
+ * @param policyOid, nonce, extensions null for none; policyOidLength isn't used.
  */
 TLVFORGE_STATUS EncodeTimeStampReq(uint32_t version, const uint8_t* hashOid, const uint8_t* parameters,
                                    uint32_t parametersLength, const uint8_t* hash, uint32_t hashLength,
@@ -40,11 +40,11 @@ TLVFORGE_STATUS EncodeTimeStampReq(uint32_t version, const uint8_t* hashOid, con
                                    uint32_t nonceLength, uint32_t certReq, X509Extensions extensions, uint8_t* buffer,
                                    uint32_t* length);
 
-/*
- * DecodeTimeStampReq reads the request at the front of the bytes; what follows it is ignored.
- * parameters and its length may both be null. A policy, nonce or parameters that is absent has length 0.
- * certReq: out, 1 or 0. extensions: *owns* (FreeX509Extensions), also on 49; null when absent.
- * Status 32 also for length 0.
+/**
+ * DecodeTimeStampReq reads the request at the start of the bytes; what follows it is ignored. parameters and its length
+ * may both be null. A policy, nonce or parameters that is absent has length 0. StatusBadArgument also for length 0.
+ * @param certReq 1 or 0.
+ * @param extensions *owns* (FreeX509Extensions), also with StatusBufferTooSmall; null when absent.
  */
 TLVFORGE_STATUS DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* version, uint8_t* hashOid,
                                    uint32_t* hashOidLength, uint8_t* parameters, uint32_t* parametersLength,
@@ -54,32 +54,36 @@ TLVFORGE_STATUS DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_
 
 /* --- TimeStampResp (RFC 3161, 2.4.2) --- */
 
-/*
+/**
  * EncodeTimeStampResp writes a response as DER.
- * status: PKIStatus, 0 granted. statusString, token: null for none; the caller keeps both.
- * failInfo: PKIFailureInfo as a flag word, 0 for none: badAlg is 0x80, systemFailure (bit 25) 0x40000000.
+ * @param status PKIStatus, 0 granted.
+ * @param statusString, token null for none; the caller keeps both.
+ * @param failInfo PKIFailureInfo as a flag word, 0 for none: badAlg is 0x80, systemFailure (bit 25) 0x40000000.
  */
 TLVFORGE_STATUS EncodeTimeStampResp(uint32_t status, const PKIFreeText* statusString, uint32_t failInfo,
                                     const CmsContentInfo* token, uint8_t* buffer, uint32_t* length);
 
-/*
- * DecodeTimeStampResp reads the response at the front of the bytes. One that grants nothing is read with status 0 too.
- * failInfo: out, flag word of the first four bytes; 0 when absent.
- * statusString, token: *owns* (FreePKIFreeText, FreeCmsContentInfo), also on 49; null when absent.
- * Status 32 also for length 0.
+/**
+ * DecodeTimeStampResp reads the response at the start of the bytes. One that grants nothing is read with StatusOk too.
+ * StatusBadArgument also for length 0.
+ * @param failInfo flag word of the first four bytes; 0 when absent.
+ * @param statusString *owns* (FreePKIFreeText, FreeCmsContentInfo), also with StatusBufferTooSmall; null when absent.
+ * @param token *owns* (FreePKIFreeText, FreeCmsContentInfo), also with StatusBufferTooSmall; null when absent.
  */
 TLVFORGE_STATUS DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* status, PKIFreeText** statusString,
                                     uint32_t* failInfo, CmsContentInfo** token);
 
 /* --- TSTInfo (RFC 3161, 2.4.2) --- */
 
-/*
- * EncodeTSTInfo writes the content of a token as DER.
- * genTime: with its fraction, without trailing zeros. accuracy: null or all zeros for none; a part that is 0 is left
- * out, and no part is checked against 1 to 999. ordering: not 0 for true. nonce, tsa, extensions: null for none.
- * Status 1 also for a null policyOid, and for a genTime that hasn't been set or whose fields have more digits than
- * YYYYMMDDhhmmss.ffffff gives them; 32 for a tsa without a value and extensions with an empty cell. When memory runs
- * out just for the hash, the status is 0, and *length stays as it was.
+/**
+ * EncodeTSTInfo writes the content of a token as DER. StatusOutOfMemory also for a null policyOid, and for a genTime
+ * that hasn't been set or whose fields have more digits than YYYYMMDDhhmmss.ffffff has for them; StatusBadArgument for
+ * a tsa without a value and extensions with an empty cell. When memory runs out just for the hash, the status is
+ * StatusOk, and *length stays as it was.
+ * @param genTime with its fraction, without trailing zeros.
+ * @param accuracy null or all zeros for none; a part that is 0 is left out, and no part is checked against 1 to 999.
+ * @param nonce, tsa null for none.
+ * @param extensions null for none.
  */
 TLVFORGE_STATUS EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const uint8_t* hashOid,
                               const uint8_t* parameters, uint32_t parametersLength, const uint8_t* hash,
@@ -88,16 +92,17 @@ TLVFORGE_STATUS EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const 
                               const uint8_t* nonce, uint32_t nonceLength, const X509GeneralName* tsa,
                               X509Extensions extensions, uint8_t* buffer, uint32_t* length);
 
-/*
- * DecodeTSTInfo reads the TSTInfo at the front of the bytes. Each output may be null and is skipped then, a buffer with
- * a null length as well; without any, the call tells whether the bytes are well-formed.
- * accuracy: all 0 when absent. **One without seconds leaves that field of the caller's record as it was**, and sets an
- * absent part of the other two to 0: clear the record before.
- * ordering: out, 1 or 0. An absent nonce or parameters has length 0.
- * tsa, extensions: *owns* (FreeX509GeneralName, FreeX509Extensions), also on 49, tsa also on 1; null when absent.
- * genTime: digits beyond microseconds are dropped. Unless it is null, the status is 307 for a time that doesn't end in
- * Z, 313 for one that isn't a date of the years 1900 to 2100, 302 for an empty one.
- * Status 32 for length 0.
+/**
+ * DecodeTSTInfo reads the TSTInfo at the start of the bytes. Each output may be null and is skipped then, a buffer with
+ * a null length as well; without any, the call checks that the bytes are well-formed. StatusBadArgument for length 0.
+ * @param accuracy all 0 when absent. **One without seconds leaves that field of the caller's record as it was**, and
+ *     sets an absent part of the other two to 0: clear the record before.
+ * @param ordering 1 or 0. An absent nonce or parameters has length 0.
+ * @param tsa, extensions *owns* (FreeX509GeneralName, FreeX509Extensions), also with StatusBufferTooSmall, tsa also
+ *     with StatusOutOfMemory; null when absent.
+ * @param genTime digits beyond microseconds are dropped. Unless it is null, the status is StatusBadValue for a time
+ *     that doesn't end in Z, StatusBadTime for one that isn't a date of the years 1900 to 2100, StatusBadEncoding for
+ *     an empty one.
  */
 TLVFORGE_STATUS DecodeTSTInfo(const uint8_t* bytes, uint32_t length, int32_t* version, uint8_t* policyOid,
                               uint32_t* policyOidLength, uint8_t* hashOid, uint32_t* hashOidLength, uint8_t* parameters,
