@@ -207,8 +207,8 @@ TLVFORGE_API uint32_t GetAsn1ValueLength(const void* value);
 
 /**
  * AllocAsn1Boolean makes a BOOLEAN record.
- * @return the record, null when out of memory. *owns*: in a tree it is freed with the tree; alone by FreeAsn1Object with
- *     an item of its kind, or by the C library's free, first its data and then the record.
+ * @return the record, null when out of memory. *owns*: in a tree it is freed with the tree; alone by FreeAsn1Object
+ *     with an item of its kind, or by the C library's free, first its data and then the record.
  */
 TLVFORGE_API Asn1Value* AllocAsn1Boolean(uint32_t flag);
 

@@ -367,7 +367,8 @@ TLVFORGE_STATUS SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* singl
  * AllocCertStatusRevokedInfo makes the record of a revocation, for SetOcspSingleResponseCertStatus alone: no other
  * function takes it or frees it. It is two pointers, to the Asn1Value of the time and to that of the reason, which is
  * null for a negative reason.
- * @param info *owns* until it is in a response; each block can be ended with the C library's free. Null after a failure.
+ * @param info *owns* until it is in a response; each block can be ended with the C library's free. Null after a
+ *     failure.
  */
 TLVFORGE_STATUS AllocCertStatusRevokedInfo(const LibraryTime* time, int32_t reason, OcspRevokedInfo** info);
 
