@@ -2,14 +2,13 @@
 
 #include <string.h>
 
+#include <algorithm>
+
 #include "engine/output.h"
 #include "tlvforge/pem.h"
 
 namespace tlvforge {
 namespace {
-
-constexpr uint32_t kLineBytes = 48;
-constexpr uint32_t kLineAndEnd = 66;
 
 char* WriteGroups(const uint8_t* data, const uint8_t* end, char* text) {
     for (; data != end; data += 3, text += 4) {
@@ -24,7 +23,7 @@ char* WriteGroups(const uint8_t* data, const uint8_t* end, char* text) {
 
 // Size of what a text in the layout of the encoder decodes to; 3 * n is meant to be cut to 32 bits.
 uint32_t DecodedSize(const char* text, uint32_t length) {
-    const uint32_t size = 3 * (length - 2 * (length / kLineAndEnd)) / 4;
+    const uint32_t size = 3 * (length - 2 * (length / kBase64LineAndEnd)) / 4;
     uint32_t padding = 0;
     if (length >= 2 && kBase64Values.IsPadding(text[length - 2])) {
         padding = 2;
@@ -34,15 +33,40 @@ uint32_t DecodedSize(const char* text, uint32_t length) {
     return size > padding ? size - padding : 0;
 }
 
+void DecodeGroups(const char* text, const char* end, uint8_t* data) {
+    for (; text != end; text += 4, data += 3) DecodeBase64Group(text, data);
+}
+
+// Lines that have more characters after them, and room. Foreign characters are for the table.
+uint32_t DecodeFullLines(const char* text, uint32_t length, uint8_t* data, uint32_t size) {
+    if (length <= kBase64LineCharacters) return 0;
+    const uint32_t inText = (length - kBase64LineCharacters - 1) / kBase64LineAndEnd + 1;
+    const uint32_t lines = std::min(inText, size / kBase64LineBytes);
+    for (uint32_t line = 0; line < lines; ++line) {
+        const char* at = text + size_t{line} * kBase64LineAndEnd;
+        uint8_t* to = data + size_t{line} * kBase64LineBytes;
+        const uint32_t fast = DecodeBase64Lines(at, lines - line, to);
+        line += fast;
+        if (line == lines) break;
+        at += size_t{fast} * kBase64LineAndEnd;
+        DecodeGroups(at, at + kBase64LineCharacters, to + size_t{fast} * kBase64LineBytes);
+    }
+    return lines;
+}
+
 }  // namespace
 
 char* WriteBase64(const uint8_t* data, uint32_t length, char* text) {
-    for (; length > kLineBytes; length -= kLineBytes) {
-        text = WriteGroups(data, data + kLineBytes, text);
+    const uint32_t lines = length != 0 ? (length - 1) / kBase64LineBytes : 0;  // but for the last one
+    const uint32_t fast = EncodeBase64Lines(data, lines, text);
+    data += size_t{fast} * kBase64LineBytes;
+    text += size_t{fast} * kBase64LineAndEnd;
+    for (uint32_t line = fast; line < lines; ++line, data += kBase64LineBytes) {
+        text = WriteGroups(data, data + kBase64LineBytes, text);
         *text++ = '\r';
         *text++ = '\n';
-        data += kLineBytes;
     }
+    length -= lines * kBase64LineBytes;
     const uint32_t rest = length % 3;
     text = WriteGroups(data, data + length - rest, text);
     if (rest == 0) return text;
@@ -74,15 +98,16 @@ Status DecodeFromBase64(const char* text, uint32_t length, uint8_t* data, uint32
     const Status status = ClaimBuffer(size, data, dataLength, &write);
     if (!write) return status;
 
-    uint64_t position = 0;
-    uint32_t stored = 0;
-    uint64_t lastInLine = kLineAndEnd - 6;
+    const uint32_t lines = DecodeFullLines(text, length, data, size);
+    uint64_t position = uint64_t{lines} * kBase64LineAndEnd;
+    uint32_t stored = lines * kBase64LineBytes;
+    uint64_t lastInLine = position + kBase64LineCharacters - 4;
     // All groups but the last; the text may hold more of them than its size says.
     while (position + 4 < length && size - stored >= 3) {
         DecodeBase64Group(text + position, data + stored);
         stored += 3;
         if (position == lastInLine) {
-            lastInLine += kLineAndEnd;
+            lastInLine += kBase64LineAndEnd;
             position += 2;
         }
         position += 4;

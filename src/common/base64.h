@@ -5,6 +5,10 @@
 
 namespace tlvforge {
 
+inline constexpr uint32_t kBase64LineBytes = 48;
+inline constexpr uint32_t kBase64LineCharacters = 64;
+inline constexpr uint32_t kBase64LineAndEnd = 66;
+
 inline constexpr char kBase64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // What each byte of a text stands for: 0 to 63, or one of the two marks. The same byte with its top bit set stands for
@@ -54,7 +58,14 @@ constexpr uint64_t Base64Size(uint64_t characters) {
     return characters + 2 * (static_cast<uint32_t>(characters - 1) / 64);
 }
 
-// Writes the lines, the last one without a line end, and gives the end of the text.
+// Whole lines by vector instructions. Encodes them with their line ends, and returns how many, all or none.
+uint32_t EncodeBase64Lines(const uint8_t* data, uint32_t lines, char* text);
+// Decodes lines up to the first one with a foreign character, of which nothing is stored, and returns how many. Of a
+// line end, two characters are passed over. It may be none without a foreign character. The text may be where the bytes
+// go.
+uint32_t DecodeBase64Lines(const char* text, uint32_t lines, uint8_t* data);
+
+// Writes the lines, the last one without a line end, and returns the end of the text.
 char* WriteBase64(const uint8_t* data, uint32_t length, char* text);
 
 }  // namespace tlvforge

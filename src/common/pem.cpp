@@ -81,6 +81,11 @@ Status DecodeBody(Span body, uint8_t* out, uint32_t* stored) {
     uint32_t size = 0;
     for (int count = 3; body.begin != body.end;) {
         if (count < 3 || body.Size() < 4) return Fail(StatusBadPem);
+        if (body.Size() >= kBase64LineCharacters && DecodeBase64Lines(body.begin, 1, out + size) == 1) {
+            size += kBase64LineBytes;
+            body.begin = SkipBlanks({body.begin + kBase64LineCharacters, body.end});
+            continue;
+        }
         count = DecodeBase64Group(body.begin, out + size);
         if (count < 1) return Fail(StatusBadPem);
         size += static_cast<uint32_t>(count);

@@ -4,13 +4,14 @@
 #include <bit>
 #include <utility>
 
+#include "common/processor.h"
+#include "common/sha1_blocks.h"
 #include "engine/failure.h"
 
 using namespace tlvforge;
 
 namespace {
 
-constexpr uint32_t kBlockSize = 64;
 constexpr uint32_t kLengthSize = 8;
 
 uint32_t Load(const uint8_t* bytes) {
@@ -36,13 +37,13 @@ template <size_t Index>
     }
     fifth += std::rotl(first, 5) + word;
     if constexpr (Index < 20) {
-        fifth += (fourth ^ (second & (third ^ fourth))) + 0x5A827999;
+        fifth += (fourth ^ (second & (third ^ fourth))) + kSha1Constants[0];
     } else if constexpr (Index < 40) {
-        fifth += (second ^ third ^ fourth) + 0x6ED9EBA1;
+        fifth += (second ^ third ^ fourth) + kSha1Constants[1];
     } else if constexpr (Index < 60) {
-        fifth += (second & third) + (fourth & (second ^ third)) + 0x8F1BBCDC;
+        fifth += (second & third) + (fourth & (second ^ third)) + kSha1Constants[2];
     } else {
-        fifth += (second ^ third ^ fourth) + 0xCA62C1D6;
+        fifth += (second ^ third ^ fourth) + kSha1Constants[3];
     }
     second = std::rotl(second, 30);
 }
@@ -61,23 +62,28 @@ void AddBlock(uint32_t (&hash)[5], const uint8_t* block) {
     for (uint32_t index = 0; index < 5; ++index) hash[index] += values[index];
 }
 
+void AddBlocks(uint32_t (&hash)[5], const uint8_t* data, const uint8_t* end) {
+    if (HasSha1Instructions()) return AddSha1Blocks(hash, data, end);
+    for (; data != end; data += kSha1BlockSize) AddBlock(hash, data);
+}
+
 }  // namespace
 
 Status sha1(const uint8_t* data, uint32_t length, uint8_t* digest) {
     if (AnyNull(data, digest)) return Fail(StatusBadArgument);
     uint32_t hash[] = {0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476, 0xC3D2E1F0};
-    const uint32_t rest = length % kBlockSize;
+    const uint32_t rest = length % kSha1BlockSize;
     const uint8_t* tail = data + (length - rest);
-    for (; data != tail; data += kBlockSize) AddBlock(hash, data);
+    AddBlocks(hash, data, tail);
 
-    uint8_t padded[2 * kBlockSize] = {};
+    uint8_t padded[2 * kSha1BlockSize] = {};
     memcpy(padded, tail, rest);
     padded[rest] = 0x80;
-    uint8_t* lengthAt = padded + (rest < kBlockSize - kLengthSize ? 1 : 2) * kBlockSize - kLengthSize;
+    uint8_t* lengthAt = padded + (rest < kSha1BlockSize - kLengthSize ? 1 : 2) * kSha1BlockSize - kLengthSize;
     // The count is signed: that is intended, messages are shorter than 2^31 bytes.
     Store(lengthAt, static_cast<uint32_t>(static_cast<int32_t>(length) >> 29));
     Store(lengthAt + 4, length << 3);
-    for (const uint8_t* block = padded; block < lengthAt; block += kBlockSize) AddBlock(hash, block);
+    AddBlocks(hash, padded, lengthAt + kLengthSize);
 
     for (uint32_t index = 0; index < 5; ++index) Store(digest + 4 * index, hash[index]);
     return StatusOk;
