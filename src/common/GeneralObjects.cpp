@@ -1,7 +1,5 @@
 #include "tlvforge/time.h"
 
-#include <stdio.h>
-
 #include "common/times.h"
 #include "engine/failure.h"
 #include "engine/items.h"
@@ -60,25 +58,43 @@ Status ReadUtcTime(const Asn1Value* value, LibraryTime* time, uint32_t least) {
     return ReadText(year + (year < 50 ? 2000 : 1900), value->data + 2, time);
 }
 
-// A record may hold any numbers, so there is room for eight of 32 bits.
+// A text while it is being written. A record may hold any numbers; one that is too wide for its place spoils the text.
 struct TimeText {
-    char bytes[96];
-    int length;
+    char bytes[22];
+    uint32_t length = 0;
+    bool fits = true;
+
+    void Put(uint32_t number, uint32_t digits) {
+        length += digits;
+        for (char* at = bytes + length; digits != 0; --digits, number /= 10)
+            *--at = static_cast<char>('0' + number % 10);
+        fits = fits && number == 0;
+    }
+    void Put(char byte) { bytes[length++] = byte; }
+
+    // From the month to the second.
+    template <class Record>
+    void PutRest(const Record& time) {
+        const uint32_t numbers[] = {time.month, time.day, time.hour, time.minute, time.second};
+        for (const uint32_t number : numbers) Put(number, 2);
+    }
 
     Asn1Value* NewValue(uint32_t type) const {
-        return AllocAsn1Value(type, reinterpret_cast<const uint8_t*>(bytes), static_cast<uint32_t>(length));
+        return AllocAsn1Value(type, reinterpret_cast<const uint8_t*>(bytes), length);
     }
 };
 
-// False for the null time, and for a record with a number that is too wide for its place.
+// False for the null time, and for a record with a number that is too wide.
 bool Format(const LibraryTime* time, uint32_t type, TimeText* text) {
     if (IsLibraryTimeNull(time) != 0) return false;
-    const bool utc = type == Asn1KindUTCTime;
-    const int yearDigits = utc ? 2 : 4;
-    text->length =
-        snprintf(text->bytes, sizeof text->bytes, "%0*u%02u%02u%02u%02u%02uZ", yearDigits,
-                 utc ? time->year % 100 : time->year, time->month, time->day, time->hour, time->minute, time->second);
-    return text->length == yearDigits + 11;
+    if (type == Asn1KindUTCTime) {
+        text->Put(time->year % 100, 2);
+    } else {
+        text->Put(time->year, 4);
+    }
+    text->PutRest(*time);
+    text->Put('Z');
+    return text->fits;
 }
 
 Asn1Value* NewTimeValue(const LibraryTime* time, uint32_t type) {
@@ -137,12 +153,15 @@ Asn1Value* LibraryTimeToUtcTime(const LibraryTime* time) { return NewTimeValue(t
 Asn1Value* PreciseTimeToGeneralizedTime(const LibraryPreciseTime* time) {
     if (IsLibraryPreciseTimeNull(time) != 0) return nullptr;
     TimeText text;
-    text.length = snprintf(text.bytes, sizeof text.bytes, "%04u%02u%02u%02u%02u%02u.%03u%03u", time->year, time->month,
-                           time->day, time->hour, time->minute, time->second, time->millisecond, time->microsecond);
-    if (text.length != 21) return nullptr;
+    text.Put(time->year, 4);
+    text.PutRest(*time);
+    text.Put('.');
+    text.Put(time->millisecond, 3);
+    text.Put(time->microsecond, 3);
+    if (!text.fits) return nullptr;
     while (text.bytes[text.length - 1] == '0') --text.length;
     if (text.bytes[text.length - 1] == '.') --text.length;
-    text.bytes[text.length++] = 'Z';
+    text.Put('Z');
     return text.NewValue(Asn1KindGeneralizedTime);
 }
 
