@@ -90,6 +90,7 @@ private:
 using Contests = std::vector<std::unique_ptr<Contest>>;
 void AddCertificates(Contests* contests);
 void AddCrls(Contests* contests);
+void AddTexts(Contests* contests);
 void PrintMessagePeaks();
 
 }  // namespace bench
