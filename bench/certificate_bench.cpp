@@ -28,7 +28,7 @@ std::vector<Document> Documents() {
     std::vector<Document> documents = {{"sample", Encode(certificate)}};
     FreeCertificate(certificate);
     for (const char* name : {"ossl-embeddedscts3", "ruca-2025-07-03t09-34-16z-2039-07-03t09-34-16z"}) {
-        const std::string path = std::string(TLVFORGE_SOURCE_DIR "/../shared/corpus/cert/") + name + ".der";
+        const std::string path = std::string(TLVFORGE_CORPUS "/cert/") + name + ".der";
         std::ifstream in(path, std::ios::binary);
         if (in) documents.push_back({name, Bytes(std::istreambuf_iterator<char>(in), {})});
     }

@@ -41,11 +41,10 @@ function(tlvforge_compile_library target)
         PRIVATE ${PROJECT_SOURCE_DIR}/src)
 endfunction()
 
-# Links against the C library alone: with the C compiler, without the libraries that CMake adds for C++ objects, and with
-# every symbol defined. The sanitizers bring libraries of their own and leave symbols for them to define.
+# Links against the C library alone: with the C compiler, and with every symbol defined. The sanitizers bring libraries
+# of their own and leave symbols for them to define.
 function(tlvforge_link_library target)
     set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-    set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "" PARENT_SCOPE)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C LINK_DEPENDS ${map})
     target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic-functions -Wl,--as-needed)
     if(NOT TLVFORGE_SANITIZE AND NOT TLVFORGE_RACES AND NOT TLVFORGE_COVERAGE)

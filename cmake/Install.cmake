@@ -4,11 +4,6 @@ include(CMakePackageConfigHelpers)
 
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/tlvforge)
 
-# The plain name is the one to link; it stands for the library, whose name tells the size of its pointers.
-add_library(tlvforge INTERFACE)
-add_library(tlvforge::tlvforge ALIAS tlvforge)
-target_link_libraries(tlvforge INTERFACE tlvforge_64)
-
 install(TARGETS tlvforge_64 tlvforge EXPORT tlvforge-targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
@@ -21,6 +16,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/tlvforge-config-version.c
 install(FILES ${PROJECT_BINARY_DIR}/tlvforge-config-version.cmake DESTINATION ${packageDir} COMPONENT development)
 
 file(RELATIVE_PATH TLVFORGE_PC_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" TLVFORGE_PC_UP ${TLVFORGE_PC_UP})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/tlvforge.pc.in ${PROJECT_BINARY_DIR}/tlvforge.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tlvforge.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 

@@ -45,16 +45,14 @@ Bytes operator+(const Bytes& left, const Bytes& right) {
     return out;
 }
 
-namespace {
-const std::filesystem::path kCorpus = std::filesystem::path(TLVFORGE_SOURCE_DIR) / ".." / "shared" / "corpus";
-}
+const char* const kCorpus = TLVFORGE_CORPUS;
 
 bool HasCorpus() { return std::filesystem::is_directory(kCorpus); }
 
 std::vector<NamedBytes> Corpus(const std::string& folder) {
     std::vector<NamedBytes> files;
     if (!HasCorpus()) return files;
-    for (const auto& entry : std::filesystem::directory_iterator(kCorpus / folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(kCorpus) / folder)) {
         std::ifstream in(entry.path(), std::ios::binary);
         files.push_back({folder + "/" + entry.path().filename().string(),
                          Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>())});

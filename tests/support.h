@@ -97,10 +97,12 @@ struct NamedBytes {
     Bytes bytes;
 };
 std::vector<NamedBytes> Corpus(const std::string& folder);
+extern const char* const kCorpus;  // the folder
 bool HasCorpus();
 
 // For tests that have nothing to do without the corpus: says so.
-#define SKIP_WITHOUT_CORPUS() \
-    if (!support::HasCorpus()) GTEST_SKIP() << "no corpus of real documents beside the project"
+#define SKIP_WITHOUT_CORPUS()  \
+    if (!support::HasCorpus()) \
+    GTEST_SKIP() << "there are no real documents in " << support::kCorpus << " (TLVFORGE_CORPUS)"
 
 }  // namespace support

@@ -1,10 +1,10 @@
 """What the shared library exports, and what it needs.
 
-    exports_test.py LIBRARY bridge|plain [--instrumented] [--nm NM] [--readelf READELF]
+    exports_test.py LIBRARY bridge|plain [--instrumented] [--agreed FILE] [--nm NM] [--readelf READELF]
 
 The exports are what the public headers declare and, with the bridge, a native method for each of these. The library
 needs the C library alone, and has no path of the place where it was built. What prototypes.txt records hasn't changed.
-Where the list of agreed names lies beside the checkout, names and parameters of the natives are as agreed.
+Where the list of agreed names exists, names and parameters of the natives are as agreed.
 """
 import argparse
 import subprocess
@@ -13,7 +13,6 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
-AGREED = ROOT.parent / "shared/exports.tsv"
 SYMBOL = "Java_kestrelon_x509_tlvforge_Tlvforge_dll_1"
 
 failures = 0
@@ -39,6 +38,7 @@ def main():
     parser.add_argument("library", type=Path)
     parser.add_argument("kind", choices=["bridge", "plain"])
     parser.add_argument("--instrumented", action="store_true")
+    parser.add_argument("--agreed", type=Path, default="/nowhere")
     parser.add_argument("--nm", default="nm")
     parser.add_argument("--readelf", default="readelf")
     arguments = parser.parse_args()
@@ -56,14 +56,14 @@ def main():
     expect_within(recorded, prototypes, "has been released with this prototype, and it has changed or gone")
     expect_within([""], ["" for _ in recorded], "the record of prototypes is empty")
 
-    if AGREED.exists():
-        agreed = AGREED.read_text().splitlines()
+    if arguments.agreed.exists():
+        agreed = arguments.agreed.read_text().splitlines()
         names = [line.split("\t")[0] for line in agreed[1:]]
         expect_within(declared, names, "is exported, but not among the agreed names")
         expect_within(names, declared, "is an agreed name, but not exported")
         expect_within(interface("natives"), agreed, "is not how the parameters of the native method were agreed")
     else:
-        print(f"SKIPPED: agreed names, {AGREED} is not there")
+        print(f"SKIPPED: agreed names, {arguments.agreed} is not there")
 
     if arguments.instrumented:
         print("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
