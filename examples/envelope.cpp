@@ -11,10 +11,15 @@
 
 #include "issuing/require.h"
 #include "signing/files.h"
+#include "usage.h"
 
 using namespace examples;
 
 namespace {
+
+constexpr char kUsage[] =
+    "usage: envelope IN OUT\n\n"
+    "Takes an encrypted message (CMS EnvelopedData, BER or DER) apart and puts it together again.\n";
 
 using OwnedContentInfo = Owned<CmsContentInfo, FreeCmsContentInfo>;
 using OwnedEnvelope = Owned<CmsEnvelopedData, FreeCmsEnvelopedData>;
@@ -249,10 +254,7 @@ Bytes Rebuild(const Bytes& message) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 3) {
-        fprintf(stderr, "usage: envelope IN OUT\n");
-        return 1;
-    }
+    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 3)) return *status;
     try {
         printf("%s\n", arguments[1]);
         const Bytes message = ReadFile(arguments[1]);

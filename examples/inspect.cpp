@@ -35,7 +35,7 @@ time-stamps, DER or PEM. Without a file, and for -, standard input is read.
   --color[=WHEN]  colours, and values in a column: always, never, or auto (the default), which is on a terminal
                   unless NO_COLOR is set
   --sample        show a sample certificate
-  --help          show this
+  -h, --help      show this
 
 A line of JSON is {"file", "block" and "label" (of PEM), "kind", "outline": [ENTRY...]}, or has "error" in place of the
 last two. An entry has a "name", "value" (text), "hex", "status" and "meaning" (where the library refuses a part),
@@ -208,7 +208,7 @@ std::optional<int> ReadOptions(int count, char** arguments, Options& options) {
                                           {}};
     options.coloured = IsForTerminal();
     opterr = 0;
-    for (int name = 0; (name = getopt_long(count, arguments, ":", kOptions, nullptr)) != -1;) {
+    for (int name = 0; (name = getopt_long(count, arguments, ":h", kOptions, nullptr)) != -1;) {
         switch (name) {
             case kKind:
                 options.kind = FindKind(optarg);
@@ -222,6 +222,7 @@ std::optional<int> ReadOptions(int count, char** arguments, Options& options) {
                 }
                 break;
             case kSample: options.sample = true; break;
+            case 'h':
             case kHelpName: return Help();
             case ':': return Complain("a value is missing behind", arguments[optind - 1]);
             default: {

@@ -1,4 +1,4 @@
-// issue [DIRECTORY]: builds a root certificate, end certificates, a request and a CRL from nothing, and has them
+// issue DIRECTORY: builds a root certificate, end certificates, a request and a CRL from nothing, and has them
 // verified.
 //
 // The library makes the documents, OpenSSL the keys, the signatures and the verification. root.pem, end.pem,
@@ -16,10 +16,15 @@
 #include "issuing/crl.h"
 #include "issuing/request.h"
 #include "issuing/verification.h"
+#include "usage.h"
 
 using namespace examples;
 
 namespace {
+
+constexpr char kUsage[] =
+    "usage: issue DIRECTORY\n\n"
+    "Issues certificates, a request and a CRL, has OpenSSL verify them, and writes them to the directory.\n";
 
 constexpr char kHost[] = "www.example.org";
 
@@ -100,12 +105,9 @@ bool Issue(const std::filesystem::path& directory) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count > 2) {
-        fprintf(stderr, "usage: issue [DIRECTORY]\n");
-        return 1;
-    }
+    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 2)) return *status;
     try {
-        return Issue(count == 2 ? arguments[1] : ".") ? 0 : 1;
+        return Issue(arguments[1]) ? 0 : 1;
     } catch (const std::exception& failure) {
         fprintf(stderr, "issue: %s\n", failure.what());
         return 1;

@@ -72,7 +72,7 @@ function(check folder digest)
     message("The openssl command accepted ${folder}/*.orq and ${folder}/*.ors")
 endfunction()
 
-run(${OCSP})
+run(${OCSP} .)
 message("${said}")
 if(NOT OPENSSL)
     message("Verification by the openssl command is left out: there is none")

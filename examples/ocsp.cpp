@@ -1,10 +1,9 @@
-// ocsp [DIRECTORY]: asks whether certificates are revoked, answers as the responder, and has the answer verified
+// ocsp DIRECTORY: asks whether certificates are revoked, answers as the responder, and has the answer verified
 // (OCSP, RFC 6960).
 // ocsp answer DIRECTORY REQUEST RESPONSE: the responder alone, for the request of another client.
 //
 // The library makes and reads the messages and certificates, OpenSSL makes hashes, keys and signatures, and verifies.
-// What is made is written to the directory, by default the current one, and once more into gost/ inside of it where
-// OpenSSL has its GOST engine:
+// What is made is written to the directory, and once more into gost/ inside of it where OpenSSL has its GOST engine:
 //
 //   root.cer, issued.der, crl.crl     the authority, the list of its certificates, and what it has revoked
 //   responder.cer, responder.key      who answers; the second form reads these files
@@ -23,10 +22,17 @@
 #include "ocsp/client.h"
 #include "ocsp/responder_files.h"
 #include "ocsp/verification.h"
+#include "usage.h"
 
 using namespace examples;
 
 namespace {
+
+constexpr char kUsage[] =
+    "usage: ocsp DIRECTORY\n"
+    "       ocsp answer DIRECTORY REQUEST RESPONSE\n\n"
+    "Asks whether certificates are revoked, answers as the responder, and has OpenSSL verify the answer;\n"
+    "`answer` is the responder alone.\n";
 
 // A certificate to ask about, and what the answer should be.
 struct Subject {
@@ -129,13 +135,10 @@ void Answer(const char* directory, const char* request, const char* response) {
 
 int main(int count, char** arguments) {
     const bool answer = count == 5 && strcmp(arguments[1], "answer") == 0;
-    if (count > 2 && !answer) {
-        fprintf(stderr, "usage: ocsp [DIRECTORY]\n       ocsp answer DIRECTORY REQUEST RESPONSE\n");
-        return 1;
-    }
+    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 2 || answer)) return *status;
     try {
         if (answer) return Answer(arguments[2], arguments[3], arguments[4]), 0;
-        return AskAndAnswer(count == 2 ? arguments[1] : ".") ? 0 : 1;
+        return AskAndAnswer(arguments[1]) ? 0 : 1;
     } catch (const std::exception& failure) {
         fprintf(stderr, "ocsp: %s\n", failure.what());
         return 1;

@@ -1,9 +1,8 @@
-// sign_file [FILE [DIRECTORY]]: signs a file in every form that a signed message (CMS) can have, and has the messages
+// sign_file FILE DIRECTORY: signs a file in every form that a signed message (CMS) can have, and has the messages
 // verified.
 //
-// Without FILE a short text is signed, which is written to content.txt. The library makes the messages and the
-// certificates, OpenSSL the keys, the signatures and the verification. What is made is written to the directory, by
-// default the current one, and a second time with the prefix gost- where OpenSSL has its GOST engine:
+// The library makes the messages and the certificates, OpenSSL the keys, the signatures and the verification. What is
+// made is written to the directory, and a second time with the prefix gost- where OpenSSL has its GOST engine:
 //
 //   root.pem           the certificate to trust
 //   attached.p7m       the file with a signature;  detached.p7s: the signature alone, to lie beside the file
@@ -19,7 +18,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "signing/cades.h"
@@ -27,10 +25,16 @@
 #include "signing/identity.h"
 #include "signing/message.h"
 #include "signing/verification.h"
+#include "usage.h"
 
 using namespace examples;
 
 namespace {
+
+constexpr char kUsage[] =
+    "usage: sign_file FILE DIRECTORY\n\n"
+    "Signs the file in every form of a signed message (CMS), has OpenSSL verify the messages, and writes them to the\n"
+    "directory.\n";
 
 constexpr Form kAttached = {true, true}, kDetached = {false, true};
 constexpr Form kBareAttached = {true, false}, kBareDetached = {false, false};
@@ -110,16 +114,9 @@ bool SignContent(const Suite& suite, const Bytes& content, const std::filesystem
     return WriteTimeStamp(folder, store) && all;
 }
 
-Bytes MakeSample(const std::filesystem::path& directory) {
-    static constexpr std::string_view kText = "I owe you a lunch.\nAnna\n";
-    Bytes sample(kText.begin(), kText.end());
-    WriteFile(directory / "content.txt", sample);
-    return sample;
-}
-
 bool SignFile(const char* path, const std::filesystem::path& directory) {
+    const Bytes content = ReadFile(path);
     std::filesystem::create_directories(directory);
-    const Bytes content = path != nullptr ? ReadFile(path) : MakeSample(directory);
     if (content.empty()) throw std::runtime_error("an empty file can't be attached to a signature");
     const bool verified = SignContent(kEc, content, directory);
     const GostEngine engine;
@@ -133,12 +130,9 @@ bool SignFile(const char* path, const std::filesystem::path& directory) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count > 3) {
-        fprintf(stderr, "usage: sign_file [FILE [DIRECTORY]]\n");
-        return 1;
-    }
+    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 3)) return *status;
     try {
-        return SignFile(count > 1 ? arguments[1] : nullptr, count > 2 ? arguments[2] : ".") ? 0 : 1;
+        return SignFile(arguments[1], arguments[2]) ? 0 : 1;
     } catch (const std::exception& failure) {
         fprintf(stderr, "sign_file: %s\n", failure.what());
         return 1;

@@ -106,7 +106,7 @@ function(read_all folder)
     read(${folder}/request.tsq)
 endfunction()
 
-run(${TIMESTAMP})
+run(${TIMESTAMP} .)
 message("${said}")
 if(NOT OPENSSL)
     message("Verification by the openssl command is left out: there is none")

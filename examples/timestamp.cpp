@@ -1,10 +1,9 @@
-// timestamp [DIRECTORY]: asks for a time-stamp, gives it as the authority, and has it verified (RFC 3161).
+// timestamp DIRECTORY: asks for a time-stamp, gives it as the authority, and has it verified (RFC 3161).
 // timestamp answer DIRECTORY REQUEST RESPONSE: the authority alone, for the request of another client.
 // timestamp read REQUEST RESPONSE: prints a time-stamp of another authority, if it is the answer to the request.
 //
 // The library makes and reads the messages and certificates, OpenSSL makes hashes, keys and signatures, and verifies.
-// What is made is written to the directory, by default the current one, and once more into gost/ inside of it where
-// OpenSSL has its GOST engine:
+// What is made is written to the directory, and once more into gost/ inside of it where OpenSSL has its GOST engine:
 //
 //   root.cer                            the certificate to trust
 //   authority.cer, authority.key        who gives time-stamps; the second form reads these files
@@ -25,10 +24,18 @@
 #include "stamping/authority.h"
 #include "stamping/client.h"
 #include "stamping/verification.h"
+#include "usage.h"
 
 using namespace examples;
 
 namespace {
+
+constexpr char kUsage[] =
+    "usage: timestamp DIRECTORY\n"
+    "       timestamp answer DIRECTORY REQUEST RESPONSE\n"
+    "       timestamp read REQUEST RESPONSE\n\n"
+    "Asks for a time-stamp, answers as the authority, and has OpenSSL verify the answer;\n"
+    "`answer` is the authority alone, `read` prints the time-stamp of another authority.\n";
 
 void PrintAnswer(const Bytes& bytes, const TimeStampRequest& request) {
     const TimeStampResponse response = ReadResponse(bytes);
@@ -97,17 +104,11 @@ void Read(const char* request, const char* response) {
 int main(int count, char** arguments) {
     const bool answer = count == 5 && strcmp(arguments[1], "answer") == 0;
     const bool read = count == 4 && strcmp(arguments[1], "read") == 0;
-    if (count > 2 && !answer && !read) {
-        fprintf(stderr,
-                "usage: timestamp [DIRECTORY]\n"
-                "       timestamp answer DIRECTORY REQUEST RESPONSE\n"
-                "       timestamp read REQUEST RESPONSE\n");
-        return 1;
-    }
+    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 2 || answer || read)) return *status;
     try {
         if (answer) return Answer(arguments[2], arguments[3], arguments[4]), 0;
         if (read) return Read(arguments[2], arguments[3]), 0;
-        return StampData(count == 2 ? arguments[1] : ".") ? 0 : 1;
+        return StampData(arguments[1]) ? 0 : 1;
     } catch (const std::exception& failure) {
         fprintf(stderr, "timestamp: %s\n", failure.what());
         return 1;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 #include "openssl.h"
 
@@ -75,7 +76,9 @@ inline bool VerifyChain(const Bytes& der, const Anchor& anchor, const Expectatio
     const bool verified = X509_verify_cert(context.get()) > 0;
     const int result = X509_STORE_CTX_get_error(context.get());
     const bool asExpected = result == expected.result && verified == (expected.result == X509_V_OK);
-    return Report(expected.title, asExpected, X509_verify_cert_error_string(result));
+    std::string said = X509_verify_cert_error_string(result);
+    if (asExpected && !verified) said = "refused, as it should be (" + said + ")";
+    return Report(expected.title, asExpected, said.c_str());
 }
 
 }  // namespace examples

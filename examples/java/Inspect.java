@@ -42,10 +42,7 @@ public final class Inspect {
             program.kinds.keySet().retainAll(files.subList(1, 2));
             files = files.subList(2, files.size());
         }
-        if (files.isEmpty() || program.kinds.isEmpty()) {
-            System.err.println("usage: Inspect [--kind KIND] FILE...\nkinds: " + known);
-            System.exit(2);
-        }
+        Usage.answer("Inspect [--kind KIND] FILE...\nkinds: " + known, files, !program.kinds.isEmpty() && !files.isEmpty());
         boolean complete = true;
         for (String file : files) complete = program.inspectFile(file, files.size() == 1) && complete;
         System.exit(program.out.finish() && complete ? 0 : 1);

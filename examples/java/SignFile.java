@@ -9,13 +9,13 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.security.GeneralSecurityException;
 import java.security.cert.X509Certificate;
+import java.util.List;
 
 /**
- * SignFile [FILE [DIRECTORY]]: signs a file in the forms that a signed message (CMS) can have, and verifies them.
+ * SignFile FILE DIRECTORY: signs a file in the forms that a signed message (CMS) can have, and verifies them.
  *
- * <p>Without FILE a short text is signed, which is written to content.txt. The library makes the messages and the
- * certificates, the JDK the keys, the signatures and the verification. What is made is written to the directory, by
- * default the current one:
+ * <p>The library makes the messages and the certificates, the JDK the keys, the signatures and the verification. What
+ * is made is written to the directory:
  *
  * <pre>
  *   root.pem           the certificate to trust
@@ -38,23 +38,14 @@ public final class SignFile {
     private boolean allGood = true;
 
     public static void main(String[] arguments) throws Exception {
-        if (arguments.length > 2) {
-            System.err.println("usage: SignFile [FILE [DIRECTORY]]");
-            System.exit(1);
-        }
-        Path directory = Files.createDirectories(Path.of(arguments.length > 1 ? arguments[1] : "."));
-        byte[] content = arguments.length > 0 ? Files.readAllBytes(Path.of(arguments[0])) : makeSample(directory);
+        Usage.answer("SignFile FILE DIRECTORY", List.of(arguments), arguments.length == 2);
+        Path directory = Files.createDirectories(Path.of(arguments[1]));
+        byte[] content = Files.readAllBytes(Path.of(arguments[0]));
         if (content.length == 0) throw new IOException("an empty file can't be attached to a signature");
         Identity authority = Identity.makeAuthority();
         SignFile program = new SignFile(directory, content, authority);
         program.signAll(authority);
         System.exit(program.allGood ? 0 : 1);
-    }
-
-    private static byte[] makeSample(Path directory) throws IOException {
-        byte[] sample = "I owe you a lunch.\nAnna\n".getBytes(StandardCharsets.US_ASCII);
-        write(directory.resolve("content.txt"), sample);
-        return sample;
     }
 
     private static void write(Path path, byte[] bytes) throws IOException {

@@ -2,7 +2,8 @@
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/../openssl_command.cmake)
 
-run(${JAVA_SIGN_FILE})
+file(WRITE ${DIRECTORY}/content.txt "I owe you a lunch.\nAnna\n")
+run(${JAVA_SIGN_FILE} content.txt .)
 message("${said}")
 set(java "${said}")
 
@@ -41,7 +42,7 @@ function(to_comparable text result)
 endfunction()
 
 if(SIGN_FILE)
-    run(${SIGN_FILE})
+    run(${SIGN_FILE} content.txt .)
     # Only there: advanced signatures, and GOST.
     string(REGEX REPLACE "  wrote ./cades.p7m[^\n]*\n[^\n]*\n[^\n]*\n" "" said "${said}")
     string(REGEX REPLACE "  wrote ./time-stamp.tst.*" "" said "${said}")
