@@ -5,8 +5,21 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 namespace support {
+
+std::string StatusName(Status status) {
+    static const auto names = [] {
+        std::map<Status, std::string> found;
+        std::ifstream header(TLVFORGE_SOURCE_DIR "/include/tlvforge/status.h");
+        for (std::string word; std::getline(header, word, '(') && std::getline(header, word, ',');)
+            if (Status number = 0; word.starts_with("Status") && header >> number) found[number] = word.substr(6);
+        return found;
+    }();
+    const auto name = names.find(status);
+    return name != names.end() ? name->second : std::to_string(status);
+}
 
 Bytes Hex(std::string_view text) {
     std::string digits;

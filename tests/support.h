@@ -18,6 +18,9 @@ namespace support {
 using Bytes = std::vector<uint8_t>;
 using Numbers = std::vector<uint32_t>;
 
+// "BadArgument" for StatusBadArgument; the number of one that has no name.
+std::string StatusName(Status status);
+
 // "30 03 02 01 05"; anything but hex digits is skipped.
 Bytes Hex(std::string_view text);
 std::string ToHex(const Bytes& bytes);
