@@ -42,7 +42,7 @@ public:
           document_(std::move(document)),
           buffer_(document_.der.size() + 1024) {
         Must(DecodeCertificate(document_.der.data(), Size(document_.der), &certificate_));
-        Collect(tlvforge::schema::Certificate, certificate_, &nodes_);
+        Collect(tlvforge::itemOf<Certificate>, certificate_, &nodes_);
         blocks_.resize(nodes_.size());
         Add("floor", [this] { AllocateAll(nodes_, &blocks_); });
         for (const auto& codec : codecs_) AddCodec(codec.get());

@@ -73,7 +73,7 @@ public:
         const size_t before = HeapInUse();
         crl_ = Decode();
         heap_ = HeapInUse() - before + crl_->tbsCertList->revokedCertificates->capacity * sizeof(void*);
-        Collect(tlvforge::schema::X509Crl, crl_, &nodes_);
+        Collect(tlvforge::itemOf<X509Crl>, crl_, &nodes_);
         blocks_.resize(nodes_.size());
         AddTable();
         Add("floor", [this] { AllocateAll(nodes_, &blocks_); });

@@ -1,32 +1,33 @@
 // The engine over items that use every block of engine/items.h: the first byte chooses one, the others are decoded.
-#include "engine/items.h"
-#include "engine/nodes.h"
+#include "schema.h"
 #include "walk.h"
 
 using namespace tlvforge;
 using namespace tlvforge::schema;
+using namespace test_schema;
 using namespace walk;
 
 namespace {
 
-constexpr Asn1Item kApplication = Tagged(OctetString, Asn1ClassApplication, 3, 0);
-constexpr Asn1Item kPrivate = Tagged(Integer, Asn1ClassPrivate, 1000000, Asn1FlagExplicit);
-constexpr Asn1Item kUniversal = Tagged(UTF8String, Asn1ClassUniversal, 2, Asn1FlagExplicit);
-constexpr Asn1Item kLeaf = Choice<Boolean, Integer, BitString, OctetString, Null, ObjectIdentifier, Enumerated,
-                                  UTF8String, Primitive<18>, Primitive<19>, Primitive<20>, Primitive<21>, IA5String,
-                                  UTCTime, GeneralizedTime, Primitive<25>, Primitive<26>, Primitive<27>, Primitive<28>,
-                                  Primitive<30>, Explicit<1, Any>, kApplication, kPrivate, Implicit<0, OctetString>>;
-constexpr Asn1Item kTagged =
-    Sequence<Optional<Implicit<0, Integer>>, Optional<Explicit<1, kLeaf>>, Default<Explicit<2, Integer>, kZero>,
-             Default<Implicit<3, Boolean>, kFalse>, Optional<Implicit<4, SetOf<Any>>>,
-             Optional<Implicit<31, BitString>>, Optional<Explicit<300, OctetString>>, Optional<kPrivate>,
-             Optional<kUniversal>, Optional<Explicit<5, SequenceOf<kLeaf>>>>;
-constexpr Asn1Item kSets = SetOf<SequenceOf<SetOf<kLeaf>>>;
-constexpr Asn1Item kDeep = Sequence<kTagged, Optional<Sequence<Integer, kSets, Optional<Any>>>, SequenceOf<kTagged>>;
-constexpr Asn1Item kComparable = Sequence<Boolean, Integer, Optional<BitString>, SequenceOf<OctetString>>;
+constexpr Asn1Item kApplication = Tagged(itemOf<OctetString>, Asn1ClassApplication, 3, 0);
+constexpr Asn1Item kPrivate = Tagged(itemOf<Integer>, Asn1ClassPrivate, 1000000, Asn1FlagExplicit);
+constexpr Asn1Item kUniversal = Tagged(itemOf<UTF8String>, Asn1ClassUniversal, 2, Asn1FlagExplicit);
+struct Leaf : Choice<Boolean, Integer, BitString, OctetString, Null, ObjectIdentifier, Enumerated, UTF8String,
+                     Primitive<18>, Primitive<19>, Primitive<20>, Primitive<21>, IA5String, UTCTime, GeneralizedTime,
+                     Primitive<25>, Primitive<26>, Primitive<27>, Primitive<28>, Primitive<30>, Explicit<1, Any>,
+                     Element<kApplication>, Element<kPrivate>, Implicit<0, OctetString>> {};
+struct TaggedFields
+    : Sequence<Optional<Implicit<0, Integer>>, Optional<Explicit<1, Leaf>>, Default<Explicit<2, Integer>, kZero>,
+               Default<Implicit<3, Boolean>, kFalse>, Optional<Implicit<4, SetOf<Any>>>,
+               Optional<Implicit<31, BitString>>, Optional<Explicit<300, OctetString>>, Optional<Element<kPrivate>>,
+               Optional<Element<kUniversal>>, Optional<Explicit<5, SequenceOf<Leaf>>>> {};
+struct Sets : SetOf<SequenceOf<SetOf<Leaf>>> {};
+struct Deep : Sequence<TaggedFields, Optional<Sequence<Integer, Sets, Optional<Any>>>, SequenceOf<TaggedFields>> {};
+struct Comparable : Sequence<Boolean, Integer, Optional<BitString>, SequenceOf<OctetString>> {};
 // A SET with fields can be read and not written.
-constexpr Asn1Item kSet = {0, Asn1Constructed, 0, Asn1KindSet, -1, 0, kComparable.children, 4, nullptr};
-constexpr const Asn1Item* kItems[] = {&kLeaf, &kTagged, &kSets, &kDeep, &kComparable, &Any, &kSet};
+constexpr Asn1Item kSet = {0, Asn1Constructed, 0, Asn1KindSet, -1, 0, itemOf<Comparable>.children, 4, nullptr};
+constexpr const Asn1Item* kItems[] = {&itemOf<Leaf>,       &itemOf<TaggedFields>, &itemOf<Sets>, &itemOf<Deep>,
+                                      &itemOf<Comparable>, &itemOf<Any>,          &kSet};
 
 struct Node {
     const Asn1Item& item;

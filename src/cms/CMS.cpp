@@ -59,7 +59,7 @@ Status FillDocument(CmsSignedData* document, const Algorithm& digestAlgorithm) {
 }
 
 Status IdentifySigner(CmsSignerInfo* signer, const Bytes& encodedCertificate) {
-    Tree<Certificate> certificate(schema::Certificate);
+    Tree<Certificate> certificate;
     Status status = certificate.Decode(encodedCertificate.data, encodedCertificate.length);
     if (status != StatusOk) return status;
     uint32_t serialLength = 0;
@@ -96,29 +96,25 @@ Status EncodeWithContent(const CmsSignedData* document, const Bytes& content, ui
 
 }  // namespace
 
-Status CreateCmsSignedData(CmsSignedData** signedData) {
-    return CreateAsn1Object(&schema::CmsSignedData, Untyped(signedData), 1);
-}
+Status CreateCmsSignedData(CmsSignedData** signedData) { return CreateTree(signedData); }
 
 Status CreateCmsSignedDataCopy(const CmsSignedData* signedData, CmsSignedData** copy) {
-    return CopyTree(schema::CmsSignedData, signedData, copy);
+    return CopyTree(signedData, copy);
 }
 
 Status DecodeCmsSignedData(const uint8_t* bytes, uint32_t length, CmsSignedData** signedData) {
-    return DecodeTree(schema::CmsSignedData, bytes, length, signedData);
+    return DecodeTree(bytes, length, signedData);
 }
 
 Status EncodeCmsSignedData(const CmsSignedData* signedData, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(signedData, &schema::CmsSignedData, buffer, length);
+    return EncodeTree(signedData, buffer, length);
 }
 
-Status FreeCmsSignedData(CmsSignedData* signedData) { return FreeAsn1Object(&schema::CmsSignedData, signedData); }
+Status FreeCmsSignedData(CmsSignedData* signedData) { return FreeTree(signedData); }
 
-Status CreateCmsSignerInfo(CmsSignerInfo** signer) {
-    return CreateAsn1Object(&schema::CmsSignerInfo, Untyped(signer), 1);
-}
+Status CreateCmsSignerInfo(CmsSignerInfo** signer) { return CreateTree(signer); }
 
-Status FreeCmsSignerInfo(CmsSignerInfo* signer) { return FreeAsn1Object(&schema::CmsSignerInfo, signer); }
+Status FreeCmsSignerInfo(CmsSignerInfo* signer) { return FreeTree(signer); }
 
 Status CreateCmsFileSignature2(const uint8_t* content, uint32_t contentLength, const uint8_t* digest,
                                uint32_t digestLength, const LibraryTime* signingTime, const uint8_t* digestAlgorithmOid,
@@ -141,7 +137,7 @@ Status CreateCmsFileSignature2(const uint8_t* content, uint32_t contentLength, c
 
     CmsSignedData* signedData = nullptr;
     Status status = StartDocument({existingSignature, existingSignatureLength}, document, &signedData);
-    const Tree<CmsSignedData> owner(schema::CmsSignedData, signedData);
+    const Tree<CmsSignedData> owner(signedData);
     if (status == StatusOk) status = FillDocument(signedData, digestAlgorithm);
     if (status == StatusOk) status = AddCertificates(signedData, certificates, certificateLengths, certificateCount);
     CmsSignerInfo* signer = nullptr;

@@ -7,23 +7,19 @@
 
 using namespace tlvforge;
 
-Status CreateCmsContentInfo(CmsContentInfo** info) {
-    return CreateAsn1Object(&schema::CmsContentInfo, Untyped(info), 1);
-}
+Status CreateCmsContentInfo(CmsContentInfo** info) { return CreateTree(info); }
 
-Status CreateCmsContentInfoCopy(const CmsContentInfo* info, CmsContentInfo** copy) {
-    return CopyTree(schema::CmsContentInfo, info, copy);
-}
+Status CreateCmsContentInfoCopy(const CmsContentInfo* info, CmsContentInfo** copy) { return CopyTree(info, copy); }
 
 Status DecodeCmsContentInfo(const uint8_t* bytes, uint32_t length, CmsContentInfo** info) {
-    return DecodeTree(schema::CmsContentInfo, bytes, length, info);
+    return DecodeTree(bytes, length, info);
 }
 
 Status EncodeCmsContentInfo(const CmsContentInfo* info, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(info, &schema::CmsContentInfo, buffer, length);
+    return EncodeTree(info, buffer, length);
 }
 
-Status FreeCmsContentInfo(CmsContentInfo* info) { return FreeAsn1Object(&schema::CmsContentInfo, info); }
+Status FreeCmsContentInfo(CmsContentInfo* info) { return FreeTree(info); }
 
 Status GetCmsContentInfoTypeOid(const CmsContentInfo* info, uint8_t* oid, uint32_t* length) {
     if (AnyNull(info, length)) return Fail(StatusBadArgument);
@@ -45,7 +41,7 @@ Status GetCmsContentInfoContent(const CmsContentInfo* info, uint8_t* buffer, uin
 Status SetCmsContentInfoContent(CmsContentInfo* info, const uint8_t* data, uint32_t length) {
     if (info == nullptr) return Fail(StatusBadArgument);
     // Freed first: large content shouldn't be there twice.
-    FreeField(schema::Any, &info->content);
+    FreeField(&info->content);
     if (data == nullptr || length == 0) return StatusOk;
     info->content = AllocAsn1Any(data[0], data, length);
     return info->content == nullptr ? Fail(StatusOutOfMemory) : StatusOk;

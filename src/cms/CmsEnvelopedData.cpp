@@ -10,35 +10,42 @@ using namespace tlvforge;
 
 namespace {
 
-using OriginatorSet = Asn1List* OriginatorInfo::*;
+template <class Set>
+using OriginatorSet = Set* OriginatorInfo::*;
 
 // A set of originatorInfo; null too where the document has no originatorInfo.
-const Asn1List* SetOf(const CmsEnvelopedData* enveloped, OriginatorSet set) {
+template <class Set>
+const Set* SetOf(const CmsEnvelopedData* enveloped, OriginatorSet<Set> set) {
     return enveloped->originatorInfo == nullptr ? nullptr : enveloped->originatorInfo->*set;
 }
 
-Status CountSet(const CmsEnvelopedData* enveloped, OriginatorSet set, uint32_t* count, Place place = Place::Here()) {
+template <class Set>
+Status CountSet(const CmsEnvelopedData* enveloped, OriginatorSet<Set> set, uint32_t* count,
+                Place place = Place::Here()) {
     if (AnyNull(enveloped, count)) return Fail(StatusBadArgument, place);
     *count = GetAsn1ListLength(SetOf(enveloped, set));
     return StatusOk;
 }
 
 // Adds with one of the two functions for encoded members. originatorInfo is made first and stays after a failure.
-Status AddToSet(CmsEnvelopedData* enveloped, OriginatorSet set, decltype(AddEncodedCertificate) add, uint8_t kind,
+template <class Set>
+Status AddToSet(CmsEnvelopedData* enveloped, OriginatorSet<Set> set,
+                Status (*add)(Set**, uint8_t, const uint8_t*, uint32_t, Status, Place), uint8_t kind,
                 const uint8_t* data, uint32_t length, Place place = Place::Here()) {
     if (AnyNull(enveloped, data)) return Fail(StatusBadArgument, place);
     OriginatorInfo** info = &enveloped->originatorInfo;
-    const Status status = *info == nullptr ? CreateAsn1Object(&schema::OriginatorInfo, Untyped(info), 0) : StatusOk;
+    const Status status = *info == nullptr ? CreateTree(info) : StatusOk;
     return status == StatusOk ? add(&((*info)->*set), kind, data, length, StatusBadAlternative, place) : status;
 }
 
 // originatorInfo goes with its last set; an empty one doesn't hold it.
-Status RemoveSet(CmsEnvelopedData* enveloped, const Asn1Item& item, OriginatorSet set, OriginatorSet other,
+template <class Set, class Other>
+Status RemoveSet(CmsEnvelopedData* enveloped, OriginatorSet<Set> set, OriginatorSet<Other> other,
                  Place place = Place::Here()) {
     if (enveloped == nullptr) return Fail(StatusBadArgument, place);
     if (SetOf(enveloped, set) == nullptr) return StatusOk;
-    FreeField(item, &(enveloped->originatorInfo->*set));
-    if (GetAsn1ListLength(SetOf(enveloped, other)) == 0) FreeField(schema::OriginatorInfo, &enveloped->originatorInfo);
+    FreeField(&(enveloped->originatorInfo->*set));
+    if (GetAsn1ListLength(SetOf(enveloped, other)) == 0) FreeField(&enveloped->originatorInfo);
     return StatusOk;
 }
 
@@ -49,21 +56,17 @@ AlgorithmIdentifier* ContentAlgorithmOf(const CmsEnvelopedData* enveloped) {
 
 }  // namespace
 
-Status CreateCmsEnvelopedData(CmsEnvelopedData** out) {
-    return CreateAsn1Object(&schema::CmsEnvelopedData, Untyped(out), 1);
-}
+Status CreateCmsEnvelopedData(CmsEnvelopedData** out) { return CreateTree(out); }
 
 Status DecodeCmsEnvelopedData(const uint8_t* data, uint32_t length, CmsEnvelopedData** out) {
-    return DecodeTree(schema::CmsEnvelopedData, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeCmsEnvelopedData(const CmsEnvelopedData* enveloped, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(enveloped, &schema::CmsEnvelopedData, buffer, length);
+    return EncodeTree(enveloped, buffer, length);
 }
 
-Status FreeCmsEnvelopedData(CmsEnvelopedData* enveloped) {
-    return FreeAsn1Object(&schema::CmsEnvelopedData, enveloped);
-}
+Status FreeCmsEnvelopedData(CmsEnvelopedData* enveloped) { return FreeTree(enveloped); }
 
 Status GetCmsEnvelopedDataVersion(const CmsEnvelopedData* enveloped, int32_t* version) {
     if (AnyNull(enveloped, version)) return Fail(StatusBadArgument);
@@ -106,11 +109,11 @@ Status AddCmsEnvelopedDataEncodedCrl(CmsEnvelopedData* enveloped, uint8_t kind, 
 }
 
 Status RemoveCmsEnvelopedDataCertificates(CmsEnvelopedData* enveloped) {
-    return RemoveSet(enveloped, schema::CertificateSet, &OriginatorInfo::certs, &OriginatorInfo::crls);
+    return RemoveSet(enveloped, &OriginatorInfo::certs, &OriginatorInfo::crls);
 }
 
 Status RemoveCmsEnvelopedDataCrls(CmsEnvelopedData* enveloped) {
-    return RemoveSet(enveloped, schema::RevocationInfoChoices, &OriginatorInfo::crls, &OriginatorInfo::certs);
+    return RemoveSet(enveloped, &OriginatorInfo::crls, &OriginatorInfo::certs);
 }
 
 Status GetCmsEnvelopedDataRecipientInfosCount(const CmsEnvelopedData* enveloped, uint32_t* count) {
@@ -123,11 +126,11 @@ Status GetCmsEnvelopedDataRecipientInfo(const CmsEnvelopedData* enveloped, uint3
                                         uint32_t* kind) {
     if (AnyNull(enveloped, recipient, kind)) return Fail(StatusBadArgument);
     if (enveloped->recipientInfos == nullptr) return Fail(StatusAbsent);
-    Asn1Choice* choice = nullptr;
+    RecipientInfo* choice = nullptr;
     const Status status = GetListMember(enveloped->recipientInfos, index, &choice);
     if (status != StatusOk) return status;
     *static_cast<Cell*>(recipient) = choice->value;
-    *kind = choice->selected < schema::RecipientInfo.childCount ? choice->selected + 1 : 0;
+    *kind = choice->selected < itemOf<RecipientInfo>.childCount ? choice->selected + 1 : 0;
     return StatusOk;
 }
 
@@ -135,10 +138,10 @@ Status AddCmsEnvelopedDataRecipientInfo(CmsEnvelopedData* enveloped, uint32_t ki
     if (enveloped == nullptr || recipient == nullptr) return Fail(StatusBadArgument);
     Status status = NeedList(&enveloped->recipientInfos);
     if (status != StatusOk) return status;
-    if (kind == 0 || kind > schema::RecipientInfo.childCount) return Fail(StatusBadArgument);
-    Tree<Asn1Choice> choice(schema::RecipientInfo, AllocAsn1Choice(kind - 1));
+    if (kind == 0 || kind > itemOf<RecipientInfo>.childCount) return Fail(StatusBadArgument);
+    Tree<RecipientInfo> choice(AllocChoice<RecipientInfo>(kind - 1));
     if (!choice) return Fail(StatusOutOfMemory);
-    Asn1Choice* const member = choice.Get();
+    RecipientInfo* const member = choice.Get();
     status = choice.MoveTo(enveloped->recipientInfos);
     // Only now, so that after a failure the recipient is still the caller's.
     if (status == StatusOk) member->value = recipient;
@@ -147,7 +150,7 @@ Status AddCmsEnvelopedDataRecipientInfo(CmsEnvelopedData* enveloped, uint32_t ki
 
 Status RemoveCmsEnvelopedDataRecipientInfos(CmsEnvelopedData* enveloped) {
     if (enveloped == nullptr) return Fail(StatusBadArgument);
-    if (enveloped->recipientInfos != nullptr) ClearAsn1List(enveloped->recipientInfos, schema::RecipientInfo);
+    if (enveloped->recipientInfos != nullptr) ClearList(enveloped->recipientInfos);
     return StatusOk;
 }
 
@@ -192,7 +195,7 @@ Status SetCmsEnvelopedDataEncryptedContent(CmsEnvelopedData* enveloped, const ui
     EncryptedContentInfo* info = enveloped->encryptedContentInfo;
     if (info == nullptr) return Fail(StatusAbsent);
     // Freed first: content can be large, and two of them need not be in memory at once.
-    FreeField(schema::OctetString, &info->encryptedContent);
+    FreeField(&info->encryptedContent);
     if (data == nullptr || length == 0) return StatusOk;
     return SetAsn1ValueField(&info->encryptedContent, Asn1KindOctetString, data, length);
 }
@@ -203,17 +206,15 @@ Status GetCmsEnvelopedDataUnprotectedAttributes(CmsEnvelopedData* enveloped, Rsa
     return StatusOk;
 }
 
-Status CreateKeyTrans(KeyTrans** out) { return CreateAsn1Object(&schema::KeyTrans, Untyped(out), 1); }
+Status CreateKeyTrans(KeyTrans** out) { return CreateTree(out); }
 
-Status DecodeKeyTrans(const uint8_t* data, uint32_t length, KeyTrans** out) {
-    return DecodeTree(schema::KeyTrans, data, length, out);
-}
+Status DecodeKeyTrans(const uint8_t* data, uint32_t length, KeyTrans** out) { return DecodeTree(data, length, out); }
 
 Status EncodeKeyTrans(const KeyTrans* recipient, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(recipient, &schema::KeyTrans, buffer, length);
+    return EncodeTree(recipient, buffer, length);
 }
 
-Status FreeKeyTrans(KeyTrans* recipient) { return FreeAsn1Object(&schema::KeyTrans, recipient); }
+Status FreeKeyTrans(KeyTrans* recipient) { return FreeTree(recipient); }
 
 Status GetKeyTransVersion(const KeyTrans* recipient, int32_t* version) {
     if (AnyNull(recipient, version)) return Fail(StatusBadArgument);
@@ -284,7 +285,7 @@ Status SetKeyTransEncryptedKey(KeyTrans* recipient, const uint8_t* data, uint32_
 Status DecodeGost2814789Parameters(const uint8_t* data, uint32_t length, uint8_t* iv, uint32_t* ivLength, uint8_t* oid,
                                    uint32_t* oidLength) {
     if (AnyNull(data, ivLength, oidLength)) return Fail(StatusBadArgument);
-    Tree<Gost2814789Parameters> parameters(schema::Gost2814789Parameters);
+    Tree<Gost2814789Parameters> parameters;
     if (parameters.Decode(data, length) != StatusOk) return Fail(StatusBadEncoding);
     const Status status = GetAsn1Value(parameters->iv, iv, ivLength);
     return status == StatusOk ? GetAsn1Oid(parameters->encryptionParamSet, oid, oidLength) : status;
@@ -293,7 +294,7 @@ Status DecodeGost2814789Parameters(const uint8_t* data, uint32_t length, uint8_t
 Status EncodeGost2814789Parameters(const uint8_t* iv, uint32_t ivLength, const uint8_t* oid, uint8_t* buffer,
                                    uint32_t* length) {
     if (AnyNull(iv, oid, length)) return Fail(StatusBadArgument);
-    Tree<Gost2814789Parameters> parameters(schema::Gost2814789Parameters);
+    Tree<Gost2814789Parameters> parameters;
     Status status = parameters.Create();
     if (status == StatusOk) status = SetAsn1ValueField(&parameters->iv, Asn1KindOctetString, iv, ivLength);
     if (status == StatusOk) status = ReplaceOidField(&parameters->encryptionParamSet, oid);

@@ -18,14 +18,15 @@ Status GetRequiredCount(const Asn1List* list, uint32_t* count, Place place = Pla
 }
 
 template <class T>
-Status GetRequiredMember(const Asn1List* list, uint32_t index, T** member, Place place = Place::Here()) {
+Status GetRequiredMember(const ListOf<T>* list, uint32_t index, T** member, Place place = Place::Here()) {
     if (list == nullptr) return Fail(StatusAbsent, place);
     return GetListMember(list, index, member, place);
 }
 
-Status ClearRequired(Asn1List* list, const Asn1Item& element, Place place = Place::Here()) {
+template <class T>
+Status ClearRequired(ListOf<T>* list, Place place = Place::Here()) {
     if (list == nullptr) return Fail(StatusAbsent, place);
-    ClearAsn1List(list, element);
+    ClearList(list);
     return StatusOk;
 }
 
@@ -66,18 +67,18 @@ Status AddCmsSignedDataDigestAlgorithmOidAndParameters(CmsSignedData* signedData
                                                        const uint8_t* parameters, uint32_t length) {
     if (AnyNull(signedData, oid)) return Fail(StatusBadArgument);
     if (signedData->digestAlgorithms == nullptr) return Fail(StatusAbsent);
-    Tree<AlgorithmIdentifier> algorithm(schema::AlgorithmIdentifier);
+    Tree<AlgorithmIdentifier> algorithm;
     Status status = algorithm.Create();
     if (status == StatusOk) status = SetAlgorithm(algorithm.Get(), oid, parameters, length);
     if (status != StatusOk) return status;
-    status = AddAsn1ListItemUnique(signedData->digestAlgorithms, schema::AlgorithmIdentifier, algorithm.Get());
+    status = AddAsn1ListItemUnique(signedData->digestAlgorithms, itemOf<AlgorithmIdentifier>, algorithm.Get());
     if (status == StatusOk) algorithm.Take();
     return status == StatusDuplicateItem ? StatusOk : status;
 }
 
 Status ClearCmsSignedDataDigestAlgorithms(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    return ClearRequired(signedData->digestAlgorithms, schema::AlgorithmIdentifier);
+    return ClearRequired(signedData->digestAlgorithms);
 }
 
 Status GetCmsSignedDataContentTypeOid(const CmsSignedData* signedData, uint8_t* oid, uint32_t* length) {
@@ -112,7 +113,7 @@ Status SetCmsSignedDataContent(CmsSignedData* signedData, const uint8_t* data, u
     EncapsulatedContentInfo* info = signedData->encapContentInfo;
     if (info == nullptr) return Fail(StatusAbsent);
     // Freed first: large content shouldn't be there twice.
-    FreeField(schema::OctetString, &info->eContent);
+    FreeField(&info->eContent);
     if (data == nullptr || length == 0) return StatusOk;
     info->eContent = AllocAsn1Value(Asn1KindOctetString, data, length);
     return info->eContent == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
@@ -138,7 +139,7 @@ Status AddCmsSignedDataEncodedCertificate(CmsSignedData* signedData, uint8_t kin
 
 Status RemoveCmsSignedDataCertificates(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::CertificateSet, &signedData->certificates);
+    FreeField(&signedData->certificates);
     return StatusOk;
 }
 
@@ -161,7 +162,7 @@ Status AddCmsSignedDataEncodedCrl(CmsSignedData* signedData, uint8_t kind, const
 
 Status RemoveCmsSignedDataCrls(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::RevocationInfoChoices, &signedData->crls);
+    FreeField(&signedData->crls);
     return StatusOk;
 }
 
@@ -179,7 +180,7 @@ Status AddCmsSignedDataSignerInfo(CmsSignedData* signedData, CmsSignerInfo** sig
     if (AnyNull(signedData, signer)) return Fail(StatusBadArgument);
     *signer = nullptr;
     if (signedData->signerInfos == nullptr) return Fail(StatusAbsent);
-    Tree<CmsSignerInfo> fresh(schema::CmsSignerInfo);
+    Tree<CmsSignerInfo> fresh;
     Status status = fresh.Create(1);
     CmsSignerInfo* lent = fresh.Get();
     if (status == StatusOk) status = fresh.MoveTo(signedData->signerInfos);
@@ -189,13 +190,13 @@ Status AddCmsSignedDataSignerInfo(CmsSignedData* signedData, CmsSignerInfo** sig
 
 Status ClearCmsSignedDataSignerInfos(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    return ClearRequired(signedData->signerInfos, schema::CmsSignerInfo);
+    return ClearRequired(signedData->signerInfos);
 }
 
 Status DeleteCmsSignedDataSignerInfo(CmsSignedData* signedData, uint32_t index) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
     if (signedData->signerInfos == nullptr) return Fail(StatusAbsent);
-    return RemoveAsn1ListItem(signedData->signerInfos, index, schema::CmsSignerInfo);
+    return RemoveMember(signedData->signerInfos, index);
 }
 
 // --- SignerInfo ---
@@ -261,7 +262,7 @@ Status GetCmsSignerInfoUnsignedAttributes(CmsSignerInfo* signer, RsaAttributes* 
 Status GetCmsSignerInfoEncodedSignedAttributes(const CmsSignerInfo* signer, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(signer, length)) return Fail(StatusBadArgument);
     if (signer->signedAttrs.list == nullptr) return GiveBytes(nullptr, 0, buffer, length);
-    return GetAsn1EncodedValue(signer->signedAttrs.list, &schema::RsaAttributes, buffer, length);
+    return EncodeTree(signer->signedAttrs.list, buffer, length);
 }
 
 Status GetCmsSignerInfoSignerIdentifier(CmsSignerInfo* signer, X509Name** issuer, uint8_t* serial,

@@ -89,7 +89,7 @@ Status GetZelcryptIdentifierFromCertificate(const Certificate* certificate, uint
     const Block value(valueLength);
     if (!value) return Fail(StatusOutOfMemory);
     status = GetCertificateExtensionValue(certificate, oid, value.Bytes(), &valueLength);
-    Tree<Asn1Value> utf8(schema::UTF8String);
+    Tree<schema::UTF8String> utf8;
     if (status == StatusOk) status = utf8.Decode(value.Bytes(), valueLength);
     if (status != StatusOk) return status;
 

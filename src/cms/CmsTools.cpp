@@ -163,7 +163,7 @@ Status SignerIdentifierText(CmsSignerInfo* signer, uint8_t* text, uint32_t* text
 
 // Every attribute in front of the time has to have one value that isn't too long, and those behind it don't matter.
 // That is intended.
-Status ReadSigningTime(const Asn1List* attributes, LibraryTime* time) {
+Status ReadSigningTime(const RsaAttributeList* attributes, LibraryTime* time) {
     for (uint32_t i = 0; i < GetAsn1ListLength(attributes); ++i) {
         RsaAttribute* attribute = nullptr;
         Asn1Any* value = nullptr;
@@ -223,7 +223,7 @@ Status GetCmsSignedDataToBeSignedPart(const uint8_t* digest, uint32_t digestLeng
 Status GetCmsSignedDataToBeSignedPart2(const uint8_t* digest, uint32_t digestLength, const LibraryTime* signingTime,
                                        RsaAttributes extra, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(digest, length)) return Fail(StatusBadArgument);
-    Tree<CmsSignerInfo> signer(schema::CmsSignerInfo);
+    Tree<CmsSignerInfo> signer;
     Status status = signer.Create();
     if (status != StatusOk) return status;
     status = FillCmsSignerInfoWithSignedAttributes2(signer.Get(), digest, digestLength, signingTime, extra);

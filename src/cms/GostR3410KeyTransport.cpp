@@ -1,6 +1,7 @@
 #include "tlvforge/enveloped.h"
 
 #include "cms/enveloped.schema.h"
+#include "engine/nodes.h"
 #include "engine/oids.h"
 #include "x509/fields.h"
 
@@ -8,43 +9,38 @@ using namespace tlvforge;
 
 namespace {
 
-// The two blocks of the structure with their items.
+// One of the two blocks of the structure.
 template <class Block>
-struct Branch {
-    Block* GostR3410KeyTransport::*block;
-    const Asn1Item& item;
-};
-constexpr Branch<SessionEncryptedKey> kSessionKey{&GostR3410KeyTransport::sessionEncryptedKey,
-                                                  schema::SessionEncryptedKey};
-constexpr Branch<TransportParameters> kParameters{&GostR3410KeyTransport::transportParameters,
-                                                  schema::TransportParameters};
+using Branch = Block* GostR3410KeyTransport::*;
+constexpr Branch<SessionEncryptedKey> kSessionKey = &GostR3410KeyTransport::sessionEncryptedKey;
+constexpr Branch<TransportParameters> kParameters = &GostR3410KeyTransport::transportParameters;
 
 // A field of a block; null too where the block is absent.
 template <class Block, class Field>
-Field* FieldOf(const GostR3410KeyTransport* transport, const Branch<Block>& branch, Field* Block::*field) {
-    return transport->*branch.block == nullptr ? nullptr : transport->*branch.block->*field;
+Field* FieldOf(const GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch, Field* Block::*field) {
+    return transport->*branch == nullptr ? nullptr : transport->*branch->*field;
 }
 
 // Makes a block with every required field empty, where there is none.
 template <class Block>
-Status Need(const Asn1Item& item, Block** block) {
-    return *block == nullptr ? CreateAsn1Object(&item, Untyped(block), 1) : StatusOk;
+Status Need(Block** block) {
+    return *block == nullptr ? CreateTree(block) : StatusOk;
 }
 
 template <class Block>
-Status GetOctets(const GostR3410KeyTransport* transport, const Branch<Block>& branch, Asn1Value* Block::*field,
-                 uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
+Status GetOctets(const GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch,
+                 Asn1Value* Block::*field, uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
     if (AnyNull(transport, length)) return Fail(StatusBadArgument, place);
     const Asn1Value* value = FieldOf(transport, branch, field);
     return value == nullptr ? Fail(StatusAbsent, place) : GetAsn1Value(value, buffer, length);
 }
 
 template <class Block>
-Status SetOctets(GostR3410KeyTransport* transport, const Branch<Block>& branch, Asn1Value* Block::*field,
+Status SetOctets(GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch, Asn1Value* Block::*field,
                  const uint8_t* data, uint32_t length, Place place = Place::Here()) {
     if (AnyNull(transport, data)) return Fail(StatusBadArgument, place);
-    Block** block = &(transport->*branch.block);
-    const Status status = Need(branch.item, block);
+    Block** block = &(transport->*branch);
+    const Status status = Need(block);
     return status == StatusOk ? SetAsn1ValueField(&((*block)->*field), Asn1KindOctetString, data, length) : status;
 }
 
@@ -58,31 +54,27 @@ Status SetEphemeralKey(GostR3410KeyTransport* transport, const uint8_t* input, S
     if (transport == nullptr) return Fail(StatusBadArgument, place);
     TransportParameters** parameters = &transport->transportParameters;
     if (input == nullptr) {
-        if (*parameters != nullptr) FreeField(schema::SubjectPublicKeyInfo, &(*parameters)->ephemeralPublicKey);
+        if (*parameters != nullptr) FreeField(&(*parameters)->ephemeralPublicKey);
         return StatusOk;
     }
-    Status status = Need(schema::TransportParameters, parameters);
-    if (status == StatusOk) status = Need(schema::SubjectPublicKeyInfo, &(*parameters)->ephemeralPublicKey);
+    Status status = Need(parameters);
+    if (status == StatusOk) status = Need(&(*parameters)->ephemeralPublicKey);
     return status == StatusOk ? set((*parameters)->ephemeralPublicKey) : status;
 }
 
 }  // namespace
 
-Status CreateGostR3410KeyTransport(GostR3410KeyTransport** out) {
-    return CreateAsn1Object(&schema::GostR3410KeyTransport, Untyped(out), 1);
-}
+Status CreateGostR3410KeyTransport(GostR3410KeyTransport** out) { return CreateTree(out); }
 
 Status DecodeGostR3410KeyTransport(const uint8_t* data, uint32_t length, GostR3410KeyTransport** out) {
-    return DecodeTree(schema::GostR3410KeyTransport, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeGostR3410KeyTransport(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(transport, &schema::GostR3410KeyTransport, buffer, length);
+    return EncodeTree(transport, buffer, length);
 }
 
-Status FreeGostR3410KeyTransport(GostR3410KeyTransport* transport) {
-    return FreeAsn1Object(&schema::GostR3410KeyTransport, transport);
-}
+Status FreeGostR3410KeyTransport(GostR3410KeyTransport* transport) { return FreeTree(transport); }
 
 Status GetGostR3410KeyTransportEncryptedKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
     return GetOctets(transport, kSessionKey, &SessionEncryptedKey::encryptedKey, buffer, length);
@@ -133,7 +125,7 @@ Status SetGostR3410KeyTransportEncryptedKey(GostR3410KeyTransport* transport, co
 Status SetGostR3410KeyTransportMaskKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
     if (transport == nullptr) return Fail(StatusBadArgument);
     SessionEncryptedKey* key = transport->sessionEncryptedKey;
-    if (key != nullptr) FreeField(schema::OctetString, &key->maskKey);
+    if (key != nullptr) FreeField(&key->maskKey);
     if (data == nullptr || length == 0) return StatusOk;
     return SetOctets(transport, kSessionKey, &SessionEncryptedKey::maskKey, data, length);
 }
@@ -144,7 +136,7 @@ Status SetGostR3410KeyTransportMacKey(GostR3410KeyTransport* transport, const ui
 
 Status SetGostR3410KeyTransportEncryptionParamSetOid(GostR3410KeyTransport* transport, const uint8_t* oid) {
     if (AnyNull(transport, oid)) return Fail(StatusBadArgument);
-    const Status status = Need(schema::TransportParameters, &transport->transportParameters);
+    const Status status = Need(&transport->transportParameters);
     if (status != StatusOk) return status;
     Asn1Value** field = &transport->transportParameters->encryptionParamSet;
     // A set that is there is emptied, not replaced. This is intended: callers set it once.

@@ -6,21 +6,21 @@
 
 using namespace tlvforge;
 
-Status CreateSeveralData(SeveralData** data) { return CreateAsn1Object(&schema::SeveralData, Untyped(data), 1); }
+Status CreateSeveralData(SeveralData** data) { return CreateTree(data); }
 
 Status DecodeSeveralData(const uint8_t* bytes, uint32_t length, SeveralData** data) {
-    return DecodeTree(schema::SeveralData, bytes, length, data);
+    return DecodeTree(bytes, length, data);
 }
 
 Status EncodeSeveralData(const SeveralData* data, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(data, &schema::SeveralData, buffer, length);
+    return EncodeTree(data, buffer, length);
 }
 
-Status FreeSeveralData(SeveralData* data) { return FreeAsn1Object(&schema::SeveralData, data); }
+Status FreeSeveralData(SeveralData* data) { return FreeTree(data); }
 
 Status AddSeveralDataContentInfo(SeveralData* data, CmsContentInfo* info) {
     if (AnyNull(data, info)) return Fail(StatusBadArgument);
-    return AddAsn1ListItem(data, schema::CmsContentInfo, info);
+    return AddMember(data, info);
 }
 
 Status GetSeveralDataContentInfoCount(const SeveralData* data, uint32_t* count) { return GetListCount(data, count); }
@@ -29,6 +29,4 @@ Status GetSeveralDataContentInfo(const SeveralData* data, uint32_t index, CmsCon
     return GetListMember(data, index, info);
 }
 
-Status RemoveSeveralDataContentInfo(SeveralData* data, uint32_t index) {
-    return RemoveListMember(data, index, schema::CmsContentInfo);
-}
+Status RemoveSeveralDataContentInfo(SeveralData* data, uint32_t index) { return RemoveListMember(data, index); }

@@ -3,7 +3,7 @@
 
 #include "names/names.schema.h"
 #include "tlvforge/cms.h"
-#include "x509/algorithm.h"
+#include "x509/algorithm.schema.h"
 #include "x509/attribute.schema.h"
 
 // The functions of a ContentInfo serve the encapContentInfo of a SignedData too, whose fields are alike.
@@ -12,7 +12,7 @@ struct [[gnu::may_alias]] CmsContentInfo {
     Asn1Any* content;  // the whole inner element
 };
 
-struct SeveralData : Asn1List {};  // of CmsContentInfo
+struct SeveralData : tlvforge::ListOf<CmsContentInfo> {};
 
 namespace tlvforge {
 
@@ -26,76 +26,24 @@ struct OtherRevocationInfo {
     Asn1Any* otherRevInfo;
 };
 
+struct RevocationInfoChoice : Asn1Choice {};
+
+struct CertificateSet : ListOf<Asn1Any> {};
+struct RevocationInfoChoices : ListOf<RevocationInfoChoice> {};
+
 struct IssuerAndSerialNumber {
-    Asn1Choice* issuer;  // of one alternative, an X509Name
+    Name* issuer;
     Asn1Value* serialNumber;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item CmsContentInfo = Sequence<
-    ObjectIdentifier,           // contentType
-    Optional<Explicit<0, Any>>>; // content
-
-inline constexpr Asn1Item SeveralData = SequenceOf<CmsContentInfo>;
-
-inline constexpr Asn1Item EncapsulatedContentInfo = Sequence<
-    ObjectIdentifier,                    // eContentType
-    Optional<Explicit<0, OctetString>>>; // eContent
-
-inline constexpr Asn1Item OtherRevocationInfo = Sequence<
-    ObjectIdentifier, // otherRevInfoFormat
-    Any>;             // otherRevInfo
-
-// The first alternative is primitive with the number 1, so that an ordinary CertificateList, 30, matches no alternative
-// and a document that holds one is refused. That is intended.
-inline constexpr Asn1Item RevocationInfoChoice = Choice<
-    UniversalTag<1, Any>,              // crl
-    Implicit<1, OtherRevocationInfo>>; // other
-
-// Of whole elements, kept as they stand.
-inline constexpr Asn1Item CertificateSet = SetOf<ConstructedAny>;
-inline constexpr Asn1Item RevocationInfoChoices = SetOf<RevocationInfoChoice>;
-
-inline constexpr Asn1Item IssuerAndSerialNumber = Sequence<
-    Name,     // issuer
-    Integer>; // serialNumber
-
 // SignerIdentifier and RecipientIdentifier.
-inline constexpr Asn1Item EntityIdentifier = Choice<
-    IssuerAndSerialNumber,     // issuerAndSerialNumber
-    Implicit<0, OctetString>>; // subjectKeyIdentifier
+struct EntityIdentifier : Asn1Choice {};
 
-inline constexpr Asn1Item CmsSignerInfo = Sequence<
-    Integer,                               // version
-    EntityIdentifier,                      // sid
-    AlgorithmIdentifier,                   // digestAlgorithm
-    Optional<Implicit<0, RsaAttributes>>,  // signedAttrs
-    AlgorithmIdentifier,                   // signatureAlgorithm
-    OctetString,                           // signature
-    Optional<Implicit<1, RsaAttributes>>>; // unsignedAttrs
-
-inline constexpr Asn1Item CmsSignedData = Sequence<
-    Integer,                                      // version
-    SetOf<AlgorithmIdentifier>,                   // digestAlgorithms
-    EncapsulatedContentInfo,                      // encapContentInfo
-    Optional<Implicit<0, CertificateSet>>,        // certificates
-    Optional<Implicit<1, RevocationInfoChoices>>, // crls
-    SetOf<CmsSignerInfo>>;                        // signerInfos
-
-// A SignedData within its ContentInfo as one tree, so that large content is moved once only.
-inline constexpr Asn1Item SignedMessage = Sequence<
-    ObjectIdentifier,            // contentType
-    Explicit<0, CmsSignedData>>; // content
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct CmsSignerInfo {
     Asn1Value* version;
-    Asn1Choice* sid;
+    tlvforge::EntityIdentifier* sid;
     AlgorithmIdentifier* digestAlgorithm;
     RsaAttributesCell signedAttrs;
     AlgorithmIdentifier* signatureAlgorithm;
@@ -105,11 +53,11 @@ struct CmsSignerInfo {
 
 struct CmsSignedData {
     Asn1Value* version;
-    Asn1List* digestAlgorithms;  // of AlgorithmIdentifier
+    tlvforge::ListOf<AlgorithmIdentifier>* digestAlgorithms;
     tlvforge::EncapsulatedContentInfo* encapContentInfo;
-    Asn1List* certificates;  // of Asn1Any
-    Asn1List* crls;          // of Asn1Choice
-    Asn1List* signerInfos;   // of CmsSignerInfo
+    tlvforge::CertificateSet* certificates;
+    tlvforge::RevocationInfoChoices* crls;
+    tlvforge::ListOf<CmsSignerInfo>* signerInfos;
 };
 
 namespace tlvforge {
@@ -119,12 +67,57 @@ struct SignedMessage {
     ::CmsSignedData* content;
 };
 
-static_assert(sizeof(::CmsContentInfo) == schema::CmsContentInfo.valueSize);
-static_assert(sizeof(EncapsulatedContentInfo) == schema::EncapsulatedContentInfo.valueSize);
-static_assert(sizeof(OtherRevocationInfo) == schema::OtherRevocationInfo.valueSize);
-static_assert(sizeof(IssuerAndSerialNumber) == schema::IssuerAndSerialNumber.valueSize);
-static_assert(sizeof(::CmsSignerInfo) == schema::CmsSignerInfo.valueSize);
-static_assert(sizeof(::CmsSignedData) == schema::CmsSignedData.valueSize);
-static_assert(sizeof(SignedMessage) == schema::SignedMessage.valueSize);
+namespace schema {
+// clang-format off
 
+template <> struct Schema<CmsContentInfo> : Record<
+    Field<&CmsContentInfo::contentType, ObjectIdentifier>,
+    Field<&CmsContentInfo::content, Optional<Explicit<0, Any>>>> {};
+
+template <> struct Schema<SeveralData> : SequenceOf<CmsContentInfo> {};
+
+template <> struct Schema<EncapsulatedContentInfo> : Record<
+    Field<&EncapsulatedContentInfo::eContentType, ObjectIdentifier>,
+    Field<&EncapsulatedContentInfo::eContent, Optional<Explicit<0, OctetString>>>> {};
+
+template <> struct Schema<OtherRevocationInfo> : Record<
+    Field<&OtherRevocationInfo::otherRevInfoFormat, ObjectIdentifier>,
+    Field<&OtherRevocationInfo::otherRevInfo, Any>> {};  // The first alternative is primitive with the number 1, so that an ordinary CertificateList, 30, matches no alternative
+// and a document that holds one is refused. That is intended.
+template <> struct Schema<RevocationInfoChoice> : Choice<
+    UniversalTag<1, Any>,              // crl
+    Implicit<1, OtherRevocationInfo>> {};  // other
+
+// Of whole elements, kept as they stand.
+template <> struct Schema<CertificateSet> : SetOf<ConstructedAny> {};
+template <> struct Schema<RevocationInfoChoices> : SetOf<RevocationInfoChoice> {};
+
+template <> struct Schema<IssuerAndSerialNumber> : Record<
+    Field<&IssuerAndSerialNumber::issuer, Name>,
+    Field<&IssuerAndSerialNumber::serialNumber, Integer>> {};
+
+template <> struct Schema<EntityIdentifier> : Choice<
+    IssuerAndSerialNumber,     // issuerAndSerialNumber
+    Implicit<0, OctetString>> {};  // subjectKeyIdentifier
+
+template <> struct Schema<CmsSignerInfo> : Record<
+    Field<&CmsSignerInfo::version, Integer>,
+    Field<&CmsSignerInfo::sid, EntityIdentifier>,
+    Field<&CmsSignerInfo::digestAlgorithm, AlgorithmIdentifier>,
+    Field<&CmsSignerInfo::signedAttrs, Optional<Implicit<0, RsaAttributeList>>>,
+    Field<&CmsSignerInfo::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&CmsSignerInfo::signature, OctetString>,
+    Field<&CmsSignerInfo::unsignedAttrs, Optional<Implicit<1, RsaAttributeList>>>> {};
+
+template <> struct Schema<CmsSignedData> : Record<
+    Field<&CmsSignedData::version, Integer>,
+    Field<&CmsSignedData::digestAlgorithms, SetOf<AlgorithmIdentifier>>,
+    Field<&CmsSignedData::encapContentInfo, EncapsulatedContentInfo>,
+    Field<&CmsSignedData::certificates, Optional<Implicit<0, CertificateSet>>>,
+    Field<&CmsSignedData::crls, Optional<Implicit<1, RevocationInfoChoices>>>,
+    Field<&CmsSignedData::signerInfos, SetOf<CmsSignerInfo>>> {};  // A SignedData within its ContentInfo as one tree, so that large content is moved once only.
+template <> struct Schema<SignedMessage> : Record<
+    Field<&SignedMessage::contentType, ObjectIdentifier>,
+    Field<&SignedMessage::content, Explicit<0, CmsSignedData>>> {};  // clang-format on
+}  // namespace schema
 }  // namespace tlvforge

@@ -34,9 +34,9 @@ uint8_t CertificateKindOf(uint8_t tagClass, uint8_t constructedBit, uint32_t tag
 }
 
 // Whether an element is in the set whose first byte is another one in `data`.
-bool HasCertificate(const Asn1List& set, uint8_t octet, const uint8_t* data, uint32_t length) {
+bool HasCertificate(const CertificateSet& set, uint8_t octet, const uint8_t* data, uint32_t length) {
     for (uint32_t i = 0; i < set.count; ++i) {
-        const auto* member = static_cast<const Asn1Any*>(set.items[i]);
+        const Asn1Any* member = set.At(i);
         if (member == nullptr || member->length != length || HasLostBytes(member)) continue;
         if (member->data[0] == octet && memcmp(member->data + 1, data + 1, length - 1) == 0) return true;
     }
@@ -46,24 +46,24 @@ bool HasCertificate(const Asn1List& set, uint8_t octet, const uint8_t* data, uin
 bool IsSignedData(const Asn1Value* contentType) { return EqualRecords(*contentType, kSignedDataType); }
 
 // Makes the value issuerAndSerialNumber, or keeps the one that is there.
-Status NeedIssuerAndSerialNumber(Asn1Choice* identifier, Place place) {
+Status NeedIssuerAndSerialNumber(EntityIdentifier* identifier, Place place) {
     if (identifier->selected != kIssuerAndSerialNumber) {
-        const Status status = ClearAsn1Choice(schema::EntityIdentifier, identifier);
+        const Status status = ClearAsn1Choice(itemOf<EntityIdentifier>, identifier);
         if (status != StatusOk) return status;
     }
     if (identifier->value == nullptr) {
-        const Status status = CreateAsn1Object(&schema::IssuerAndSerialNumber, &identifier->value, 0);
+        const Status status = CreateAsn1Object(&itemOf<IssuerAndSerialNumber>, &identifier->value, 0);
         if (status != StatusOk) return status;
     }
     identifier->selected = kIssuerAndSerialNumber;
     auto* parts = static_cast<IssuerAndSerialNumber*>(identifier->value);
-    if (parts->issuer == nullptr) parts->issuer = AllocAsn1Choice();
+    if (parts->issuer == nullptr) parts->issuer = AllocChoice<Name>();
     return parts->issuer == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
 }
 
 }  // namespace
 
-Status IdentifierParts::Of(Asn1Choice* identifier, Place place) {
+Status IdentifierParts::Of(EntityIdentifier* identifier, Place place) {
     if (identifier == nullptr || identifier->value == nullptr) return Fail(StatusAbsent, place);
     if (identifier->selected == kSubjectKeyIdentifier) {
         keyId = static_cast<const Asn1Value*>(identifier->value);
@@ -76,7 +76,7 @@ Status IdentifierParts::Of(Asn1Choice* identifier, Place place) {
     return LendName(parts->issuer, &issuer, place);
 }
 
-Status SetIssuerAndSerialNumber(Asn1Choice* identifier, const X509Name* issuer, const uint8_t* serial,
+Status SetIssuerAndSerialNumber(EntityIdentifier* identifier, const X509Name* issuer, const uint8_t* serial,
                                 uint32_t serialLength, Place place) {
     if (identifier == nullptr) return Fail(StatusAbsent, place);
     Status status = NeedIssuerAndSerialNumber(identifier, place);
@@ -90,18 +90,18 @@ Status SetIssuerAndSerialNumber(Asn1Choice* identifier, const X509Name* issuer, 
     return replaces ? StatusOk : status;
 }
 
-Status SetSubjectKeyIdentifier(Asn1Choice* identifier, const uint8_t* keyId, uint32_t length, Place place) {
+Status SetSubjectKeyIdentifier(EntityIdentifier* identifier, const uint8_t* keyId, uint32_t length, Place place) {
     if (identifier == nullptr) return Fail(StatusAbsent, place);
     Asn1Value* value = AllocAsn1Value(Asn1KindOctetString, keyId, length);
-    (void)ClearAsn1Choice(schema::EntityIdentifier, identifier);
+    (void)ClearAsn1Choice(itemOf<EntityIdentifier>, identifier);
     identifier->value = value;
     if (value == nullptr) return Fail(StatusOutOfMemory, place);
     identifier->selected = kSubjectKeyIdentifier;
     return StatusOk;
 }
 
-Status GetEncodedCertificate(const Asn1List* set, uint32_t index, uint8_t* kind, uint8_t* buffer, uint32_t* length,
-                             Place place) {
+Status GetEncodedCertificate(const CertificateSet* set, uint32_t index, uint8_t* kind, uint8_t* buffer,
+                             uint32_t* length, Place place) {
     if (set == nullptr) return Fail(StatusAbsent, place);
     Asn1Any* element = nullptr;
     Status status = GetListMember(set, index, &element, place);
@@ -116,14 +116,14 @@ Status GetEncodedCertificate(const Asn1List* set, uint32_t index, uint8_t* kind,
     return GiveBytes(element->data, element->length, buffer, length, place);
 }
 
-Status GetEncodedCrl(const Asn1List* set, uint32_t index, uint8_t*, uint8_t*, uint32_t*, Place place) {
+Status GetEncodedCrl(const RevocationInfoChoices* set, uint32_t index, uint8_t*, uint8_t*, uint32_t*, Place place) {
     if (set == nullptr) return Fail(StatusAbsent, place);
-    Asn1Choice* element = nullptr;
+    RevocationInfoChoice* element = nullptr;
     const Status status = GetListMember(set, index, &element, place);
     return status == StatusOk ? Fail(StatusBadEncoding, place) : status;
 }
 
-Status AddEncodedCertificate(Asn1List** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
+Status AddEncodedCertificate(CertificateSet** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
                              Place place) {
     const Status status = NeedList(set, place);
     if (status != StatusOk) return status;
@@ -131,27 +131,27 @@ Status AddEncodedCertificate(Asn1List** set, uint8_t kind, const uint8_t* data, 
     if (length == 0) return Fail(StatusBadArgument, place);
     const uint8_t octet = kCertificateOctets[kind - 1];
     if (HasCertificate(**set, octet, data, length)) return StatusOk;
-    Tree<Asn1Any> element(schema::ConstructedAny, AllocAsn1Any(Asn1KindSequence, data, length));
+    Tree<schema::ConstructedAny> element(AllocAsn1Any(Asn1KindSequence, data, length));
     if (!element) return Fail(StatusOutOfMemory, place);
     element->data[0] = octet;
     return element.MoveTo(*set);
 }
 
-Status AddEncodedCrl(Asn1List** set, uint8_t kind, const uint8_t*, uint32_t, Status badKind, Place place) {
+Status AddEncodedCrl(RevocationInfoChoices** set, uint8_t kind, const uint8_t*, uint32_t, Status badKind, Place place) {
     const Status status = NeedList(set, place);
     if (status != StatusOk) return status;
     if (kind == 0 || kind > kCrlKinds) return Fail(badKind, place);
-    Tree<Asn1Choice> element(schema::RevocationInfoChoice, AllocAsn1Choice(kNoAlternative));
+    Tree<RevocationInfoChoice> element(AllocChoice<RevocationInfoChoice>(kNoAlternative));
     return element ? element.MoveTo(*set) : Fail(StatusOutOfMemory, place);
 }
 
 Status DecodeSignedMessage(const uint8_t* data, uint32_t length, CmsSignedData** signedData, Place place) {
     *signedData = nullptr;
-    Tree<SignedMessage> message(schema::SignedMessage);
+    Tree<SignedMessage> message;
     const Status decoded = message.Decode(data, length);
     if (decoded != StatusOk) {
         // Whether this is a ContentInfo of another type goes before what is wrong with the content.
-        Tree<CmsContentInfo> info(schema::CmsContentInfo);
+        Tree<CmsContentInfo> info;
         const Status status = info.Decode(data, length);
         if (status != StatusOk) return status;
         return IsSignedData(info->contentType) ? decoded : Fail(StatusWrongContentType, place);
@@ -166,7 +166,7 @@ Status EncodeSignedMessage(const CmsSignedData* signedData, uint8_t* buffer, uin
     if (signedData == nullptr) return Fail(StatusBadArgument);
     Asn1Value type = kSignedDataType;
     const SignedMessage message = {&type, const_cast<CmsSignedData*>(signedData)};  // the encoder only reads
-    return GetAsn1EncodedValue(&message, &schema::SignedMessage, buffer, length);
+    return EncodeTree(&message, buffer, length);
 }
 
 }  // namespace tlvforge

@@ -14,30 +14,30 @@ struct IdentifierParts {
     const Asn1Value* serialNumber = nullptr;  // with the issuer
     const Asn1Value* keyId = nullptr;
 
-    Status Of(Asn1Choice* identifier, Place place = Place::Here());
+    Status Of(EntityIdentifier* identifier, Place place = Place::Here());
 };
 
 // The name may be the identifier's own. A null identifier is 311.
-Status SetIssuerAndSerialNumber(Asn1Choice* identifier, const X509Name* issuer, const uint8_t* serial,
+Status SetIssuerAndSerialNumber(EntityIdentifier* identifier, const X509Name* issuer, const uint8_t* serial,
                                 uint32_t serialLength, Place place = Place::Here());
 // After status 1 the old value is gone and the selector remains.
-Status SetSubjectKeyIdentifier(Asn1Choice* identifier, const uint8_t* keyId, uint32_t length,
+Status SetSubjectKeyIdentifier(EntityIdentifier* identifier, const uint8_t* keyId, uint32_t length,
                                Place place = Place::Here());
 
 // Members of a certificate set or CRL set with their kind code. The set is absent: 311.
-Status GetEncodedCertificate(const Asn1List* set, uint32_t index, uint8_t* kind, uint8_t* buffer, uint32_t* length,
-                             Place place = Place::Here());
+Status GetEncodedCertificate(const CertificateSet* set, uint32_t index, uint8_t* kind, uint8_t* buffer,
+                             uint32_t* length, Place place = Place::Here());
 // No member can be read: 302 for every index within the count.
-Status GetEncodedCrl(const Asn1List* set, uint32_t index, uint8_t* kind, uint8_t* buffer, uint32_t* length,
+Status GetEncodedCrl(const RevocationInfoChoices* set, uint32_t index, uint8_t* kind, uint8_t* buffer, uint32_t* length,
                      Place place = Place::Here());
 
 // Adds by the rules of the two documents, which differ in their status for a bad kind. The set is made first when it is
 // absent, and stays after a failure.
-Status AddEncodedCertificate(Asn1List** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
+Status AddEncodedCertificate(CertificateSet** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
                              Place place = Place::Here());
 // The new member is a choice without an alternative: it counts, and nothing that holds it can be encoded or copied
 // (306).
-Status AddEncodedCrl(Asn1List** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
+Status AddEncodedCrl(RevocationInfoChoices** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
                      Place place = Place::Here());
 
 // A ContentInfo with a SignedData, which the caller owns; null after a failure. Another type is 314, no content 302.

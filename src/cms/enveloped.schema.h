@@ -7,7 +7,7 @@
 
 struct KeyTrans {
     Asn1Value* version;
-    Asn1Choice* rid;
+    tlvforge::EntityIdentifier* rid;
     AlgorithmIdentifier* keyEncryptionAlgorithm;
     Asn1Value* encryptedKey;
 };
@@ -15,9 +15,11 @@ struct KeyTrans {
 namespace tlvforge {
 
 struct OriginatorInfo {
-    Asn1List* certs;  // of Asn1Any
-    Asn1List* crls;   // of Asn1Choice
+    CertificateSet* certs;
+    RevocationInfoChoices* crls;
 };
+
+struct RecipientInfo : Asn1Choice {};
 
 struct EncryptedContentInfo {
     Asn1Value* contentType;
@@ -42,65 +44,12 @@ struct TransportParameters {
     Asn1Value* ukm;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item OriginatorInfo = Sequence<
-    Optional<Implicit<0, CertificateSet>>,         // certs
-    Optional<Implicit<1, RevocationInfoChoices>>>; // crls
-
-inline constexpr Asn1Item KeyTrans = Sequence<
-    Integer,             // version
-    EntityIdentifier,    // rid
-    AlgorithmIdentifier, // keyEncryptionAlgorithm
-    OctetString>;        // encryptedKey
-
-// The selector is the kind of recipient less one.
-inline constexpr Asn1Item RecipientInfo = Choice<
-    KeyTrans,                   // ktri
-    ImplicitConstructedAny<1>,  // kari
-    ImplicitConstructedAny<2>,  // kekri
-    ImplicitConstructedAny<3>,  // pwri
-    ImplicitConstructedAny<4>>; // ori
-
-inline constexpr Asn1Item EncryptedContentInfo = Sequence<
-    ObjectIdentifier,                    // contentType
-    AlgorithmIdentifier,                 // contentEncryptionAlgorithm
-    Optional<Implicit<0, OctetString>>>; // encryptedContent
-
-inline constexpr Asn1Item CmsEnvelopedData = Sequence<
-    Integer,                               // version
-    Optional<Implicit<0, OriginatorInfo>>, // originatorInfo
-    SetOf<RecipientInfo>,                  // recipientInfos
-    EncryptedContentInfo,                  // encryptedContentInfo
-    Optional<Implicit<1, RsaAttributes>>>; // unprotectedAttrs
-
-inline constexpr Asn1Item Gost2814789Parameters = Sequence<
-    OctetString,       // iv
-    ObjectIdentifier>; // encryptionParamSet
-
-inline constexpr Asn1Item SessionEncryptedKey = Sequence<
-    OctetString,                        // encryptedKey
-    Optional<Implicit<0, OctetString>>, // maskKey
-    OctetString>;                       // macKey
-
-inline constexpr Asn1Item TransportParameters = Sequence<
-    ObjectIdentifier,                            // encryptionParamSet
-    Optional<Implicit<0, SubjectPublicKeyInfo>>, // ephemeralPublicKey
-    OctetString>;                                // ukm
-
-inline constexpr Asn1Item GostR3410KeyTransport = Sequence<
-    SessionEncryptedKey,                         // sessionEncryptedKey
-    Optional<Implicit<0, TransportParameters>>>; // transportParameters
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct CmsEnvelopedData {
     Asn1Value* version;
     tlvforge::OriginatorInfo* originatorInfo;
-    Asn1List* recipientInfos;  // of Asn1Choice
+    tlvforge::ListOf<tlvforge::RecipientInfo>* recipientInfos;
     tlvforge::EncryptedContentInfo* encryptedContentInfo;
     RsaAttributesCell unprotectedAttrs;
 };
@@ -110,15 +59,52 @@ struct GostR3410KeyTransport {
     tlvforge::TransportParameters* transportParameters;
 };
 
-namespace tlvforge {
+namespace tlvforge::schema {
+// clang-format off
 
-static_assert(sizeof(OriginatorInfo) == schema::OriginatorInfo.valueSize);
-static_assert(sizeof(::KeyTrans) == schema::KeyTrans.valueSize);
-static_assert(sizeof(EncryptedContentInfo) == schema::EncryptedContentInfo.valueSize);
-static_assert(sizeof(::CmsEnvelopedData) == schema::CmsEnvelopedData.valueSize);
-static_assert(sizeof(Gost2814789Parameters) == schema::Gost2814789Parameters.valueSize);
-static_assert(sizeof(SessionEncryptedKey) == schema::SessionEncryptedKey.valueSize);
-static_assert(sizeof(TransportParameters) == schema::TransportParameters.valueSize);
-static_assert(sizeof(::GostR3410KeyTransport) == schema::GostR3410KeyTransport.valueSize);
+template <> struct Schema<OriginatorInfo> : Record<
+    Field<&OriginatorInfo::certs, Optional<Implicit<0, CertificateSet>>>,
+    Field<&OriginatorInfo::crls, Optional<Implicit<1, RevocationInfoChoices>>>> {};
 
-}  // namespace tlvforge
+template <> struct Schema<KeyTrans> : Record<
+    Field<&KeyTrans::version, Integer>,
+    Field<&KeyTrans::rid, EntityIdentifier>,
+    Field<&KeyTrans::keyEncryptionAlgorithm, AlgorithmIdentifier>,
+    Field<&KeyTrans::encryptedKey, OctetString>> {};  // The selector is the kind of recipient less one.
+template <> struct Schema<RecipientInfo> : Choice<
+    KeyTrans,                   // ktri
+    ImplicitConstructedAny<1>,  // kari
+    ImplicitConstructedAny<2>,  // kekri
+    ImplicitConstructedAny<3>,  // pwri
+    ImplicitConstructedAny<4>> {};  // ori
+
+template <> struct Schema<EncryptedContentInfo> : Record<
+    Field<&EncryptedContentInfo::contentType, ObjectIdentifier>,
+    Field<&EncryptedContentInfo::contentEncryptionAlgorithm, AlgorithmIdentifier>,
+    Field<&EncryptedContentInfo::encryptedContent, Optional<Implicit<0, OctetString>>>> {};
+
+template <> struct Schema<CmsEnvelopedData> : Record<
+    Field<&CmsEnvelopedData::version, Integer>,
+    Field<&CmsEnvelopedData::originatorInfo, Optional<Implicit<0, OriginatorInfo>>>,
+    Field<&CmsEnvelopedData::recipientInfos, SetOf<RecipientInfo>>,
+    Field<&CmsEnvelopedData::encryptedContentInfo, EncryptedContentInfo>,
+    Field<&CmsEnvelopedData::unprotectedAttrs, Optional<Implicit<1, RsaAttributeList>>>> {};
+
+template <> struct Schema<Gost2814789Parameters> : Record<
+    Field<&Gost2814789Parameters::iv, OctetString>,
+    Field<&Gost2814789Parameters::encryptionParamSet, ObjectIdentifier>> {};
+
+template <> struct Schema<SessionEncryptedKey> : Record<
+    Field<&SessionEncryptedKey::encryptedKey, OctetString>,
+    Field<&SessionEncryptedKey::maskKey, Optional<Implicit<0, OctetString>>>,
+    Field<&SessionEncryptedKey::macKey, OctetString>> {};
+
+template <> struct Schema<TransportParameters> : Record<
+    Field<&TransportParameters::encryptionParamSet, ObjectIdentifier>,
+    Field<&TransportParameters::ephemeralPublicKey, Optional<Implicit<0, SubjectPublicKeyInfo>>>,
+    Field<&TransportParameters::ukm, OctetString>> {};
+
+template <> struct Schema<GostR3410KeyTransport> : Record<
+    Field<&GostR3410KeyTransport::sessionEncryptedKey, SessionEncryptedKey>,
+    Field<&GostR3410KeyTransport::transportParameters, Optional<Implicit<0, TransportParameters>>>> {};  // clang-format on
+}  // namespace tlvforge::schema

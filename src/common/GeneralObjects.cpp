@@ -102,11 +102,11 @@ Asn1Value* NewTimeValue(const LibraryTime* time, uint32_t type) {
     return Format(time, type, &text) ? text.NewValue(type) : nullptr;
 }
 
-template <class Node>
-Status DecodeAndRead(const Asn1Item& item, Status (*read)(const Node*, LibraryTime*), const uint8_t* data,
-                     uint32_t length, LibraryTime* time) {
+template <class Element, class Node>
+Status DecodeAndRead(Status (*read)(const Node*, LibraryTime*), const uint8_t* data, uint32_t length,
+                     LibraryTime* time) {
     if (AnyNull(data, time)) return Fail(StatusBadArgument);
-    Tree<Node> tree(item);
+    Tree<Element> tree;
     const Status status = tree.Decode(data, length);
     return status != StatusOk ? status : read(tree.Get(), time);
 }
@@ -171,7 +171,7 @@ Status LibraryTimeToAsn1Time(const LibraryTime* time, Asn1Choice* choice) {
     const uint32_t type = utc ? Asn1KindUTCTime : Asn1KindGeneralizedTime;
     TimeText text;
     if (!Format(time, type, &text)) return Fail(StatusBadTime);
-    const Status status = ClearAsn1Choice(schema::Time, choice);
+    const Status status = ClearAsn1Choice(itemOf<Time>, choice);
     if (status != StatusOk) return status;
     choice->selected = utc ? kUtcTime : kGeneralizedTime;
     choice->value = text.NewValue(type);
@@ -181,12 +181,12 @@ Status LibraryTimeToAsn1Time(const LibraryTime* time, Asn1Choice* choice) {
 }  // namespace tlvforge
 
 Status DecodeTime(const uint8_t* data, uint32_t length, LibraryTime* time) {
-    return DecodeAndRead(schema::Time, Asn1TimeToLibraryTime, data, length, time);
+    return DecodeAndRead<Time>(Asn1TimeToLibraryTime, data, length, time);
 }
 
 Status EncodeTime(const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<Asn1Choice> choice(schema::Time);
+    Tree<Time> choice;
     Status status = choice.Create();
     if (status != StatusOk) return status;
     status = LibraryTimeToAsn1Time(time, choice.Get());
@@ -196,12 +196,12 @@ Status EncodeTime(const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
 }
 
 Status DecodeAsn1GeneralizedTime(const uint8_t* data, uint32_t length, LibraryTime* time) {
-    return DecodeAndRead(schema::GeneralizedTime, GeneralizedTimeToLibraryTime, data, length, time);
+    return DecodeAndRead<schema::GeneralizedTime>(GeneralizedTimeToLibraryTime, data, length, time);
 }
 
 Status EncodeAsn1GeneralizedTime(const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(time, length)) return Fail(StatusBadArgument);
-    Tree<Asn1Value> value(schema::GeneralizedTime, LibraryTimeToGeneralizedTime(time));
+    Tree<schema::GeneralizedTime> value(LibraryTimeToGeneralizedTime(time));
     // A time without a text is reported like a lack of memory, which callers of this function depend on.
     if (!value) return Fail(StatusOutOfMemory);
     return value.Encode(buffer, length);

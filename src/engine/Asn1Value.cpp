@@ -32,7 +32,7 @@ Status GiveValue(const void* value, uint8_t* buffer, uint32_t* length) {
 }
 
 constexpr Asn1Item PrimitiveItem(uint8_t kind) {
-    Asn1Item item = schema::OctetString;
+    Asn1Item item = itemOf<schema::OctetString>;
     item.kind = kind;
     return item;
 }
@@ -170,7 +170,7 @@ Status GetAsn1Int32(const Asn1Value* value, int32_t* number) {
 
 Status DecodeAsn1Int32(const uint8_t* data, uint32_t length, int32_t* number) {
     if (AnyNull(data, number) || length == 0) return Fail(StatusBadArgument);
-    Tree<Asn1Value> value(schema::Integer);
+    Tree<schema::Integer> value;
     const Status status = value.Decode(data, length);
     return status == StatusOk ? GetAsn1Int32(value.Get(), number) : status;
 }
@@ -185,13 +185,16 @@ Status DecodeAsn1PrimitiveValue(uint8_t kind, const uint8_t* data, uint32_t leng
     if (AnyNull(data, bufferLength)) return Fail(StatusBadArgument);
     const Asn1Item item = PrimitiveItem(kind);
     if (kind == Asn1KindBitString) {
-        Tree<Asn1BitString> bits(item);
+        Tree<schema::BitString> bits;
         const Status status = bits.Decode(data, length);
         return status == StatusOk ? GiveBytes(bits->data, bits->length, buffer, bufferLength) : status;
     }
-    Tree<void> value(item);
-    const Status status = value.Decode(data, length);
-    return status == StatusOk ? GiveValue(value.Get(), buffer, bufferLength) : status;
+    void* value = nullptr;
+    uint32_t consumed = 0;
+    Status status = Asn1DecodeItem(data, length, &item, &value, &consumed);
+    if (status == StatusOk) status = GiveValue(value, buffer, bufferLength);
+    FreeAsn1Object(&item, value);
+    return status;
 }
 
 Status EncodeAsn1PrimitiveValue(uint8_t kind, const uint8_t* data, uint32_t length, uint8_t* buffer,

@@ -1,77 +1,290 @@
-// The building blocks of schemas: items composed at compile time, so that a schema reads like the ASN.1 module
-// text that it stands for. Malformed items do not compile.
+// The building blocks of schemas: items composed at compile time, so that a schema reads like the ASN.1 module text
+// that it stands for. Schemas that are malformed, or that disagree with the struct they describe, do not compile.
 //
-//     inline constexpr Asn1Item RevokedCertificate = Sequence<
-//         Integer,                      // userCertificate
-//         Time,                         // revocationDate
-//         Optional<X509Extensions>>;    // crlEntryExtensions
+//     struct X509RevokedCertificate {
+//         Asn1Value* userCertificate;
+//         Time* revocationDate;
+//         X509ExtensionsCell crlEntryExtensions;
+//     };
 //
-// The record that lies over a SEQUENCE is a struct of pointers, one a field; a static_assert beside it compares sizes.
+//     template <> struct Schema<X509RevokedCertificate> : Record<
+//         Field<&X509RevokedCertificate::userCertificate, Integer>,
+//         Field<&X509RevokedCertificate::revocationDate, Time>,
+//         Field<&X509RevokedCertificate::crlEntryExtensions, Optional<X509ExtensionList>>> {};
+//
+// An element of a schema is a type: a building block below (Integer, Optional<...>), or a node type that has a Schema
+// of its own. itemOf<Element> is its item, the only one that a tree of that type is decoded, copied and freed with.
 #pragma once
+
+#include <stddef.h>
+
+#include <type_traits>
+#include <utility>
 
 #include "tlvforge/asn1.h"
 
 namespace tlvforge {
 
-// Tables of the children, one for each composition.
-template <const Asn1Item&... Children>
-inline constexpr const Asn1Item* childTable[] = {&Children...};
+// ---- What the engine asks of an item --------------------------------------------------------------------------------
 
 constexpr bool IsList(const Asn1Item& item) { return item.kind == Asn1KindSequenceOf || item.kind == Asn1KindSetOf; }
 
-constexpr uint32_t KindBits() { return 0; }
-template <class... Rest>
-constexpr uint32_t KindBits(uint32_t kind, Rest... rest) {
-    return 1u << kind | KindBits(rest...);
+template <class... Kinds>
+constexpr uint32_t KindBits(Kinds... kinds) {
+    return ((1u << kinds) | ...);
 }
 
 // Kinds whose node is an Asn1Value with the content bytes as they stand.
-inline constexpr uint32_t kValueKinds = KindBits(1, 2, 4, 5, 6, 10, 12, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 30);
+inline constexpr uint32_t kValueKinds = KindBits(
+    Asn1KindBoolean, Asn1KindInteger, Asn1KindOctetString, Asn1KindNull, Asn1KindObjectIdentifier, Asn1KindEnumerated,
+    Asn1KindUTF8String, Asn1KindNumericString, Asn1KindPrintableString, Asn1KindTeletexString, Asn1KindVideotexString,
+    Asn1KindIA5String, Asn1KindUTCTime, Asn1KindGeneralizedTime, Asn1KindGraphicString, Asn1KindVisibleString,
+    Asn1KindGeneralString, Asn1KindUniversalString, Asn1KindBMPString);
 
 constexpr bool IsValueKind(uint8_t kind) { return kind < 32 && (kValueKinds >> kind & 1) != 0; }
 
-// Tag number that an item has on the wire.
-constexpr int32_t TagOf(const Asn1Item& item) { return item.tagNumber >= 0 ? item.tagNumber : item.kind & 127; }
+// The tag number that a kind has in the universal class: lists have that of SEQUENCE and SET.
+constexpr int32_t UniversalTagOf(uint8_t kind) { return kind & 127; }
+
+// The tag number that an item has on the wire.
+constexpr int32_t TagOf(const Asn1Item& item) {
+    return item.tagNumber >= 0 ? item.tagNumber : UniversalTagOf(item.kind);
+}
+
+// ---- Nodes ----------------------------------------------------------------------------------------------------------
+
+// The node of a SEQUENCE OF or SET OF, with the type of its elements' nodes. Lists with a name derive from it.
+template <class Node>
+struct ListOf : Asn1List {
+    using Element = Node;
+
+    Node* At(uint32_t index) const { return static_cast<Node*>(items[index]); }
+};
 
 namespace schema {
-// clang-format off
 
-template <uint8_t Kind, uint32_t RecordSize = sizeof(Asn1Value)>
-inline constexpr Asn1Item Primitive = {0, 0, 0, Kind, -1, RecordSize, nullptr, 0, nullptr};
+// The schema of a node type is a specialisation that derives from Record, Choice, SequenceOf, SetOf or a tagged block.
+// A building block is its own schema.
+template <class Element>
+struct Schema : Element {};
 
-inline constexpr const Asn1Item& Boolean = Primitive<Asn1KindBoolean>;
-inline constexpr const Asn1Item& Integer = Primitive<Asn1KindInteger>;
-inline constexpr const Asn1Item& BitString = Primitive<Asn1KindBitString, sizeof(Asn1BitString)>;
-inline constexpr const Asn1Item& OctetString = Primitive<Asn1KindOctetString>;
-inline constexpr const Asn1Item& Null = Primitive<Asn1KindNull>;
-inline constexpr const Asn1Item& ObjectIdentifier = Primitive<Asn1KindObjectIdentifier>;
-inline constexpr const Asn1Item& Enumerated = Primitive<Asn1KindEnumerated>;
-inline constexpr const Asn1Item& UTF8String = Primitive<Asn1KindUTF8String>;
-inline constexpr const Asn1Item& IA5String = Primitive<Asn1KindIA5String>;
-inline constexpr const Asn1Item& UTCTime = Primitive<Asn1KindUTCTime>;
-inline constexpr const Asn1Item& GeneralizedTime = Primitive<Asn1KindGeneralizedTime>;
-inline constexpr Asn1Item Any = {0, 0, 0, Asn1KindAny, -1, sizeof(Asn1Any), nullptr, 0, nullptr};
+template <class Element>
+concept BuildingBlock = requires {
+    typename Element::Node;
+};
 
-template <const Asn1Item&... Fields>
-inline constexpr Asn1Item Sequence = {0, Asn1Constructed, 0, Asn1KindSequence, -1, sizeof...(Fields) * sizeof(void*),
-                                      childTable<Fields...>, sizeof...(Fields), nullptr};
+template <class Element>
+struct NodeOfElement {
+    using Type = Element;
+};
+template <BuildingBlock Element>
+struct NodeOfElement<Element> {
+    using Type = typename Element::Node;
+};
 
-template <const Asn1Item& Element>
-inline constexpr Asn1Item SequenceOf = {0, Asn1Constructed, 0, Asn1KindSequenceOf, -1, sizeof(Asn1List),
-                                        childTable<Element>, 1, nullptr};
+}  // namespace schema
 
-template <const Asn1Item& Element>
-inline constexpr Asn1Item SetOf = {0, Asn1Constructed, 0, Asn1KindSetOf, -1, sizeof(Asn1List),
-                                   childTable<Element>, 1, nullptr};
+// The type of an element's node.
+template <class Element>
+using NodeOf = typename schema::NodeOfElement<Element>::Type;
+
+// The items of an element's children, and the item itself.
+template <class Element>
+inline constexpr auto childTable = schema::Schema<Element>::Children();
+
+template <class Element>
+inline constexpr Asn1Item itemOf = [] {
+    static_assert(std::is_base_of_v<typename schema::Schema<Element>::Node, NodeOf<Element>>,
+                  "the schema describes nodes of another type");
+    return schema::Schema<Element>::template Item<Element>();
+}();
+
+namespace schema {
+
+template <size_t Count>
+struct ChildTable {
+    const Asn1Item* items[Count];
+};
+
+// ---- Primitive elements ---------------------------------------------------------------------------------------------
+
+template <uint8_t Kind, class NodeType = Asn1Value>
+struct Primitive {
+    using Node = NodeType;
+
+    template <class>
+    static constexpr Asn1Item Item() {
+        return {0, 0, 0, Kind, -1, sizeof(Node), nullptr, 0, nullptr};
+    }
+};
+
+struct Boolean : Primitive<Asn1KindBoolean> {};
+struct Integer : Primitive<Asn1KindInteger> {};
+struct BitString : Primitive<Asn1KindBitString, Asn1BitString> {};
+struct OctetString : Primitive<Asn1KindOctetString> {};
+struct Null : Primitive<Asn1KindNull> {};
+struct ObjectIdentifier : Primitive<Asn1KindObjectIdentifier> {};
+struct Enumerated : Primitive<Asn1KindEnumerated> {};
+struct UTF8String : Primitive<Asn1KindUTF8String> {};
+struct IA5String : Primitive<Asn1KindIA5String> {};
+struct UTCTime : Primitive<Asn1KindUTCTime> {};
+struct GeneralizedTime : Primitive<Asn1KindGeneralizedTime> {};
+struct Any : Primitive<Asn1KindAny, Asn1Any> {};
+
+// ---- Records --------------------------------------------------------------------------------------------------------
+
+// What the handle of a list points to: a struct of one member.
+template <class Cell>
+concept ListCell = requires(Cell cell) {
+    cell.list;
+};
+
+template <class Cell>
+struct NodeOfCell;
+template <class Node>
+struct NodeOfCell<Node*> {
+    using Type = Node;
+};
+template <ListCell Cell>
+struct NodeOfCell<Cell> {
+    using Type = std::remove_pointer_t<decltype(Cell::list)>;
+};
+
+template <class Member>
+struct MemberTraits;
+template <class RecordType, class CellType>
+struct MemberTraits<CellType RecordType::*> {
+    using Record = RecordType;
+    using Cell = CellType;
+};
+
+// A field of a SEQUENCE: the member that holds its node, and its element.
+template <auto Member, class ElementType>
+struct Field {
+    using Element = ElementType;
+    using Record = typename MemberTraits<decltype(Member)>::Record;
+    using Cell = typename MemberTraits<decltype(Member)>::Cell;
+    static constexpr auto member = Member;
+
+    static_assert(sizeof(Cell) == sizeof(void*), "a field is one cell");
+    static_assert(std::is_same_v<typename NodeOfCell<Cell>::Type, NodeOf<Element>>,
+                  "the member's node is not the element's");
+};
+
+// The order of fields. In a record all of whose cells are null but the n-th, the member of the n-th field isn't null.
+template <class Node>
+union Storage {
+    char none;
+    Node node;
+    constexpr Storage() : none(0) {}
+    constexpr ~Storage() {}
+};
+template <class Node>
+inline constinit Storage<Node> anyNode{};
+
+struct CellValue {
+    bool set;
+
+    template <class Node>
+    constexpr operator Node*() const {
+        return set ? &anyNode<Node>.node : nullptr;
+    }
+    template <ListCell Cell>
+    constexpr operator Cell() const {
+        return Cell{*this};
+    }
+};
+
+template <class Node>
+constexpr bool IsSet(Node* const& cell) {
+    return cell != nullptr;
+}
+template <ListCell Cell>
+constexpr bool IsSet(const Cell& cell) {
+    return cell.list != nullptr;
+}
+
+template <class RecordType, size_t Which, size_t... Cells>
+constexpr RecordType WithOneCell(std::index_sequence<Cells...>) {
+    return RecordType{CellValue{Cells == Which}...};
+}
+
+template <class RecordType, class... Fields, size_t... Cells>
+constexpr bool AreInOrder(std::index_sequence<Cells...> cells) {
+    return (IsSet(WithOneCell<RecordType, Cells>(cells).*Fields::member) && ...);
+}
+
+template <class First, class...>
+struct FirstOf {
+    using Type = First;
+};
+
+// A SEQUENCE whose fields are the members of a struct, all of them, in their order.
+template <class... Fields>
+struct Record {
+    using Node = typename FirstOf<Fields...>::Type::Record;
+
+    static constexpr ChildTable<sizeof...(Fields)> Children() { return {{&itemOf<typename Fields::Element>...}}; }
+
+    template <class Self>
+    static constexpr Asn1Item Item() {
+        static_assert((std::is_same_v<Node, typename Fields::Record> && ...), "a member of another struct");
+        static_assert(sizeof(Node) == sizeof...(Fields) * sizeof(void*), "a field is missing");
+        if constexpr (sizeof(Node) == sizeof...(Fields) * sizeof(void*)) {
+            static_assert(AreInOrder<Node, Fields...>(std::index_sequence_for<Fields...>()), "fields are out of order");
+        }
+        return {
+            0,      Asn1Constructed, 0, Asn1KindSequence, -1, sizeof(Node), childTable<Self>.items, sizeof...(Fields),
+            nullptr};
+    }
+};
+
+// ---- Lists and choices ----------------------------------------------------------------------------------------------
+
+template <uint8_t Kind, class Element>
+struct List {
+    using Node = ListOf<NodeOf<Element>>;
+
+    static constexpr ChildTable<1> Children() { return {{&itemOf<Element>}}; }
+
+    template <class Self>
+    static constexpr Asn1Item Item() {
+        return {0, Asn1Constructed, 0, Kind, -1, sizeof(Node), childTable<Self>.items, 1, nullptr};
+    }
+};
+
+template <class Element>
+struct SequenceOf : List<Asn1KindSequenceOf, Element> {};
+template <class Element>
+struct SetOf : List<Asn1KindSetOf, Element> {};
 
 // An alternative without a tag of its own that is itself a CHOICE or ANY could never be told from the others.
-template <const Asn1Item&... Alternatives>
-inline constexpr Asn1Item Choice = [] {
-    static_assert(((Alternatives.tagNumber >= 0 || Alternatives.kind < Asn1KindChoice || IsList(Alternatives)) && ...),
-                  "an alternative that can never match");
-    return Asn1Item{0, Asn1Constructed, 0, Asn1KindChoice, -1, sizeof(Asn1Choice),
-                    childTable<Alternatives...>, sizeof...(Alternatives), nullptr};
-}();
+constexpr bool CanMatch(const Asn1Item& alternative) {
+    return alternative.tagNumber >= 0 || alternative.kind < Asn1KindChoice || IsList(alternative);
+}
+
+template <class... Alternatives>
+struct Choice {
+    using Node = Asn1Choice;
+
+    static constexpr ChildTable<sizeof...(Alternatives)> Children() { return {{&itemOf<Alternatives>...}}; }
+
+    template <class Self>
+    static constexpr Asn1Item Item() {
+        static_assert((CanMatch(itemOf<Alternatives>) && ...), "an alternative that can never match");
+        return {0,
+                Asn1Constructed,
+                0,
+                Asn1KindChoice,
+                -1,
+                sizeof(Node),
+                childTable<Self>.items,
+                sizeof...(Alternatives),
+                nullptr};
+    }
+};
+
+// ---- Tags -----------------------------------------------------------------------------------------------------------
 
 constexpr Asn1Item Tagged(Asn1Item item, uint8_t tagClass, int32_t number, uint8_t flag) {
     item.tagClass = tagClass;
@@ -80,67 +293,97 @@ constexpr Asn1Item Tagged(Asn1Item item, uint8_t tagClass, int32_t number, uint8
     return item;
 }
 
-template <int32_t Number, const Asn1Item& Base>
-inline constexpr Asn1Item Implicit = [] {
-    static_assert(Number >= 0 && (Base.itemFlags & Asn1FlagExplicit) == 0, "a second tag on an explicit item");
-    return Tagged(Base, Asn1ClassContext, Number, 0);
-}();
+template <int32_t Number, class Base>
+struct Implicit {
+    using Node = NodeOf<Base>;
 
-template <int32_t Number, const Asn1Item& Base>
-inline constexpr Asn1Item Explicit = [] {
-    static_assert(Number >= 0, "an explicit item needs a number");
-    static_assert(Base.tagNumber < 0, "a second tag on a tagged item");
-    return Tagged(Base, Asn1ClassContext, Number, Asn1FlagExplicit);
-}();
+    template <class>
+    static constexpr Asn1Item Item() {
+        static_assert(Number >= 0 && (itemOf<Base>.itemFlags & Asn1FlagExplicit) == 0,
+                      "a second tag on an explicit item");
+        return Tagged(itemOf<Base>, Asn1ClassContext, Number, 0);
+    }
+};
+
+template <int32_t Number, class Base>
+struct Explicit {
+    using Node = NodeOf<Base>;
+
+    template <class>
+    static constexpr Asn1Item Item() {
+        static_assert(Number >= 0, "an explicit item needs a number");
+        static_assert(itemOf<Base>.tagNumber < 0, "a second tag on a tagged item");
+        return Tagged(itemOf<Base>, Asn1ClassContext, Number, Asn1FlagExplicit);
+    }
+};
+
+// The element of a list of constructed values that are kept as they stand.
+struct ConstructedAny : Any {
+    template <class>
+    static constexpr Asn1Item Item() {
+        Asn1Item item = itemOf<Any>;
+        item.constructedBit = Asn1Constructed;
+        return item;
+    }
+};
 
 // An ANY whose implicit tag is known to stand for a constructed value.
 template <int32_t Number>
-inline constexpr Asn1Item ImplicitConstructedAny = [] {
-    Asn1Item item = Tagged(Any, Asn1ClassContext, Number, 0);
-    item.constructedBit = Asn1Constructed;
-    return item;
-}();
+struct ImplicitConstructedAny : Implicit<Number, ConstructedAny> {};
 
 // Odd tags that the wire format of some structures asks for, where a module would have context tags: a number in the
 // universal class, implicit or explicit, and a context class with the number of the kind.
-template <int32_t Number, const Asn1Item& Base>
-inline constexpr Asn1Item UniversalTag = [] {
-    static_assert(Number >= 0 && Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
-    return Tagged(Base, Asn1ClassUniversal, Number, 0);
-}();
+template <class Base, int32_t Number, uint8_t TagClass, uint8_t Flag>
+struct OddTag {
+    using Node = NodeOf<Base>;
 
-template <int32_t Number, const Asn1Item& Base>
-inline constexpr Asn1Item UniversalExplicit = [] {
-    static_assert(Number >= 0 && Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
-    return Tagged(Base, Asn1ClassUniversal, Number, Asn1FlagExplicit);
-}();
+    template <class>
+    static constexpr Asn1Item Item() {
+        static_assert(itemOf<Base>.tagNumber < 0 && itemOf<Base>.itemFlags == 0, "a second tag on a tagged item");
+        return Tagged(itemOf<Base>, TagClass, Number, Flag);
+    }
+};
 
-template <const Asn1Item& Base>
-inline constexpr Asn1Item ContextOfKind = [] {
-    static_assert(Base.tagNumber < 0 && Base.itemFlags == 0, "a second tag on a tagged item");
-    return Tagged(Base, Asn1ClassContext, -1, 0);
-}();
+template <int32_t Number, class Base>
+struct UniversalTag : OddTag<Base, Number, Asn1ClassUniversal, 0> {};
+template <int32_t Number, class Base>
+struct UniversalExplicit : OddTag<Base, Number, Asn1ClassUniversal, Asn1FlagExplicit> {};
+template <class Base>
+struct ContextOfKind : OddTag<Base, -1, Asn1ClassContext, 0> {};
 
-// The element of a list of constructed values that are kept as they stand.
-inline constexpr Asn1Item ConstructedAny = {0, Asn1Constructed, 0, Asn1KindAny, -1, sizeof(Asn1Any), nullptr, 0, nullptr};
+// ---- Optional elements and their defaults ---------------------------------------------------------------------------
 
-template <const Asn1Item& Base>
-inline constexpr Asn1Item Optional = [] {
-    Asn1Item item = Base;
-    item.itemFlags |= Asn1FlagOptional;
-    return item;
-}();
+template <class Base>
+struct Optional {
+    using Node = NodeOf<Base>;
 
-constexpr bool FitsDefault(const Asn1Item& item, const Asn1Value& node) { return item.kind == node.type; }
+    template <class>
+    static constexpr Asn1Item Item() {
+        Asn1Item item = itemOf<Base>;
+        item.itemFlags |= Asn1FlagOptional;
+        return item;
+    }
+};
 
-template <const Asn1Item& Base, const auto& Node>
-inline constexpr Asn1Item Default = [] {
-    static_assert(FitsDefault(Base, Node), "a default of another kind");
-    Asn1Item item = Base;
-    item.itemFlags |= Asn1FlagOptional;
-    item.defaultValue = &Node;
-    return item;
-}();
+constexpr bool FitsDefault(const Asn1Item& item, const Asn1Value& value) { return item.kind == value.type; }
+template <class Node>
+constexpr bool FitsDefault(const Asn1Item&, const Node&) {
+    return true;
+}
+
+template <class Base, const auto& Value>
+struct Default {
+    using Node = NodeOf<Base>;
+
+    template <class>
+    static constexpr Asn1Item Item() {
+        static_assert(std::is_same_v<const Node&, decltype(Value)> && FitsDefault(itemOf<Base>, Value),
+                      "a default of another kind");
+        Asn1Item item = itemOf<Optional<Base>>;
+        item.defaultValue = &Value;
+        return item;
+    }
+};
 
 // Bytes of a constant node. Nothing writes through it: defaults are copied before they are handed out.
 template <uint8_t... Bytes>
@@ -152,8 +395,12 @@ inline constexpr Asn1Value ConstantValue = {Type, sizeof...(Bytes), const_cast<u
 inline constexpr const Asn1Value& kFalse = ConstantValue<Asn1KindBoolean, 0>;
 inline constexpr const Asn1Value& kZero = ConstantValue<Asn1KindInteger, 0>;
 
-inline constexpr Asn1Item Time = Choice<UTCTime, GeneralizedTime>;
-
-// clang-format on
 }  // namespace schema
+
+// The CHOICE of the two forms of a time (RFC 5280, 4.1.2.5).
+struct Time : Asn1Choice {};
+
+template <>
+struct schema::Schema<Time> : schema::Choice<schema::UTCTime, schema::GeneralizedTime> {};
+
 }  // namespace tlvforge

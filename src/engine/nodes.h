@@ -10,8 +10,8 @@
 #include <new>
 
 #include "engine/failure.h"
+#include "engine/items.h"
 #include "engine/tmalloc.h"
-#include "tlvforge/asn1.h"
 
 namespace tlvforge {
 
@@ -189,67 +189,132 @@ void ClearAsn1List(Asn1List* list, const Asn1Item& item);
 // Deep copy of any tree. *out is null after a failure.
 Status CopyAsn1Object(const Asn1Item* item, const void* source, void** out);
 
-template <class T>
-Status CopyTree(const Asn1Item& item, const T* source, T** out) {
-    return CopyAsn1Object(&item, source, Untyped(out));
+// ---- Trees by the type of their root --------------------------------------------------------------------------------
+
+// The item that frees a node. Any kind of value does for a value record.
+template <class Node>
+inline constexpr const Asn1Item& releaseItemOf = itemOf<Node>;
+template <>
+inline constexpr const Asn1Item& releaseItemOf<Asn1Value> = itemOf<schema::OctetString>;
+template <>
+inline constexpr const Asn1Item& releaseItemOf<Asn1BitString> = itemOf<schema::BitString>;
+template <>
+inline constexpr const Asn1Item& releaseItemOf<Asn1Any> = itemOf<schema::Any>;
+
+template <class Node>
+Status CreateTree(Node** out, uint32_t fill = 1) {
+    return CreateAsn1Object(&itemOf<Node>, Untyped(out), fill);
 }
 
-// Sole owner of a tree, so that every return is a clean one.
-template <class T>
+template <class Node>
+Status CopyTree(const Node* source, Node** out) {
+    return CopyAsn1Object(&itemOf<Node>, source, Untyped(out));
+}
+
+// One element at the front; what follows it is ignored.
+template <class Node>
+Status DecodeTree(const uint8_t* data, uint32_t length, Node** out) {
+    uint32_t consumed = 0;
+    return Asn1DecodeItem(data, length, &itemOf<Node>, Untyped(out), &consumed);
+}
+
+template <class Node>
+Status EncodeTree(const Node* node, uint8_t* buffer, uint32_t* length) {
+    return GetAsn1EncodedValue(node, &itemOf<Node>, buffer, length);
+}
+
+template <class Node>
+Status FreeTree(Node* node) {
+    return FreeAsn1Object(&releaseItemOf<Node>, node);
+}
+
+// Frees what a field holds, and empties the field.
+template <class Node>
+void FreeField(Node** field) {
+    FreeTree(*field);
+    *field = nullptr;
+}
+
+// Frees what a field holds, and puts a node in its place. Null is a failed allocation: 1, and the field is empty.
+template <class Node>
+Status ReplaceField(Node** field, Node* node, Place place = Place::Here()) {
+    FreeTree(*field);
+    *field = node;
+    return node == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
+}
+
+// Sole owner of a tree, so that every return is a clean one. Element is the type of the root, or one of the building
+// blocks for a value: Tree<Certificate>, Tree<schema::Integer>.
+template <class Element>
 class Tree {
 public:
-    explicit Tree(const Asn1Item& item, T* node = nullptr) : item_(item), node_(node) {}
+    using Node = NodeOf<Element>;
+
+    explicit Tree(Node* node = nullptr) : node_(node) {}
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
-    ~Tree() { FreeAsn1Object(&item_, node_); }
+    ~Tree() { FreeAsn1Object(&itemOf<Element>, node_); }
 
-    T* Get() const { return node_; }
-    T* operator->() const { return node_; }
+    Node* Get() const { return node_; }
+    Node* operator->() const { return node_; }
     explicit operator bool() const { return node_ != nullptr; }
+    // For functions that store a new tree.
+    Node** Slot() { return &node_; }
 
-    Status Create(uint32_t fill = 0) { return CreateAsn1Object(&item_, Untyped(&node_), fill); }
+    Status Create(uint32_t fill = 0) { return CreateAsn1Object(&itemOf<Element>, Untyped(&node_), fill); }
     Status Decode(const uint8_t* data, uint32_t length) {
         uint32_t consumed = 0;
-        return Asn1DecodeItem(data, length, &item_, Untyped(&node_), &consumed);
+        return Asn1DecodeItem(data, length, &itemOf<Element>, Untyped(&node_), &consumed);
     }
-    Status CopyOf(const T* source) { return CopyTree(item_, source, &node_); }
+    Status CopyOf(const Node* source) { return CopyAsn1Object(&itemOf<Element>, source, Untyped(&node_)); }
     Status Encode(uint8_t* buffer, uint32_t* length) const {
-        return GetAsn1EncodedValue(node_, &item_, buffer, length);
+        return GetAsn1EncodedValue(node_, &itemOf<Element>, buffer, length);
     }
 
     // Hands the tree over.
-    T* Take() {
-        T* node = node_;
+    Node* Take() {
+        Node* node = node_;
         node_ = nullptr;
         return node;
     }
     // Adds the tree to a list, which owns it on success.
-    Status MoveTo(Asn1List* list) {
-        const Status status = AddAsn1ListItem(list, item_, node_);
+    Status MoveTo(ListOf<Node>* list) {
+        const Status status = AddAsn1ListItem(list, itemOf<Element>, node_);
         if (status == StatusOk) node_ = nullptr;
         return status;
     }
 
 private:
-    const Asn1Item& item_;
-    T* node_;
+    Node* node_;
 };
 
-// DecodeX of every document: one element at the front, what follows it is ignored.
-template <class T>
-Status DecodeTree(const Asn1Item& item, const uint8_t* data, uint32_t length, T** out) {
-    uint32_t consumed = 0;
-    return Asn1DecodeItem(data, length, &item, Untyped(out), &consumed);
+// ---- Lists and choices by their types -------------------------------------------------------------------------------
+
+template <class List>
+List* AllocList() {
+    return static_cast<List*>(AllocAsn1List());
 }
 
-// Frees what a field holds, and empties the field.
-template <class T>
-void FreeField(const Asn1Item& item, T** field) {
-    FreeAsn1Object(&item, *field);
-    *field = nullptr;
+template <class Choice>
+Choice* AllocChoice(uint32_t selected = 0, void* value = nullptr) {
+    return static_cast<Choice*>(AllocAsn1Choice(selected, value));
 }
 
-// What the lists of the documents have in common: count, member by index, removal.
+// As AddAsn1ListItem: the element is still the caller's after a failure.
+template <class Node>
+Status AddMember(ListOf<Node>* list, std::type_identity_t<Node>* element) {
+    return AddAsn1ListItem(list, releaseItemOf<Node>, element);
+}
+
+template <class Node>
+Status RemoveMember(ListOf<Node>* list, uint32_t index) {
+    return RemoveAsn1ListItem(list, index, releaseItemOf<Node>);
+}
+
+template <class Node>
+void ClearList(ListOf<Node>* list) {
+    ClearAsn1List(list, releaseItemOf<Node>);
+}
 
 // Either null: 32.
 Status GetListCount(const Asn1List* list, uint32_t* count, Place place = Place::Here());
@@ -257,8 +322,9 @@ Status GetListCount(const Asn1List* list, uint32_t* count, Place place = Place::
 // Checks the list (32) and the index (32), and lends the member (311 when it is null).
 Status FindListMember(const Asn1List* list, uint32_t index, void** member, Place place);
 
-template <class T>
-Status GetListMember(const Asn1List* list, uint32_t index, T** member, Place place = Place::Here()) {
+template <class Node>
+Status GetListMember(const ListOf<Node>* list, uint32_t index, std::type_identity_t<Node>** member,
+                     Place place = Place::Here()) {
     return FindListMember(list, index, Untyped(member), place);
 }
 

@@ -19,11 +19,11 @@ void* NewValue(const Asn1Item& alternative, const uint8_t* value, uint32_t lengt
 }
 
 Status Build(uint32_t alternative, const uint8_t* value, uint32_t length, Tree<X509GeneralName>* name) {
-    if (alternative >= schema::X509GeneralName.childCount) return Fail(StatusBadAlternative);
+    if (alternative >= itemOf<X509GeneralName>.childCount) return Fail(StatusBadAlternative);
     const Status status = name->Create();
     if (status != StatusOk) return status;
     (*name)->selected = alternative;
-    (*name)->value = NewValue(*schema::X509GeneralName.children[alternative], value, length);
+    (*name)->value = NewValue(*itemOf<X509GeneralName>.children[alternative], value, length);
     if ((*name)->value == nullptr) return Fail(StatusOutOfMemory);
     return StatusOk;
 }
@@ -31,7 +31,7 @@ Status Build(uint32_t alternative, const uint8_t* value, uint32_t length, Tree<X
 Status Read(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
     if (name->value == nullptr) return Fail(StatusAbsent);
     *alternative = name->selected;
-    if (name->selected >= schema::X509GeneralName.childCount) return Fail(StatusBadAlternative);
+    if (name->selected >= itemOf<X509GeneralName>.childCount) return Fail(StatusBadAlternative);
     if (name->selected == X509GeneralNameRegisteredID) {
         return GetAsn1Oid(static_cast<const Asn1Value*>(name->value), value, length);
     }
@@ -40,19 +40,15 @@ Status Read(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, 
 
 }  // namespace
 
-Status CreateX509GeneralName(X509GeneralName** out) {
-    return CreateAsn1Object(&schema::X509GeneralName, Untyped(out), 1);
-}
+Status CreateX509GeneralName(X509GeneralName** out) { return CreateTree(out); }
 
-Status CreateX509GeneralNameCopy(const X509GeneralName* source, X509GeneralName** out) {
-    return CopyTree(schema::X509GeneralName, source, out);
-}
+Status CreateX509GeneralNameCopy(const X509GeneralName* source, X509GeneralName** out) { return CopyTree(source, out); }
 
-Status FreeX509GeneralName(X509GeneralName* name) { return FreeAsn1Object(&schema::X509GeneralName, name); }
+Status FreeX509GeneralName(X509GeneralName* name) { return FreeTree(name); }
 
 Status AllocX509GeneralNameValue(X509GeneralName** out, uint32_t alternative, const uint8_t* value, uint32_t length) {
     if (AnyNull(out, value)) return Fail(StatusBadArgument);
-    Tree<X509GeneralName> name(schema::X509GeneralName);
+    Tree<X509GeneralName> name;
     const Status status = Build(alternative, value, length, &name);
     *out = status == StatusOk ? name.Take() : nullptr;
     return status;
@@ -63,27 +59,23 @@ Status GetX509GeneralNameValue(const X509GeneralName* name, uint32_t* alternativ
     return Read(name, alternative, value, length);
 }
 
-Status CreateX509GeneralNames(X509GeneralNames** out) {
-    return CreateAsn1Object(&schema::X509GeneralNames, Untyped(out), 1);
-}
+Status CreateX509GeneralNames(X509GeneralNames** out) { return CreateTree(out); }
 
-Status CopyX509GeneralNames(const X509GeneralNames* source, X509GeneralNames** out) {
-    return CopyTree(schema::X509GeneralNames, source, out);
-}
+Status CopyX509GeneralNames(const X509GeneralNames* source, X509GeneralNames** out) { return CopyTree(source, out); }
 
 Status DecodeX509GeneralNames(const uint8_t* data, uint32_t length, X509GeneralNames** out) {
-    return DecodeTree(schema::X509GeneralNames, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeX509GeneralNames(const X509GeneralNames* names, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(names, &schema::X509GeneralNames, buffer, length);
+    return EncodeTree(names, buffer, length);
 }
 
-Status FreeX509GeneralNames(X509GeneralNames* names) { return FreeAsn1Object(&schema::X509GeneralNames, names); }
+Status FreeX509GeneralNames(X509GeneralNames* names) { return FreeTree(names); }
 
 Status AddX509GeneralName(X509GeneralNames* names, uint32_t alternative, const uint8_t* value, uint32_t length) {
     if (AnyNull(names, value)) return Fail(StatusBadArgument);
-    Tree<X509GeneralName> name(schema::X509GeneralName);
+    Tree<X509GeneralName> name;
     const Status status = Build(alternative, value, length, &name);
     return status == StatusOk ? name.MoveTo(names) : status;
 }

@@ -8,33 +8,31 @@ using namespace tlvforge;
 
 namespace {
 
-Status AddValue(Asn1List* list, const Asn1Item& element, const uint8_t* bytes, uint32_t length,
+Status AddValue(ListOf<Asn1Value>* list, uint8_t kind, const uint8_t* bytes, uint32_t length,
                 Place place = Place::Here()) {
     if (AnyNull(list, bytes)) return Fail(StatusBadArgument, place);
-    Tree<Asn1Value> value(element, AllocAsn1Value(element.kind, bytes, length));
+    Tree<schema::OctetString> value(AllocAsn1Value(kind, bytes, length));
     return value ? value.MoveTo(list) : Fail(StatusOutOfMemory, place);
 }
 
 }  // namespace
 
-Status CreatePKIFreeText(PKIFreeText** out) { return CreateAsn1Object(&schema::PKIFreeText, Untyped(out), 1); }
+Status CreatePKIFreeText(PKIFreeText** out) { return CreateTree(out); }
 
-Status CreatePKIFreeTextCopy(const PKIFreeText* source, PKIFreeText** out) {
-    return CopyTree(schema::PKIFreeText, source, out);
-}
+Status CreatePKIFreeTextCopy(const PKIFreeText* source, PKIFreeText** out) { return CopyTree(source, out); }
 
 Status DecodePKIFreeText(const uint8_t* data, uint32_t length, PKIFreeText** out) {
-    return DecodeTree(schema::PKIFreeText, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodePKIFreeText(const PKIFreeText* texts, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(texts, &schema::PKIFreeText, buffer, length);
+    return EncodeTree(texts, buffer, length);
 }
 
-Status FreePKIFreeText(PKIFreeText* texts) { return FreeAsn1Object(&schema::PKIFreeText, texts); }
+Status FreePKIFreeText(PKIFreeText* texts) { return FreeTree(texts); }
 
 Status AddPKIFreeTextString(PKIFreeText* texts, const uint8_t* text, uint32_t length) {
-    return AddValue(texts, schema::UTF8String, text, length);
+    return AddValue(texts, Asn1KindUTF8String, text, length);
 }
 
 Status GetPKIFreeTextString(const PKIFreeText* texts, uint32_t index, uint8_t* text, uint32_t* length) {
@@ -46,15 +44,15 @@ Status GetPKIFreeTextString(const PKIFreeText* texts, uint32_t index, uint8_t* t
 
 Status GetPKIFreeTextStringCount(const PKIFreeText* texts, uint32_t* count) { return GetListCount(texts, count); }
 
-Status CreateOctetStrings(OctetStrings** out) { return CreateAsn1Object(&schema::OctetStrings, Untyped(out), 1); }
+Status CreateOctetStrings(OctetStrings** out) { return CreateTree(out); }
 
 Status FreeOctetStrings(OctetStrings* strings) {
     if (strings == nullptr) return Fail(StatusBadArgument);
-    return FreeAsn1Object(&schema::OctetStrings, strings);
+    return FreeTree(strings);
 }
 
 Status AddOctetStringsValue(OctetStrings* strings, const uint8_t* bytes, uint32_t length) {
-    return AddValue(strings, schema::OctetString, bytes, length);
+    return AddValue(strings, Asn1KindOctetString, bytes, length);
 }
 
 Status GetOctetStringsCount(const OctetStrings* strings, uint32_t* count) { return GetListCount(strings, count); }

@@ -76,7 +76,7 @@ Status FindEntry(const X509Name* name, uint32_t rdnIndex, uint32_t entryIndex, A
 // The RDN that a new entry goes to.
 Status ChooseRdn(X509Name* name, int32_t newRdn, RelativeDistinguishedName** rdn) {
     if (newRdn == 0) return GetListMember(name, name->count - 1, rdn);
-    Tree<RelativeDistinguishedName> added(schema::RelativeDistinguishedName, AllocAsn1List());
+    Tree<RelativeDistinguishedName> added(AllocList<RelativeDistinguishedName>());
     if (!added) return Fail(StatusOutOfMemory);
     *rdn = added.Get();
     return added.MoveTo(name);
@@ -127,23 +127,21 @@ bool IsPrintableStringByte(uint8_t byte) {
 
 }  // namespace
 
-Status CreateX509Name(X509Name** out) { return CreateAsn1Object(&schema::X509Name, Untyped(out), 1); }
+Status CreateX509Name(X509Name** out) { return CreateTree(out); }
 
-Status CopyX509Name(const X509Name* source, X509Name** out) { return CopyTree(schema::X509Name, source, out); }
+Status CopyX509Name(const X509Name* source, X509Name** out) { return CopyTree(source, out); }
 
-Status DecodeX509Name(const uint8_t* data, uint32_t length, X509Name** out) {
-    return DecodeTree(schema::X509Name, data, length, out);
-}
+Status DecodeX509Name(const uint8_t* data, uint32_t length, X509Name** out) { return DecodeTree(data, length, out); }
 
 Status EncodeX509Name(const X509Name* name, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(name, &schema::X509Name, buffer, length);
+    return EncodeTree(name, buffer, length);
 }
 
-Status FreeX509Name(X509Name* name) { return FreeAsn1Object(&schema::X509Name, name); }
+Status FreeX509Name(X509Name* name) { return FreeTree(name); }
 
 Status ClearX509Name(X509Name* name) {
     if (name == nullptr) return Fail(StatusBadArgument);
-    ClearAsn1List(name, schema::RelativeDistinguishedName);
+    ClearList(name);
     return StatusOk;
 }
 
@@ -198,7 +196,7 @@ Status AddX509NameEntryExt(X509Name* name, const uint8_t* value, uint32_t valueL
     Status status = ChooseRdn(name, newRdn, &rdn);
     if (status != StatusOk) return status;
     // From here on a failure leaves a new RDN in the name, empty.
-    Tree<AttributeTypeAndValue> entry(schema::AttributeTypeAndValue, NewRecord<AttributeTypeAndValue>());
+    Tree<AttributeTypeAndValue> entry(NewRecord<AttributeTypeAndValue>());
     if (!entry) return Fail(StatusOutOfMemory);
     status = ReplaceOidField(&entry->type, oid);
     if (status != StatusOk) return status;
@@ -221,8 +219,8 @@ Status DeleteX509NameEntry(X509Name* name, uint32_t rdnIndex, uint32_t entryInde
     status = GetListMember(name, name->count - 1, &last);
     if (status != StatusOk) return status;
     if (entryIndex >= last->count || entryIndex >= rdn->count) return Fail(StatusBadArgument);
-    if (rdn->count == 1) return RemoveAsn1ListItem(name, rdnIndex, schema::RelativeDistinguishedName);
-    return RemoveAsn1ListItem(rdn, entryIndex, schema::AttributeTypeAndValue);
+    if (rdn->count == 1) return RemoveMember(name, rdnIndex);
+    return RemoveMember(rdn, entryIndex);
 }
 
 Status CompareX509Names(const X509Name* first, const X509Name* second) {

@@ -4,12 +4,6 @@
 #include "engine/items.h"
 #include "tlvforge/names.h"
 
-struct X509Name : Asn1List {};           // of RelativeDistinguishedName
-struct X509GeneralName : Asn1Choice {};  // selected is the context tag number
-struct X509GeneralNames : Asn1List {};   // of X509GeneralName
-struct PKIFreeText : Asn1List {};        // of Asn1Value
-struct OctetStrings : Asn1List {};       // of Asn1Value
-
 namespace tlvforge {
 
 struct AttributeTypeAndValue {
@@ -17,22 +11,34 @@ struct AttributeTypeAndValue {
     Asn1Any* value;
 };
 
-using RelativeDistinguishedName = Asn1List;  // of AttributeTypeAndValue
+struct RelativeDistinguishedName : ListOf<AttributeTypeAndValue> {};
+
+}  // namespace tlvforge
+
+struct X509Name : tlvforge::ListOf<tlvforge::RelativeDistinguishedName> {};
+struct X509GeneralName : Asn1Choice {};  // selected is the context tag number
+struct X509GeneralNames : tlvforge::ListOf<X509GeneralName> {};
+struct PKIFreeText : tlvforge::ListOf<Asn1Value> {};
+struct OctetStrings : tlvforge::ListOf<Asn1Value> {};
+
+namespace tlvforge {
+
+// Documents hold their names through a CHOICE of one alternative.
+struct Name : Asn1Choice {};
 
 namespace schema {
 // clang-format off
 
-inline constexpr Asn1Item AttributeTypeAndValue = Sequence<
-    ObjectIdentifier, // type
-    Any>;             // value
+template <> struct Schema<AttributeTypeAndValue> : Record<
+    Field<&AttributeTypeAndValue::type, ObjectIdentifier>,
+    Field<&AttributeTypeAndValue::value, Any>> {};
 
-inline constexpr Asn1Item RelativeDistinguishedName = SetOf<AttributeTypeAndValue>;
-inline constexpr Asn1Item X509Name = SequenceOf<RelativeDistinguishedName>;
+template <> struct Schema<RelativeDistinguishedName> : SetOf<AttributeTypeAndValue> {};
+template <> struct Schema<X509Name> : SequenceOf<RelativeDistinguishedName> {};
 
-// Documents hold their names through a CHOICE of one alternative.
-inline constexpr Asn1Item Name = Choice<X509Name>;
+template <> struct Schema<Name> : Choice<X509Name> {};
 
-inline constexpr Asn1Item X509GeneralName = Choice<
+template <> struct Schema<X509GeneralName> : Choice<
     ImplicitConstructedAny<0>, // otherName
     Implicit<1, IA5String>,    // rfc822Name
     Implicit<2, IA5String>,    // dNSName
@@ -41,16 +47,11 @@ inline constexpr Asn1Item X509GeneralName = Choice<
     ImplicitConstructedAny<5>, // ediPartyName
     Implicit<6, IA5String>,    // uniformResourceIdentifier
     Implicit<7, OctetString>,  // iPAddress
-    Implicit<8, ObjectIdentifier>>; // registeredID
+    Implicit<8, ObjectIdentifier>> {};  // registeredID
 
-inline constexpr Asn1Item X509GeneralNames = SequenceOf<X509GeneralName>;
+template <> struct Schema<X509GeneralNames> : SequenceOf<X509GeneralName> {};
 
-inline constexpr Asn1Item PKIFreeText = SequenceOf<UTF8String>;
-inline constexpr Asn1Item OctetStrings = SequenceOf<OctetString>;
-
-// clang-format on
+template <> struct Schema<PKIFreeText> : SequenceOf<UTF8String> {};
+template <> struct Schema<OctetStrings> : SequenceOf<OctetString> {};  // clang-format on
 }  // namespace schema
-
-static_assert(sizeof(AttributeTypeAndValue) == schema::AttributeTypeAndValue.valueSize);
-
 }  // namespace tlvforge

@@ -52,12 +52,12 @@ Status ReadAlgorithm(const AlgorithmIdentifier* field, const Output& oid, const 
     return StatusOfBoth(first, GetAlgorithmIdentifierParameters(field, parameters.buffer, parameters.length));
 }
 
-Status AddCertificate(Asn1List** certs, Certificate* certificate, Place place) {
+Status AddCertificate(Certificates** certs, Certificate* certificate, Place place) {
     const Status status = NeedList(certs, place);
-    return status == StatusOk ? AddAsn1ListItem(*certs, schema::Certificate, certificate) : status;
+    return status == StatusOk ? AddMember(*certs, certificate) : status;
 }
 
-Status LendCertificate(const Asn1List* certs, uint32_t index, Certificate** certificate, Place place) {
+Status LendCertificate(const Certificates* certs, uint32_t index, Certificate** certificate, Place place) {
     return certs == nullptr ? Fail(StatusAbsent, place) : GetListMember(certs, index, certificate, place);
 }
 
@@ -69,30 +69,30 @@ namespace {
 template <class Set>
 Status ChangeSignature(OcspRequest* request, Set set) {
     if (request->optionalSignature != nullptr) return set(request->optionalSignature);
-    Tree<OcspSignature> block(schema::OcspSignature);
+    Tree<OcspSignature> block;
     Status status = block.Create(1);
     if (status == StatusOk) status = set(block.Get());
     if (status == StatusOk) request->optionalSignature = block.Take();
     return status;
 }
 
-const Asn1List* CertificatesOf(const OcspRequest* request) {
+const Certificates* CertificatesOf(const OcspRequest* request) {
     return FieldOf(request->optionalSignature, &OcspSignature::certs);
 }
 
 }  // namespace
 
-Status CreateOcspRequest(OcspRequest** request) { return CreateAsn1Object(&schema::OcspRequest, Untyped(request), 1); }
+Status CreateOcspRequest(OcspRequest** request) { return CreateTree(request); }
 
 Status DecodeOcspRequest(const uint8_t* bytes, uint32_t length, OcspRequest** request) {
-    return DecodeTree(schema::OcspRequest, bytes, length, request);
+    return DecodeTree(bytes, length, request);
 }
 
 Status EncodeOcspRequest(const OcspRequest* request, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(request, &schema::OcspRequest, buffer, length);
+    return EncodeTree(request, buffer, length);
 }
 
-Status FreeOcspRequest(OcspRequest* request) { return FreeAsn1Object(&schema::OcspRequest, request); }
+Status FreeOcspRequest(OcspRequest* request) { return FreeTree(request); }
 
 Status GetOcspRequestVersion(const OcspRequest* request, int32_t* version) {
     if (AnyNull(request, version)) return Fail(StatusBadArgument);
@@ -116,14 +116,14 @@ Status AddOcspRequestCertRequest(OcspRequest* request, const uint8_t* hashOid, c
                                  uint32_t serialLength, X509Extensions extensions) {
     if (AnyNull(request, hashOid, nameHash, keyHash, serial)) return Fail(StatusBadArgument);
     if (FieldOf(request->tbsRequest, &TBSRequest::requestList) == nullptr) return Fail(StatusAbsent);
-    Tree<OcspCertRequest> entry(schema::OcspCertRequest);
+    Tree<OcspCertRequest> entry;
     Status status = entry.Create(1);
     if (status == StatusOk) {
         status = WriteCertID(entry->reqCert, hashOid, {parameters, parametersLength}, {nameHash, nameHashLength},
                              {keyHash, keyHashLength}, {serial, serialLength});
     }
     if (status == StatusOk && extensions != nullptr) {
-        status = CopyTree(schema::X509Extensions, extensions->list, &entry->singleRequestExtensions.list);
+        status = CopyTree(extensions->list, &entry->singleRequestExtensions.list);
     }
     if (status == StatusOk)
         status = ReserveAsn1ListItem(request->tbsRequest->requestList);  // a failed add loses nothing
@@ -143,7 +143,7 @@ Status GetOcspRequestCertRequest(const OcspRequest* request, uint32_t index, uin
     if (AnyNull(request, hashOidLength, parametersLength, nameHashLength, keyHashLength, serialLength)) {
         return Fail(StatusBadArgument);
     }
-    const Asn1List* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
+    const auto* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
     if (list == nullptr) return Fail(StatusAbsent);
     OcspCertRequest* entry = nullptr;
     const Status status = GetListMember(list, index, &entry);
@@ -155,9 +155,9 @@ Status GetOcspRequestCertRequest(const OcspRequest* request, uint32_t index, uin
 
 Status ClearOcspRequestCertRequests(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    Asn1List* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
+    auto* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
     if (list == nullptr) return Fail(StatusAbsent);
-    ClearAsn1List(list, schema::OcspCertRequest);
+    ClearList(list);
     return StatusOk;
 }
 
@@ -185,7 +185,7 @@ Status SetOcspRequestRequestorName(OcspRequest* request, uint32_t type, const ui
 Status RemoveOcspRequestRequestorName(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
     if (request->tbsRequest == nullptr) return Fail(StatusAbsent);
-    FreeField(schema::X509GeneralName, &request->tbsRequest->requestorName);
+    FreeField(&request->tbsRequest->requestorName);
     return StatusOk;
 }
 
@@ -222,7 +222,7 @@ Status SetOcspRequestSignatureAlgorithmOidAndParameters(OcspRequest* request, co
 
 Status RemoveOcspRequestSignature(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::OcspSignature, &request->optionalSignature);
+    FreeField(&request->optionalSignature);
     return StatusOk;
 }
 
@@ -245,6 +245,6 @@ Status GetOcspRequestCertificate(const OcspRequest* request, uint32_t index, Cer
 
 Status RemoveOcspRequestCertificates(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    if (request->optionalSignature != nullptr) FreeField(schema::Certificates, &request->optionalSignature->certs);
+    if (request->optionalSignature != nullptr) FreeField(&request->optionalSignature->certs);
     return StatusOk;
 }

@@ -23,7 +23,7 @@ Status GetTime(const Asn1Value* field, LibraryTime* time, Place place = Place::H
 
 // Null leaves the field absent, and so does a time that can't be written.
 Status ReplaceTime(Asn1Value** field, const LibraryTime* time) {
-    FreeField(schema::GeneralizedTime, field);
+    FreeField(field);
     return SetOptionalTime(field, time);
 }
 
@@ -31,25 +31,24 @@ Status ReplaceTime(Asn1Value** field, const LibraryTime* time) {
 bool HasChoice(const Asn1Choice* choice) { return choice != nullptr && choice->value != nullptr; }
 
 // Puts a value in the place of what was chosen. After a failure nothing is, and the value is still the caller's.
-Status ReplaceChoice(const Asn1Item& item, Asn1Choice** field, uint32_t selected, void* value,
-                     Place place = Place::Here()) {
-    FreeField(item, field);
-    *field = AllocAsn1Choice(selected, value);
+template <class ChoiceType>
+Status ReplaceChoice(ChoiceType** field, uint32_t selected, void* value, Place place = Place::Here()) {
+    FreeField(field);
+    *field = static_cast<ChoiceType*>(AllocAsn1Choice(selected, value));
     return *field == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
 }
 
 // The same for a value that has just been made: null when out of memory, and freed after a failure.
-Status MoveToChoice(const Asn1Item& item, Asn1Choice** field, uint32_t selected, void* value,
-                    Place place = Place::Here()) {
-    Tree<void> owner(*item.children[selected], value);
-    if (!owner) return Fail(StatusOutOfMemory, place);
-    const Status status = ReplaceChoice(item, field, selected, value, place);
-    if (status == StatusOk) owner.Take();
+template <class ChoiceType>
+Status MoveToChoice(ChoiceType** field, uint32_t selected, void* value, Place place = Place::Here()) {
+    if (value == nullptr) return Fail(StatusOutOfMemory, place);
+    const Status status = ReplaceChoice(field, selected, value, place);
+    if (status != StatusOk) FreeAsn1Object(itemOf<ChoiceType>.children[selected], value);
     return status;
 }
 
 // Null too where the response has no tbsResponseData.
-Asn1List* SingleResponsesOf(const OcspBasicResponse* response) {
+ListOf<OcspSingleResponse>* SingleResponsesOf(const OcspBasicResponse* response) {
     return FieldOf(response->tbsResponseData, &ResponseData::responses);
 }
 
@@ -57,19 +56,17 @@ Asn1List* SingleResponsesOf(const OcspBasicResponse* response) {
 
 // --- The message ---
 
-Status CreateOcspResponse(OcspResponse** response) {
-    return CreateAsn1Object(&schema::OcspResponse, Untyped(response), 1);
-}
+Status CreateOcspResponse(OcspResponse** response) { return CreateTree(response); }
 
 Status DecodeOcspResponse(const uint8_t* bytes, uint32_t length, OcspResponse** response) {
-    return DecodeTree(schema::OcspResponse, bytes, length, response);
+    return DecodeTree(bytes, length, response);
 }
 
 Status EncodeOcspResponse(const OcspResponse* response, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(response, &schema::OcspResponse, buffer, length);
+    return EncodeTree(response, buffer, length);
 }
 
-Status FreeOcspResponse(OcspResponse* response) { return FreeAsn1Object(&schema::OcspResponse, response); }
+Status FreeOcspResponse(OcspResponse* response) { return FreeTree(response); }
 
 Status GetOcspResponseStatus(const OcspResponse* response, int32_t* status) {
     if (AnyNull(response, status)) return Fail(StatusBadArgument);
@@ -99,12 +96,12 @@ Status SetOcspResponseBytes(OcspResponse* response, const uint8_t* typeOid, cons
     if (response == nullptr) return Fail(StatusBadArgument);
     if (typeOid == nullptr || typeOid[0] == 0) {
         if (length != 0) return Fail(StatusBadArgument);
-        FreeField(schema::OcspResponseBytes, &response->responseBytes);
+        FreeField(&response->responseBytes);
         return StatusOk;
     }
     OcspResponseBytes** block = &response->responseBytes;
     Status status = StatusOk;
-    if (*block == nullptr) status = CreateAsn1Object(&schema::OcspResponseBytes, Untyped(block), 0);
+    if (*block == nullptr) status = CreateTree(block, 0);
     if (status == StatusOk) status = ReplaceOidField(&(*block)->responseType, typeOid);
     // A type alone is no failure: it leaves the bytes that are there.
     if (status != StatusOk || bytes == nullptr || length == 0) return status;
@@ -113,26 +110,22 @@ Status SetOcspResponseBytes(OcspResponse* response, const uint8_t* typeOid, cons
 
 // --- Basic responses ---
 
-Status CreateOcspBasicResponse(OcspBasicResponse** response) {
-    return CreateAsn1Object(&schema::OcspBasicResponse, Untyped(response), 1);
-}
+Status CreateOcspBasicResponse(OcspBasicResponse** response) { return CreateTree(response); }
 
 Status DecodeOcspBasicResponse(const uint8_t* bytes, uint32_t length, OcspBasicResponse** response) {
-    return DecodeTree(schema::OcspBasicResponse, bytes, length, response);
+    return DecodeTree(bytes, length, response);
 }
 
 Status EncodeOcspBasicResponse(const OcspBasicResponse* response, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(response, &schema::OcspBasicResponse, buffer, length);
+    return EncodeTree(response, buffer, length);
 }
 
-Status FreeOcspBasicResponse(OcspBasicResponse* response) {
-    return FreeAsn1Object(&schema::OcspBasicResponse, response);
-}
+Status FreeOcspBasicResponse(OcspBasicResponse* response) { return FreeTree(response); }
 
 Status GetOcspBasicResponseToBeSignedPart(const OcspBasicResponse* response, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(response, length)) return Fail(StatusBadArgument);
     if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    return GetAsn1EncodedValue(response->tbsResponseData, &schema::ResponseData, buffer, length);
+    return EncodeTree(response->tbsResponseData, buffer, length);
 }
 
 Status GetOcspBasicResponseVersion(const OcspBasicResponse* response, int32_t* version) {
@@ -160,15 +153,15 @@ Status SetOcspBasicResponseResponderID(OcspBasicResponse* response, uint32_t typ
                                        uint32_t length) {
     if (AnyNull(response, bytes) || type > kByKey) return Fail(StatusBadArgument);
     if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    Asn1Choice** field = &response->tbsResponseData->responderID;
-    FreeField(schema::OcspResponderID, field);
+    OcspResponderID** field = &response->tbsResponseData->responderID;
+    FreeField(field);
     void* value = nullptr;
     if (type == kByName) {
         value = AllocAsn1Any(length != 0 ? bytes[0] & 31 : 0, bytes, length);
     } else {
         value = AllocAsn1Value(Asn1KindOctetString, bytes, length);
     }
-    return MoveToChoice(schema::OcspResponderID, field, type, value);
+    return MoveToChoice(field, type, value);
 }
 
 Status GetOcspBasicResponseProducedAt(const OcspBasicResponse* response, LibraryTime* time) {
@@ -184,32 +177,32 @@ Status SetOcspBasicResponseProducedAt(OcspBasicResponse* response, const Library
 
 Status GetOcspBasicResponseSingleResponsesCount(const OcspBasicResponse* response, uint32_t* count) {
     if (AnyNull(response, count)) return Fail(StatusBadArgument);
-    const Asn1List* list = SingleResponsesOf(response);
+    const auto* list = SingleResponsesOf(response);
     return list == nullptr ? Fail(StatusAbsent) : GetListCount(list, count);
 }
 
 Status GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, uint32_t index,
                                           OcspSingleResponse** single) {
     if (AnyNull(response, single)) return Fail(StatusBadArgument);
-    const Asn1List* list = SingleResponsesOf(response);
+    const auto* list = SingleResponsesOf(response);
     return list == nullptr ? Fail(StatusAbsent) : GetListMember(list, index, single);
 }
 
 Status AddOcspBasicResponseSingleResponse(OcspBasicResponse* response, OcspSingleResponse* single) {
     if (AnyNull(response, single)) return Fail(StatusBadArgument);
     if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    Asn1List** list = &response->tbsResponseData->responses;
+    ListOf<OcspSingleResponse>** list = &response->tbsResponseData->responses;
     const Status status = NeedList(list);
-    return status == StatusOk ? AddAsn1ListItem(*list, schema::OcspSingleResponse, single) : status;
+    return status == StatusOk ? AddMember(*list, single) : status;
 }
 
 Status ClearOcspBasicResponseResponses(OcspBasicResponse* response) {
     if (response == nullptr) return Fail(StatusBadArgument);
     if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    Asn1List** list = &response->tbsResponseData->responses;
+    ListOf<OcspSingleResponse>** list = &response->tbsResponseData->responses;
     // Without a list and without memory for one the answers are gone as well: no failure.
-    if (*list == nullptr) *list = AllocAsn1List();
-    if (*list != nullptr) ClearAsn1List(*list, schema::OcspSingleResponse);
+    if (*list == nullptr) *list = AllocList<ListOf<OcspSingleResponse>>();
+    if (*list != nullptr) ClearList(*list);
     return StatusOk;
 }
 
@@ -259,27 +252,23 @@ Status GetOcspBasicResponseCertificate(const OcspBasicResponse* response, uint32
 
 Status RemoveOcspBasicResponseCertificates(OcspBasicResponse* response) {
     if (response == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::Certificates, &response->certs);
+    FreeField(&response->certs);
     return StatusOk;
 }
 
 // --- Answers for one certificate ---
 
-Status CreateOcspSingleResponse(OcspSingleResponse** single) {
-    return CreateAsn1Object(&schema::OcspSingleResponse, Untyped(single), 1);
-}
+Status CreateOcspSingleResponse(OcspSingleResponse** single) { return CreateTree(single); }
 
 Status DecodeOcspSingleResponse(const uint8_t* bytes, uint32_t length, OcspSingleResponse** single) {
-    return DecodeTree(schema::OcspSingleResponse, bytes, length, single);
+    return DecodeTree(bytes, length, single);
 }
 
 Status EncodeOcspSingleResponse(const OcspSingleResponse* single, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(single, &schema::OcspSingleResponse, buffer, length);
+    return EncodeTree(single, buffer, length);
 }
 
-Status FreeOcspSingleResponse(OcspSingleResponse* single) {
-    return FreeAsn1Object(&schema::OcspSingleResponse, single);
-}
+Status FreeOcspSingleResponse(OcspSingleResponse* single) { return FreeTree(single); }
 
 Status GetOcspSingleResponseCertID(const OcspSingleResponse* single, uint8_t* hashOid, uint32_t* hashOidLength,
                                    uint8_t* parameters, uint32_t* parametersLength, uint8_t* nameHash,
@@ -324,18 +313,17 @@ Status GetOcspSingleResponseCertStatusRevokedInfo(const OcspSingleResponse* sing
 
 Status SetOcspSingleResponseCertStatus(OcspSingleResponse* single, uint32_t index, void* value) {
     if (AnyNull(single, value)) return Fail(StatusBadArgument);
-    return ReplaceChoice(schema::OcspCertStatus, &single->certStatus, index, value);
+    return ReplaceChoice(&single->certStatus, index, value);
 }
 
 Status SetOcspSingleResponseCertStatusGood(OcspSingleResponse* single) {
     if (single == nullptr) return Fail(StatusBadArgument);
-    return MoveToChoice(schema::OcspCertStatus, &single->certStatus, kGood, AllocAsn1Value(Asn1KindNull, nullptr, 0));
+    return MoveToChoice(&single->certStatus, kGood, AllocAsn1Value(Asn1KindNull, nullptr, 0));
 }
 
 Status SetOcspSingleResponseCertStatusUnknown(OcspSingleResponse* single) {
     if (single == nullptr) return Fail(StatusBadArgument);
-    return MoveToChoice(schema::OcspCertStatus, &single->certStatus, kUnknown,
-                        AllocAsn1Value(Asn1KindNull, nullptr, 0));
+    return MoveToChoice(&single->certStatus, kUnknown, AllocAsn1Value(Asn1KindNull, nullptr, 0));
 }
 
 Status SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* single, const LibraryTime* time, int32_t reason) {
@@ -343,13 +331,13 @@ Status SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* single, const 
     OcspRevokedInfo* info = nullptr;
     const Status status = AllocCertStatusRevokedInfo(time, reason, &info);
     if (status != StatusOk) return status;
-    return MoveToChoice(schema::OcspCertStatus, &single->certStatus, kRevoked, info);
+    return MoveToChoice(&single->certStatus, kRevoked, info);
 }
 
 Status AllocCertStatusRevokedInfo(const LibraryTime* time, int32_t reason, OcspRevokedInfo** info) {
     if (AnyNull(time, info)) return Fail(StatusBadArgument);
     *info = nullptr;
-    Tree<OcspRevokedInfo> record(schema::OcspRevokedInfo);
+    Tree<OcspRevokedInfo> record;
     Status status = record.Create();
     if (status == StatusOk) status = SetOptionalTime(&record->revocationTime, time);
     if (status == StatusOk && reason >= 0) status = SetAsn1Int32Field(&record->revocationReason, reason);
@@ -384,29 +372,25 @@ Status GetOcspSingleResponseExtensions(OcspSingleResponse* single, X509Extension
 
 // --- Lists of basic responses ---
 
-Status CreateOcspBasicResponses(OcspBasicResponses** responses) {
-    return CreateAsn1Object(&schema::OcspBasicResponses, Untyped(responses), 0);
-}
+Status CreateOcspBasicResponses(OcspBasicResponses** responses) { return CreateTree(responses); }
 
 Status CreateOcspBasicResponsesCopy(const OcspBasicResponses* responses, OcspBasicResponses** copy) {
-    return CopyTree(schema::OcspBasicResponses, responses, copy);
+    return CopyTree(responses, copy);
 }
 
 Status DecodeOcspBasicResponses(const uint8_t* bytes, uint32_t length, OcspBasicResponses** responses) {
-    return DecodeTree(schema::OcspBasicResponses, bytes, length, responses);
+    return DecodeTree(bytes, length, responses);
 }
 
 Status EncodeOcspBasicResponses(const OcspBasicResponses* responses, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(responses, &schema::OcspBasicResponses, buffer, length);
+    return EncodeTree(responses, buffer, length);
 }
 
-Status FreeOcspBasicResponses(OcspBasicResponses* responses) {
-    return FreeAsn1Object(&schema::OcspBasicResponses, responses);
-}
+Status FreeOcspBasicResponses(OcspBasicResponses* responses) { return FreeTree(responses); }
 
 Status AddResponseToOcspBasicResponses(OcspBasicResponses* responses, OcspBasicResponse* response) {
     if (AnyNull(responses, response)) return Fail(StatusBadArgument);
-    return AddAsn1ListItem(responses, schema::OcspBasicResponse, response);
+    return AddMember(responses, response);
 }
 
 Status GetOcspBasicResponsesCount(const OcspBasicResponses* responses, uint32_t* count) {

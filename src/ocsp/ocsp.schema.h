@@ -28,14 +28,14 @@ struct OcspCertRequest {
 struct TBSRequest {
     Asn1Value* version;
     X509GeneralName* requestorName;
-    Asn1List* requestList;  // of OcspCertRequest
+    ListOf<OcspCertRequest>* requestList;
     X509ExtensionsCell requestExtensions;
 };
 
 struct OcspSignature {
     AlgorithmIdentifier* signatureAlgorithm;
     Asn1BitString* signature;
-    Asn1List* certs;  // of Certificate
+    Certificates* certs;
 };
 
 struct OcspResponseBytes {
@@ -43,90 +43,17 @@ struct OcspResponseBytes {
     Asn1Value* response;
 };
 
+struct OcspCertStatus : Asn1Choice {};   // good, revoked, unknown
+struct OcspResponderID : Asn1Choice {};  // byName, byKey
+
 struct ResponseData {
     Asn1Value* version;
-    Asn1Choice* responderID;
+    OcspResponderID* responderID;
     Asn1Value* producedAt;
-    Asn1List* responses;  // of OcspSingleResponse
+    ListOf<OcspSingleResponse>* responses;
     X509ExtensionsCell responseExtensions;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item CertID = Sequence<
-    AlgorithmIdentifier, // hashAlgorithm
-    OctetString,         // issuerNameHash
-    OctetString,         // issuerKeyHash
-    Integer>;            // serialNumber
-
-inline constexpr Asn1Item OcspCertRequest = Sequence<
-    CertID,                                 // reqCert
-    Optional<Explicit<0, X509Extensions>>>; // singleRequestExtensions
-
-inline constexpr Asn1Item OcspCertRequests = SequenceOf<OcspCertRequest>;
-
-inline constexpr Asn1Item TBSRequest = Sequence<
-    Explicit<0, Default<Integer, kZero>>,    // version
-    Optional<Explicit<1, X509GeneralName>>,  // requestorName
-    OcspCertRequests,                        // requestList
-    Optional<Explicit<2, X509Extensions>>>;  // requestExtensions
-
-inline constexpr Asn1Item OcspSignature = Sequence<
-    AlgorithmIdentifier,                  // signatureAlgorithm
-    BitString,                            // signature
-    Optional<Explicit<0, Certificates>>>; // certs
-
-inline constexpr Asn1Item OcspRequest = Sequence<
-    TBSRequest,                            // tbsRequest
-    Optional<Explicit<0, OcspSignature>>>; // optionalSignature
-
-inline constexpr Asn1Item OcspResponseBytes = Sequence<
-    ObjectIdentifier, // responseType
-    OctetString>;     // response
-
-inline constexpr Asn1Item OcspResponse = Sequence<
-    Enumerated,                                // responseStatus
-    Optional<Explicit<0, OcspResponseBytes>>>; // responseBytes
-
-inline constexpr Asn1Item OcspRevokedInfo = Sequence<
-    GeneralizedTime,                    // revocationTime
-    Optional<Explicit<0, Enumerated>>>; // revocationReason
-
-inline constexpr Asn1Item OcspCertStatus = Choice<
-    Implicit<0, Null>,            // good
-    Implicit<1, OcspRevokedInfo>, // revoked
-    Implicit<2, Null>>;           // unknown
-
-inline constexpr Asn1Item OcspSingleResponse = Sequence<
-    CertID,                                 // certID
-    OcspCertStatus,                         // certStatus
-    GeneralizedTime,                        // thisUpdate
-    Optional<Explicit<0, GeneralizedTime>>, // nextUpdate
-    Optional<Explicit<1, X509Extensions>>>; // singleExtensions
-
-// A name is kept as it stands: what was signed with it stays what it was.
-inline constexpr Asn1Item OcspResponderID = Choice<
-    Explicit<1, Any>,          // byName
-    Explicit<2, OctetString>>; // byKey
-
-inline constexpr Asn1Item ResponseData = Sequence<
-    Explicit<0, Default<Integer, kZero>>,   // version
-    OcspResponderID,                        // responderID
-    GeneralizedTime,                        // producedAt
-    SequenceOf<OcspSingleResponse>,         // responses
-    Optional<Explicit<1, X509Extensions>>>; // responseExtensions
-
-inline constexpr Asn1Item OcspBasicResponse = Sequence<
-    ResponseData,                         // tbsResponseData
-    AlgorithmIdentifier,                  // signatureAlgorithm
-    BitString,                            // signature
-    Optional<Explicit<0, Certificates>>>; // certs
-
-inline constexpr Asn1Item OcspBasicResponses = SequenceOf<OcspBasicResponse>;
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct OcspRequest {
@@ -141,7 +68,7 @@ struct OcspResponse {
 
 struct OcspSingleResponse {
     tlvforge::CertID* certID;
-    Asn1Choice* certStatus;  // the alternatives are good, revoked, unknown
+    tlvforge::OcspCertStatus* certStatus;
     Asn1Value* thisUpdate;
     Asn1Value* nextUpdate;
     X509ExtensionsCell singleExtensions;
@@ -151,23 +78,78 @@ struct OcspBasicResponse {
     tlvforge::ResponseData* tbsResponseData;
     AlgorithmIdentifier* signatureAlgorithm;
     Asn1BitString* signature;
-    Asn1List* certs;  // of Certificate
+    Certificates* certs;
 };
 
-struct OcspBasicResponses : Asn1List {};  // of OcspBasicResponse
+struct OcspBasicResponses : tlvforge::ListOf<OcspBasicResponse> {};
 
-namespace tlvforge {
+namespace tlvforge::schema {
+// clang-format off
 
-static_assert(sizeof(::OcspRevokedInfo) == schema::OcspRevokedInfo.valueSize);
-static_assert(sizeof(CertID) == schema::CertID.valueSize);
-static_assert(sizeof(OcspCertRequest) == schema::OcspCertRequest.valueSize);
-static_assert(sizeof(TBSRequest) == schema::TBSRequest.valueSize);
-static_assert(sizeof(OcspSignature) == schema::OcspSignature.valueSize);
-static_assert(sizeof(::OcspRequest) == schema::OcspRequest.valueSize);
-static_assert(sizeof(OcspResponseBytes) == schema::OcspResponseBytes.valueSize);
-static_assert(sizeof(::OcspResponse) == schema::OcspResponse.valueSize);
-static_assert(sizeof(::OcspSingleResponse) == schema::OcspSingleResponse.valueSize);
-static_assert(sizeof(ResponseData) == schema::ResponseData.valueSize);
-static_assert(sizeof(::OcspBasicResponse) == schema::OcspBasicResponse.valueSize);
+template <> struct Schema<CertID> : Record<
+    Field<&CertID::hashAlgorithm, AlgorithmIdentifier>,
+    Field<&CertID::issuerNameHash, OctetString>,
+    Field<&CertID::issuerKeyHash, OctetString>,
+    Field<&CertID::serialNumber, Integer>> {};
 
-}  // namespace tlvforge
+template <> struct Schema<OcspCertRequest> : Record<
+    Field<&OcspCertRequest::reqCert, CertID>,
+    Field<&OcspCertRequest::singleRequestExtensions, Optional<Explicit<0, X509ExtensionList>>>> {};
+
+template <> struct Schema<TBSRequest> : Record<
+    Field<&TBSRequest::version, Explicit<0, Default<Integer, kZero>>>,
+    Field<&TBSRequest::requestorName, Optional<Explicit<1, X509GeneralName>>>,
+    Field<&TBSRequest::requestList, SequenceOf<OcspCertRequest>>,
+    Field<&TBSRequest::requestExtensions, Optional<Explicit<2, X509ExtensionList>>>> {};
+
+template <> struct Schema<OcspSignature> : Record<
+    Field<&OcspSignature::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&OcspSignature::signature, BitString>,
+    Field<&OcspSignature::certs, Optional<Explicit<0, Certificates>>>> {};
+
+template <> struct Schema<OcspRequest> : Record<
+    Field<&OcspRequest::tbsRequest, TBSRequest>,
+    Field<&OcspRequest::optionalSignature, Optional<Explicit<0, OcspSignature>>>> {};
+
+template <> struct Schema<OcspResponseBytes> : Record<
+    Field<&OcspResponseBytes::responseType, ObjectIdentifier>,
+    Field<&OcspResponseBytes::response, OctetString>> {};
+
+template <> struct Schema<OcspResponse> : Record<
+    Field<&OcspResponse::responseStatus, Enumerated>,
+    Field<&OcspResponse::responseBytes, Optional<Explicit<0, OcspResponseBytes>>>> {};
+
+template <> struct Schema<OcspRevokedInfo> : Record<
+    Field<&OcspRevokedInfo::revocationTime, GeneralizedTime>,
+    Field<&OcspRevokedInfo::revocationReason, Optional<Explicit<0, Enumerated>>>> {};
+
+template <> struct Schema<OcspCertStatus> : Choice<
+    Implicit<0, Null>,            // good
+    Implicit<1, OcspRevokedInfo>, // revoked
+    Implicit<2, Null>> {};  // unknown
+
+template <> struct Schema<OcspSingleResponse> : Record<
+    Field<&OcspSingleResponse::certID, CertID>,
+    Field<&OcspSingleResponse::certStatus, OcspCertStatus>,
+    Field<&OcspSingleResponse::thisUpdate, GeneralizedTime>,
+    Field<&OcspSingleResponse::nextUpdate, Optional<Explicit<0, GeneralizedTime>>>,
+    Field<&OcspSingleResponse::singleExtensions, Optional<Explicit<1, X509ExtensionList>>>> {};  // A name is kept as it stands: what was signed with it stays what it was.
+template <> struct Schema<OcspResponderID> : Choice<
+    Explicit<1, Any>,          // byName
+    Explicit<2, OctetString>> {};  // byKey
+
+template <> struct Schema<ResponseData> : Record<
+    Field<&ResponseData::version, Explicit<0, Default<Integer, kZero>>>,
+    Field<&ResponseData::responderID, OcspResponderID>,
+    Field<&ResponseData::producedAt, GeneralizedTime>,
+    Field<&ResponseData::responses, SequenceOf<OcspSingleResponse>>,
+    Field<&ResponseData::responseExtensions, Optional<Explicit<1, X509ExtensionList>>>> {};
+
+template <> struct Schema<OcspBasicResponse> : Record<
+    Field<&OcspBasicResponse::tbsResponseData, ResponseData>,
+    Field<&OcspBasicResponse::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&OcspBasicResponse::signature, BitString>,
+    Field<&OcspBasicResponse::certs, Optional<Explicit<0, Certificates>>>> {};
+
+template <> struct Schema<OcspBasicResponses> : SequenceOf<OcspBasicResponse> {};  // clang-format on
+}  // namespace tlvforge::schema

@@ -45,7 +45,8 @@ Status ReadAlgorithm(const AlgorithmIdentifier* field, const Output& oid, const 
                      Place place = Place::Here());
 
 // The certificates beside a signature. Adding makes the list; the list owns the certificate on success only.
-Status AddCertificate(Asn1List** certs, Certificate* certificate, Place place = Place::Here());
-Status LendCertificate(const Asn1List* certs, uint32_t index, Certificate** certificate, Place place = Place::Here());
+Status AddCertificate(Certificates** certs, Certificate* certificate, Place place = Place::Here());
+Status LendCertificate(const Certificates* certs, uint32_t index, Certificate** certificate,
+                       Place place = Place::Here());
 
 }  // namespace tlvforge

@@ -5,6 +5,7 @@
 #include "engine/oids.h"
 #include "engine/outputs.h"
 #include "tsp/timestamp.schema.h"
+#include "x509/algorithm.h"
 #include "x509/list_cells.h"
 
 using namespace tlvforge;
@@ -65,9 +66,9 @@ Status MoveOut(T** field, T** out) {
     return StatusOk;
 }
 
-Status MoveExtensionsOut(Asn1List** field, X509Extensions* out) {
+Status MoveExtensionsOut(X509ExtensionList** field, X509Extensions* out) {
     if (AnyNull(out, *field)) return StatusOk;
-    Tree<Asn1List> list(schema::X509Extensions, *field);
+    Tree<X509ExtensionList> list(*field);
     *field = nullptr;
     return WrapInCell(&list, out, Place::Here());
 }
@@ -96,7 +97,7 @@ Status SetPart(Asn1Value** field, uint32_t part) { return part == 0 ? StatusOk :
 
 Status WriteAccuracy(AccuracyParts** field, const Accuracy* accuracy) {
     if (IsAccuracyNull(accuracy) != 0) return StatusOk;
-    Status status = CreateOptionalAsn1Sequence(&schema::OptionalAccuracy, Untyped(field), 0);
+    Status status = CreateOptionalAsn1Sequence(&itemOf<schema::Optional<AccuracyParts>>, Untyped(field), 0);
     if (status == StatusOk) status = SetPart(&(*field)->seconds, accuracy->seconds);
     if (status == StatusOk) status = SetPart(&(*field)->millis, accuracy->milliseconds);
     if (status == StatusOk) status = SetPart(&(*field)->micros, accuracy->microseconds);
@@ -105,12 +106,12 @@ Status WriteAccuracy(AccuracyParts** field, const Accuracy* accuracy) {
 
 // A name without a value is 32, by the copy.
 Status CopyName(const X509GeneralName* source, X509GeneralName** field) {
-    return source == nullptr ? StatusOk : CopyTree(schema::X509GeneralName, source, field);
+    return source == nullptr ? StatusOk : CopyTree(source, field);
 }
 
 // An empty cell is 32, by the copy.
-Status CopyExtensions(X509Extensions source, Asn1List** field) {
-    return source == nullptr ? StatusOk : CopyTree(schema::X509Extensions, source->list, field);
+Status CopyExtensions(X509Extensions source, X509ExtensionList** field) {
+    return source == nullptr ? StatusOk : CopyTree(source->list, field);
 }
 
 }  // namespace
@@ -120,7 +121,7 @@ Status EncodeTimeStampReq(uint32_t version, const uint8_t* hashOid, const uint8_
                           uint32_t /*policyOidLength*/, const uint8_t* nonce, uint32_t nonceLength, uint32_t certReq,
                           X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(hashOid, hash, length)) return Fail(StatusBadArgument);
-    Tree<TimeStampReq> request(schema::TimeStampReq);
+    Tree<TimeStampReq> request;
     Status status = request.Create();
     if (status == StatusOk) status = SetNumber(&request->version, version);
     if (status != StatusOk) return status;
@@ -144,7 +145,7 @@ Status DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* versio
         return Fail(StatusBadArgument);
     }
     *extensions = nullptr;
-    Tree<TimeStampReq> request(schema::TimeStampReq);
+    Tree<TimeStampReq> request;
     const Status status = request.Decode(bytes, length);
     if (status != StatusOk) return status;
     FieldOutputs outputs;
@@ -161,13 +162,13 @@ Status DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* versio
 Status EncodeTimeStampResp(uint32_t status, const PKIFreeText* statusString, uint32_t failInfo,
                            const CmsContentInfo* token, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    const Tree<Asn1Value> number(schema::Integer, AllocAsn1Integer(static_cast<int32_t>(status)));
-    const Tree<Asn1BitString> flags(schema::BitString, failInfo == 0 ? nullptr : AllocAsn1BitStringFromFlags(failInfo));
+    const Tree<schema::Integer> number(AllocAsn1Integer(static_cast<int32_t>(status)));
+    const Tree<schema::BitString> flags(failInfo == 0 ? nullptr : AllocAsn1BitStringFromFlags(failInfo));
     if (!number || (failInfo != 0 && !flags)) return Fail(StatusOutOfMemory);
     // The encoder only reads what is borrowed.
     PKIStatusInfo info = {number.Get(), const_cast<PKIFreeText*>(statusString), flags.Get()};
     const TimeStampResp response = {&info, const_cast<CmsContentInfo*>(token)};
-    return GetAsn1EncodedValue(&response, &schema::TimeStampResp, buffer, length);
+    return EncodeTree(&response, buffer, length);
 }
 
 Status DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* status, PKIFreeText** statusString,
@@ -175,7 +176,7 @@ Status DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* statu
     if (AnyNull(bytes, status, statusString, failInfo, token) || length == 0) return Fail(StatusBadArgument);
     *statusString = nullptr;
     *token = nullptr;
-    Tree<TimeStampResp> response(schema::TimeStampResp);
+    Tree<TimeStampResp> response;
     const Status result = response.Decode(bytes, length);
     if (result != StatusOk) return result;
     PKIStatusInfo* info = response->status;
@@ -193,7 +194,7 @@ Status EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const uint8_t* 
                      uint32_t ordering, const uint8_t* nonce, uint32_t nonceLength, const X509GeneralName* tsa,
                      X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(hashOid, hash, serial, genTime, length)) return Fail(StatusBadArgument);
-    Tree<TSTInfo> info(schema::TSTInfo);
+    Tree<TSTInfo> info;
     Status status = info.Create();
     if (status == StatusOk) status = SetNumber(&info->version, version);
     // A null OID is reported like a lack of memory, and so is a time without a text: callers depend on both.
@@ -223,7 +224,7 @@ Status DecodeTSTInfo(const uint8_t* bytes, uint32_t length, int32_t* version, ui
     if (bytes == nullptr || length == 0) return Fail(StatusBadArgument);
     SetToNull(tsa);
     SetToNull(extensions);
-    Tree<TSTInfo> info(schema::TSTInfo);
+    Tree<TSTInfo> info;
     const Status status = info.Decode(bytes, length);
     if (status != StatusOk) return status;
     FieldOutputs outputs;

@@ -3,7 +3,7 @@
 
 #include "cms/cms.schema.h"
 #include "names/names.schema.h"
-#include "x509/algorithm.h"
+#include "x509/algorithm.schema.h"
 #include "x509/extension.schema.h"
 
 namespace tlvforge {
@@ -19,7 +19,7 @@ struct TimeStampReq {
     Asn1Value* reqPolicy;
     Asn1Value* nonce;
     Asn1Value* certReq;
-    Asn1List* extensions;  // of X509Extension
+    X509ExtensionList* extensions;
 };
 
 struct PKIStatusInfo {
@@ -49,58 +49,48 @@ struct TSTInfo {
     Asn1Value* ordering;
     Asn1Value* nonce;
     X509GeneralName* tsa;
-    Asn1List* extensions;  // of X509Extension
+    X509ExtensionList* extensions;
 };
 
 namespace schema {
 // clang-format off
 
-inline constexpr Asn1Item MessageImprint = Sequence<
-    AlgorithmIdentifier, // hashAlgorithm
-    OctetString>;        // hashedMessage
+template <> struct Schema<MessageImprint> : Record<
+    Field<&MessageImprint::hashAlgorithm, AlgorithmIdentifier>,
+    Field<&MessageImprint::hashedMessage, OctetString>> {};
 
-inline constexpr Asn1Item TimeStampReq = Sequence<
-    Integer,                                // version
-    MessageImprint,                         // messageImprint
-    Optional<ObjectIdentifier>,             // reqPolicy
-    Optional<Integer>,                      // nonce
-    Default<Boolean, kFalse>,               // certReq
-    Optional<Implicit<0, X509Extensions>>>; // extensions
+template <> struct Schema<TimeStampReq> : Record<
+    Field<&TimeStampReq::version, Integer>,
+    Field<&TimeStampReq::messageImprint, MessageImprint>,
+    Field<&TimeStampReq::reqPolicy, Optional<ObjectIdentifier>>,
+    Field<&TimeStampReq::nonce, Optional<Integer>>,
+    Field<&TimeStampReq::certReq, Default<Boolean, kFalse>>,
+    Field<&TimeStampReq::extensions, Optional<Implicit<0, X509ExtensionList>>>> {};
 
-inline constexpr Asn1Item PKIStatusInfo = Sequence<
-    Integer,               // status
-    Optional<PKIFreeText>, // statusString
-    Optional<BitString>>;  // failInfo
+template <> struct Schema<PKIStatusInfo> : Record<
+    Field<&PKIStatusInfo::status, Integer>,
+    Field<&PKIStatusInfo::statusString, Optional<PKIFreeText>>,
+    Field<&PKIStatusInfo::failInfo, Optional<BitString>>> {};
 
-inline constexpr Asn1Item TimeStampResp = Sequence<
-    PKIStatusInfo,             // status
-    Optional<CmsContentInfo>>; // timeStampToken
+template <> struct Schema<TimeStampResp> : Record<
+    Field<&TimeStampResp::status, PKIStatusInfo>,
+    Field<&TimeStampResp::timeStampToken, Optional<CmsContentInfo>>> {};
 
-inline constexpr Asn1Item OptionalAccuracy = Optional<Sequence<
-    Optional<Integer>,                // seconds
-    Optional<Implicit<0, Integer>>,   // millis
-    Optional<Implicit<1, Integer>>>>; // micros
+template <> struct Schema<AccuracyParts> : Record<
+    Field<&AccuracyParts::seconds, Optional<Integer>>,
+    Field<&AccuracyParts::millis, Optional<Implicit<0, Integer>>>,
+    Field<&AccuracyParts::micros, Optional<Implicit<1, Integer>>>> {};
 
-inline constexpr Asn1Item TSTInfo = Sequence<
-    Integer,                                // version
-    ObjectIdentifier,                       // policy
-    MessageImprint,                         // messageImprint
-    Integer,                                // serialNumber
-    GeneralizedTime,                        // genTime
-    OptionalAccuracy,                       // accuracy
-    Default<Boolean, kFalse>,               // ordering
-    Optional<Integer>,                      // nonce
-    Optional<Explicit<0, X509GeneralName>>, // tsa
-    Optional<Implicit<1, X509Extensions>>>; // extensions
-
-// clang-format on
+template <> struct Schema<TSTInfo> : Record<
+    Field<&TSTInfo::version, Integer>,
+    Field<&TSTInfo::policy, ObjectIdentifier>,
+    Field<&TSTInfo::messageImprint, MessageImprint>,
+    Field<&TSTInfo::serialNumber, Integer>,
+    Field<&TSTInfo::genTime, GeneralizedTime>,
+    Field<&TSTInfo::accuracy, Optional<AccuracyParts>>,
+    Field<&TSTInfo::ordering, Default<Boolean, kFalse>>,
+    Field<&TSTInfo::nonce, Optional<Integer>>,
+    Field<&TSTInfo::tsa, Optional<Explicit<0, X509GeneralName>>>,
+    Field<&TSTInfo::extensions, Optional<Implicit<1, X509ExtensionList>>>> {};  // clang-format on
 }  // namespace schema
-
-static_assert(sizeof(MessageImprint) == schema::MessageImprint.valueSize);
-static_assert(sizeof(TimeStampReq) == schema::TimeStampReq.valueSize);
-static_assert(sizeof(PKIStatusInfo) == schema::PKIStatusInfo.valueSize);
-static_assert(sizeof(TimeStampResp) == schema::TimeStampResp.valueSize);
-static_assert(sizeof(AccuracyParts) == schema::OptionalAccuracy.valueSize);
-static_assert(sizeof(TSTInfo) == schema::TSTInfo.valueSize);
-
 }  // namespace tlvforge

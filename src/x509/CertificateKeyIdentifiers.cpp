@@ -85,7 +85,7 @@ Status GetCertificateAuthorityKeyIdentifier2(const Certificate* certificate, uin
     const Status status =
         GetCertificateAuthorityKeyIdentifier(certificate, keyId, keyIdLength, &names, serial, serialLength);
     if (names == nullptr) return status;
-    const Tree<X509GeneralNames> owner(schema::X509GeneralNames, names);
+    const Tree<X509GeneralNames> owner(names);
     const Status nameStatus = GetX509NameFromGeneralNames(names, issuer);
     return status != StatusOk ? status : nameStatus;
 }

@@ -14,8 +14,8 @@ Field* FieldOf(const Certificate* certificate, Field* TBSCertificate::*field) {
     return certificate->tbsCertificate == nullptr ? nullptr : certificate->tbsCertificate->*field;
 }
 
-using NameField = Asn1Choice* TBSCertificate::*;
-using TimeField = Asn1Choice* Validity::*;
+using NameField = Name* TBSCertificate::*;
+using TimeField = Time* Validity::*;
 using BitStringField = Asn1BitString* TBSCertificate::*;
 
 Status GetName(Certificate* certificate, NameField field, X509Name** name, Place place = Place::Here()) {
@@ -33,7 +33,7 @@ Status AdoptName(Certificate* certificate, NameField field, X509Name* name, Plac
     return MoveNameInto(FieldOf(certificate, field), name, place);
 }
 
-Asn1Choice* TimeOf(const Certificate* certificate, TimeField field) {
+Time* TimeOf(const Certificate* certificate, TimeField field) {
     const Validity* validity = FieldOf(certificate, &TBSCertificate::validity);
     return validity == nullptr ? nullptr : validity->*field;
 }
@@ -63,7 +63,7 @@ Status SetUniqueId(Certificate* certificate, BitStringField field, const uint8_t
     if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent, place);
     Asn1BitString** uniqueId = &(certificate->tbsCertificate->*field);
     if (bytes != nullptr) return ReplaceBitString(uniqueId, bytes, length, unusedBits, place);
-    FreeField(schema::BitString, uniqueId);
+    FreeField(uniqueId);
     return StatusOk;
 }
 
@@ -237,10 +237,10 @@ Status SetCertificateExtensions(Certificate* certificate, X509Extensions source)
     if (AnyNull(certificate, source)) return Fail(StatusBadArgument);
     if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
     // Copied first: the source may be the certificate's own.
-    Tree<Asn1List> copy(schema::X509Extensions);
+    Tree<X509ExtensionList> copy;
     const Status status = source->list == nullptr ? StatusOk : copy.CopyOf(source->list);
-    Asn1List** list = &certificate->tbsCertificate->extensions.list;
-    FreeField(schema::X509Extensions, list);
+    X509ExtensionList** list = &certificate->tbsCertificate->extensions.list;
+    FreeField(list);
     *list = copy.Take();
     return status;
 }

@@ -65,9 +65,9 @@ Status SetPKCS10CertReqAttributes(PKCS10CertReq* request, RsaAttributes source) 
     Status status = GetPKCS10CertReqAttributes(request, &attributes);
     if (status != StatusOk) return status;
     // Copied first: the source may be the request's own.
-    Tree<Asn1List> copy(schema::RsaAttributes);
+    Tree<RsaAttributeList> copy;
     status = copy.CopyOf(source->list);
-    FreeField(schema::RsaAttributes, &attributes->list);
+    FreeField(&attributes->list);
     attributes->list = copy.Take();
     return status;
 }

@@ -153,12 +153,12 @@ Status EncodeExtensionOcspRequestDocuments(uint32_t value, uint8_t* buffer, uint
 }
 
 Status DecodeExtensionRequestBlockingDate(const uint8_t* data, uint32_t length, LibraryTime* from, LibraryTime* to) {
-    return DecodeTimePair(schema::RequestBlockingDate, data, length, from, to);
+    return DecodeTimePair(data, length, from, to);
 }
 
 Status EncodeExtensionRequestBlockingDate(const LibraryTime* from, const LibraryTime* to, uint8_t* buffer,
                                           uint32_t* length) {
-    return EncodeTimePair(schema::RequestBlockingDate, from, to, buffer, length);
+    return EncodeTimePair(from, to, buffer, length);
 }
 
 // --- Several fields ---
@@ -170,7 +170,7 @@ Status DecodeExtensionIssuerSignTool(const uint8_t* data, uint32_t length, uint8
     if (AnyNull(data, signToolLength, cAToolLength, signToolCert, cAToolCertLength) || length == 0) {
         return Fail(StatusBadArgument);
     }
-    Tree<IssuerSignTool> tools(schema::IssuerSignTool);
+    Tree<IssuerSignTool> tools;
     const Status status = tools.Decode(data, length);
     if (status != StatusOk) return status;
     return ReadFields({{tools->signTool, signTool, signToolLength},
@@ -185,16 +185,16 @@ Status EncodeExtensionIssuerSignTool(const uint8_t* signTool, uint32_t signToolL
                                      const uint8_t* cAToolCert, uint32_t cAToolCertLength, uint8_t* buffer,
                                      uint32_t* length) {
     if (AnyNull(signTool, cATool, signToolCert, cAToolCert, length)) return Fail(StatusBadArgument);
-    return GetAsn1EncodedValue(
+    return EncodeTree(
         AddressOf(IssuerSignTool{Text(signTool, signToolLength), Text(cATool, cAToolLength),
                                  Text(signToolCert, signToolCertLength), Text(cAToolCert, cAToolCertLength)}),
-        &schema::IssuerSignTool, buffer, length);
+        buffer, length);
 }
 
 Status DecodeExtensionKeyStorage(const uint8_t* data, uint32_t length, int32_t* code, uint8_t* text,
                                  uint32_t* textLength) {
     if (AnyNull(data, code, textLength)) return Fail(StatusBadArgument);
-    Tree<KeyStorage> storage(schema::KeyStorage);
+    Tree<KeyStorage> storage;
     const Status status = storage.Decode(data, length);
     if (status != StatusOk) return status;
     return ReadFields({{storage->code, code}, {storage->text, text, textLength}});
@@ -202,13 +202,13 @@ Status DecodeExtensionKeyStorage(const uint8_t* data, uint32_t length, int32_t* 
 
 Status EncodeExtensionKeyStorage(uint32_t code, const uint8_t* text, uint32_t textLength, uint8_t* buffer,
                                  uint32_t* length) {
-    return GetAsn1EncodedValue(AddressOf(KeyStorage{Code(code), Text(textLength != 0 ? text : nullptr, textLength)}),
-                               &schema::KeyStorage, buffer, length);
+    return EncodeTree(AddressOf(KeyStorage{Code(code), Text(textLength != 0 ? text : nullptr, textLength)}), buffer,
+                      length);
 }
 
 Status DecodeExtensionOcspCheckTime2(const uint8_t* data, uint32_t length, int32_t* code, LibraryTime* time) {
     if (AnyNull(data, time)) return Fail(StatusBadArgument);
-    Tree<OcspCheckTime2> check(schema::OcspCheckTime2);
+    Tree<OcspCheckTime2> check;
     const Status status = check.Decode(data, length);
     if (status != StatusOk) return status;
     const Status codeStatus = GetAsn1Int32(check->code, code);
@@ -218,7 +218,7 @@ Status DecodeExtensionOcspCheckTime2(const uint8_t* data, uint32_t length, int32
 
 Status EncodeExtensionOcspCheckTime2(uint32_t code, const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<OcspCheckTime2> check(schema::OcspCheckTime2);
+    Tree<OcspCheckTime2> check;
     Status status = check.Create();
     if (status == StatusOk) status = SetAsn1Int32Field(&check->code, static_cast<int32_t>(code));
     if (status == StatusOk) status = SetOptionalTime(&check->time, time);
@@ -229,7 +229,7 @@ Status DecodeExtensionOcspCheckKeyMeshRegistry(const uint8_t* data, uint32_t len
                                                uint32_t* firstNameLength, uint8_t* secondName,
                                                uint32_t* secondNameLength, uint32_t* hasCode, int32_t* code) {
     if (AnyNull(data, firstNameLength, secondNameLength, hasCode, code) || length == 0) return Fail(StatusBadArgument);
-    Tree<OcspCheckKeyMeshRegistry> registry(schema::OcspCheckKeyMeshRegistry);
+    Tree<OcspCheckKeyMeshRegistry> registry;
     const Status status = registry.Decode(data, length);
     if (status != StatusOk) return status;
     return ReadFields({{registry->firstName, firstName, firstNameLength},
@@ -241,10 +241,9 @@ Status EncodeExtensionOcspCheckKeyMeshRegistry(const uint8_t* firstName, uint32_
                                                const uint8_t* secondName, uint32_t secondNameLength, int32_t hasCode,
                                                uint32_t code, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(firstName, secondName, length)) return Fail(StatusBadArgument);
-    return GetAsn1EncodedValue(
-        AddressOf(OcspCheckKeyMeshRegistry{Text(firstName, firstNameLength), Text(secondName, secondNameLength),
-                                           Code(code, hasCode != 0)}),
-        &schema::OcspCheckKeyMeshRegistry, buffer, length);
+    return EncodeTree(AddressOf(OcspCheckKeyMeshRegistry{Text(firstName, firstNameLength),
+                                                         Text(secondName, secondNameLength), Code(code, hasCode != 0)}),
+                      buffer, length);
 }
 
 Status DecodeExtensionOcspCheckFile(const uint8_t* data, uint32_t length, uint8_t* fileData, uint32_t* fileDataLength,
@@ -256,7 +255,7 @@ Status DecodeExtensionOcspCheckFile(const uint8_t* data, uint32_t length, uint8_
                 fileText2Length)) {
         return Fail(StatusBadArgument);
     }
-    Tree<OcspCheckFile> file(schema::OcspCheckFile);
+    Tree<OcspCheckFile> file;
     const Status status = file.Decode(data, length);
     if (status != StatusOk) return status;
     return ReadFields({{file->fileData, fileData, fileDataLength},
@@ -275,36 +274,31 @@ Status EncodeExtensionOcspCheckFile(const uint8_t* fileData, uint32_t fileDataLe
                                     uint32_t fileText1Length, const uint8_t* fileText2, uint32_t fileText2Length,
                                     int32_t hasFileCode2, uint32_t fileCode2, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(fileData, length)) return Fail(StatusBadArgument);
-    return GetAsn1EncodedValue(
-        AddressOf(OcspCheckFile{Octets(fileData, fileDataLength), Octets(fileExtra1, fileExtra1Length),
-                                Octets(fileExtra2, fileExtra2Length), Code(fileCode, hasFileCode != 0),
-                                Text(fileText1, fileText1Length), Text(fileText2, fileText2Length),
-                                Code(fileCode2, hasFileCode2 != 0)}),
-        &schema::OcspCheckFile, buffer, length);
+    return EncodeTree(AddressOf(OcspCheckFile{Octets(fileData, fileDataLength), Octets(fileExtra1, fileExtra1Length),
+                                              Octets(fileExtra2, fileExtra2Length), Code(fileCode, hasFileCode != 0),
+                                              Text(fileText1, fileText1Length), Text(fileText2, fileText2Length),
+                                              Code(fileCode2, hasFileCode2 != 0)}),
+                      buffer, length);
 }
 
 // --- Stores ---
 
-Status CreateExtensionStoreCertificates(ExtensionStoreCertificates** out) {
-    return CreateAsn1Object(&schema::StoreCertificates, Untyped(out), 0);
-}
+Status CreateExtensionStoreCertificates(ExtensionStoreCertificates** out) { return CreateTree(out); }
 
 Status DecodeExtensionStoreCertificates(const uint8_t* data, uint32_t length, ExtensionStoreCertificates** out) {
-    return DecodeTree(schema::StoreCertificates, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeExtensionStoreCertificates(const ExtensionStoreCertificates* list, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::StoreCertificates, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeExtensionStoreCertificates(ExtensionStoreCertificates* list) {
-    return FreeAsn1Object(&schema::StoreCertificates, list);
-}
+Status FreeExtensionStoreCertificates(ExtensionStoreCertificates* list) { return FreeTree(list); }
 
 Status AddExtensionStoreCertificates(ExtensionStoreCertificates* list, uint32_t type, const uint8_t* data,
                                      uint32_t dataLength) {
     if (AnyNull(list, data)) return Fail(StatusBadArgument);
-    Tree<StoreEntry> entry(schema::StoreEntry);
+    Tree<StoreEntry> entry;
     const Status status = entry.CopyOf(AddressOf(StoreEntry{Code(type), Octets(data, dataLength)}));
     return status == StatusOk ? entry.MoveTo(list) : status;
 }
@@ -324,34 +318,30 @@ Status GetExtensionStoreCertificatesCount(const ExtensionStoreCertificates* list
 }
 
 Status RemoveExtensionStoreCertificates(ExtensionStoreCertificates* list, uint32_t index) {
-    return RemoveListMember(list, index, schema::StoreEntry);
+    return RemoveListMember(list, index);
 }
 
 // --- Extended results of a file check ---
 
-Status CreateExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults** out) {
-    return CreateAsn1Object(&schema::OcspCheckFileExtResults, Untyped(out), 0);
-}
+Status CreateExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults** out) { return CreateTree(out); }
 
 Status DecodeExtensionOcspCheckFileExtResults(const uint8_t* data, uint32_t length,
                                               ExtensionOcspCheckFileExtResults** out) {
-    return DecodeTree(schema::OcspCheckFileExtResults, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeExtensionOcspCheckFileExtResults(const ExtensionOcspCheckFileExtResults* list, uint8_t* buffer,
                                               uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::OcspCheckFileExtResults, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* list) {
-    return FreeAsn1Object(&schema::OcspCheckFileExtResults, list);
-}
+Status FreeExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* list) { return FreeTree(list); }
 
 Status AddExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* list, uint32_t code, const uint8_t* text,
                                            uint32_t textLength, uint32_t status, const LibraryTime* time,
                                            ExtensionStoreCertificates* certificates, X509GeneralNames* names) {
     if (AnyNull(list, text)) return Fail(StatusBadArgument);
-    Tree<OcspCheckFileExtResult> result(schema::OcspCheckFileExtResult);
+    Tree<OcspCheckFileExtResult> result;
     Status made = result.CopyOf(
         AddressOf(OcspCheckFileExtResult{Code(code), Text(text, textLength), Code(status), nullptr, nullptr, nullptr}));
     if (made == StatusOk) made = SetOptionalTime(&result->time, IsLibraryTimeNull(time) == 0 ? time : nullptr);
@@ -385,7 +375,7 @@ Status GetExtensionOcspCheckFileExtResultsCount(const ExtensionOcspCheckFileExtR
 }
 
 Status RemoveExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* list, uint32_t index) {
-    return RemoveListMember(list, index, schema::OcspCheckFileExtResult);
+    return RemoveListMember(list, index);
 }
 
 // --- One function under several names ---

@@ -23,21 +23,21 @@ Status MakeAttribute(const uint8_t* oid, Tree<RsaAttribute>* attribute) {
 
 }  // namespace
 
-Status CreateRsaAttributes(RsaAttributes* out) { return CreateCell(schema::RsaAttributes, out); }
+Status CreateRsaAttributes(RsaAttributes* out) { return CreateCell(out); }
 
-Status FreeRsaAttributes(RsaAttributes attributes) { return FreeCell(schema::RsaAttributes, attributes); }
+Status FreeRsaAttributes(RsaAttributes attributes) { return FreeCell(attributes); }
 
 Status DecodeRsaAttributes(const uint8_t* data, uint32_t length, RsaAttributes* out) {
-    return DecodeCell(schema::RsaAttributes, data, length, out);
+    return DecodeCell(data, length, out);
 }
 
 Status EncodeRsaAttributes(RsaAttributes attributes, uint8_t* buffer, uint32_t* length) {
-    return EncodeCell(schema::RsaAttributes, attributes, buffer, length);
+    return EncodeCell(attributes, buffer, length);
 }
 
-Status ClearRsaAttributes(RsaAttributes attributes) { return ClearCell(schema::RsaAttributes, attributes); }
+Status ClearRsaAttributes(RsaAttributes attributes) { return ClearCell(attributes); }
 
-Status RemoveRsaAttributes(RsaAttributes attributes) { return EmptyCell(schema::RsaAttributes, attributes); }
+Status RemoveRsaAttributes(RsaAttributes attributes) { return EmptyCell(attributes); }
 
 Status SetRsaAttributesSorted(RsaAttributes attributes, uint32_t sorted) { return SetCellSorted(attributes, sorted); }
 
@@ -75,7 +75,7 @@ Status FindRsaAttributesAttribute(RsaAttributes attributes, const uint8_t* oid, 
 
 Status AddRsaAttributesAttribute(RsaAttributes attributes, const uint8_t* oid, uint32_t* index) {
     if (AnyNull(attributes, oid, index)) return Fail(StatusBadArgument);
-    Tree<RsaAttribute> attribute(schema::RsaAttribute);
+    Tree<RsaAttribute> attribute;
     Status status = NeedList(&attributes->list);
     if (status == StatusOk) status = MakeAttribute(oid, &attribute);
     if (status == StatusOk) status = attribute.MoveTo(attributes->list);
@@ -104,7 +104,7 @@ Status AppendRsaAttributes(RsaAttributes attributes, RsaAttributes source) {
     // Counted first, and read anew for each member: the source may be the very list that grows.
     const uint32_t count = source->list->count;
     for (uint32_t i = 0; i < count; ++i) {
-        Tree<RsaAttribute> copy(schema::RsaAttribute);
+        Tree<RsaAttribute> copy;
         Status status = copy.CopyOf(static_cast<const RsaAttribute*>(source->list->items[i]));
         if (status == StatusOk) status = copy.MoveTo(attributes->list);
         if (status != StatusOk) return status;
@@ -117,7 +117,7 @@ Status RemoveRsaAttributesAttribute2(RsaAttributes attributes, const uint8_t* oi
     if (attributes->list == nullptr) return Fail(StatusAbsent);
     for (uint32_t i = attributes->list->count; i-- > 0;) {
         if (!HasOid(attributes->list, i, &RsaAttribute::type, oid)) continue;
-        const Status status = RemoveAsn1ListItem(attributes->list, i, schema::RsaAttribute);
+        const Status status = RemoveMember(attributes->list, i);
         if (status != StatusOk) return status;
     }
     return StatusOk;
@@ -125,21 +125,21 @@ Status RemoveRsaAttributesAttribute2(RsaAttributes attributes, const uint8_t* oi
 
 Status CreateRsaAttribute(RsaAttribute** out, const uint8_t* oid, const uint8_t* value, uint32_t length) {
     if (AnyNull(out, oid, value)) return Fail(StatusBadArgument);
-    Tree<RsaAttribute> attribute(schema::RsaAttribute);
+    Tree<RsaAttribute> attribute;
     Status status = MakeAttribute(oid, &attribute);
     if (status == StatusOk) status = AddRsaAttributeValue(attribute.Get(), value, length);
     *out = status == StatusOk ? attribute.Take() : nullptr;
     return status;
 }
 
-Status FreeRsaAttribute(RsaAttribute* attribute) { return FreeAsn1Object(&schema::RsaAttribute, attribute); }
+Status FreeRsaAttribute(RsaAttribute* attribute) { return FreeTree(attribute); }
 
 Status DecodeRsaAttribute(const uint8_t* data, uint32_t length, RsaAttribute** out) {
-    return DecodeTree(schema::RsaAttribute, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeRsaAttribute(const RsaAttribute* attribute, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(attribute, &schema::RsaAttribute, buffer, length);
+    return EncodeTree(attribute, buffer, length);
 }
 
 Status GetRsaAttributeOid(const RsaAttribute* attribute, uint8_t* oid, uint32_t* length) {
@@ -167,6 +167,6 @@ Status AddRsaAttributeValue(RsaAttribute* attribute, const uint8_t* value, uint3
     const Status status = NeedList(&attribute->values);
     if (status != StatusOk) return status;
     // The type is that of the low tag form, also where the value has another form or no bytes at all.
-    Tree<Asn1Any> any(schema::Any, AllocAsn1Any(length == 0 ? 0 : value[0] & 31u, value, length));
+    Tree<schema::Any> any(AllocAsn1Any(length == 0 ? 0 : value[0] & 31u, value, length));
     return any ? any.MoveTo(attribute->values) : Fail(StatusOutOfMemory);
 }

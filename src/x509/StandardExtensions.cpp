@@ -13,21 +13,16 @@ using namespace tlvforge;
 
 namespace tlvforge {
 
-Status RemoveListMember(Asn1List* list, uint32_t index, const Asn1Item& item, Place place) {
-    if (list == nullptr) return Fail(StatusBadArgument, place);
-    return RemoveAsn1ListItem(list, index, item);
-}
-
 Status DecodeEnumerated(const uint8_t* data, uint32_t length, int32_t* number) {
     if (AnyNull(data, number)) return Fail(StatusBadArgument);
-    Tree<Asn1Value> value(schema::Enumerated);
+    Tree<schema::Enumerated> value;
     const Status status = value.Decode(data, length);
     return status == StatusOk ? GetAsn1Int32(value.Get(), number) : status;
 }
 
 Status EncodeEnumerated(uint32_t number, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    const Tree<Asn1Value> value(schema::Enumerated, AllocAsn1Integer(static_cast<int32_t>(number)));
+    const Tree<schema::Enumerated> value(AllocAsn1Integer(static_cast<int32_t>(number)));
     return value ? value.Encode(buffer, length) : Fail(StatusOutOfMemory);
 }
 
@@ -41,19 +36,17 @@ Status SetOptionalTime(Asn1Value** field, const LibraryTime* time) {
     return *field != nullptr ? StatusOk : Fail(StatusOutOfMemory);
 }
 
-Status DecodeTimePair(const Asn1Item& item, const uint8_t* data, uint32_t length, LibraryTime* first,
-                      LibraryTime* second) {
+Status DecodeTimePair(const uint8_t* data, uint32_t length, LibraryTime* first, LibraryTime* second) {
     if (AnyNull(data, first, second)) return Fail(StatusBadArgument);
-    Tree<TimePair> pair(item);
+    Tree<TimePair> pair;
     Status status = pair.Decode(data, length);
     if (status == StatusOk) status = GetOptionalTime(pair->first, first);
     return status == StatusOk ? GetOptionalTime(pair->second, second) : status;
 }
 
-Status EncodeTimePair(const Asn1Item& item, const LibraryTime* first, const LibraryTime* second, uint8_t* buffer,
-                      uint32_t* length) {
+Status EncodeTimePair(const LibraryTime* first, const LibraryTime* second, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<TimePair> pair(item);
+    Tree<TimePair> pair;
     Status status = pair.Create();
     if (status == StatusOk) status = SetOptionalTime(&pair->first, first);
     if (status == StatusOk) status = SetOptionalTime(&pair->second, second);
@@ -71,20 +64,20 @@ constexpr uint32_t kFullName = 0;
 constexpr uint32_t kRelativeName = 1;
 
 // A choice that holds what a tree owns; null, with nothing moved, when out of memory.
-template <class T>
-Asn1Choice* WrapInChoice(uint32_t selected, Tree<T>* value) {
-    Asn1Choice* choice = AllocAsn1Choice(selected, value->Get());
+template <class Choice, class T>
+Choice* WrapInChoice(uint32_t selected, Tree<T>* value) {
+    Choice* choice = AllocChoice<Choice>(selected, value->Get());
     if (choice != nullptr) value->Take();
     return choice;
 }
 
 // Moves a name into a distribution point; the full one wins. Without either the field stays absent.
-Status MoveToPointName(Tree<X509GeneralNames>* fullName, Tree<X509Name>* relativeName, Asn1Choice** field) {
+Status MoveToPointName(Tree<X509GeneralNames>* fullName, Tree<X509Name>* relativeName, DistributionPointName** field) {
     if (*fullName) {
-        *field = WrapInChoice(kFullName, fullName);
+        *field = WrapInChoice<DistributionPointName>(kFullName, fullName);
     } else if (*relativeName) {
-        Tree<Asn1Choice> name(schema::Name, WrapInChoice(0, relativeName));
-        if (name) *field = WrapInChoice(kRelativeName, &name);
+        Tree<Name> name(WrapInChoice<Name>(0, relativeName));
+        if (name) *field = WrapInChoice<DistributionPointName>(kRelativeName, &name);
     } else {
         return StatusOk;
     }
@@ -92,12 +85,12 @@ Status MoveToPointName(Tree<X509GeneralNames>* fullName, Tree<X509Name>* relativ
 }
 
 // Lends the name of a distribution point. The output of the other kind keeps what it held.
-Status LendPointName(const Asn1Choice* choice, X509GeneralNames** fullName, X509Name** relativeName) {
+Status LendPointName(const DistributionPointName* choice, X509GeneralNames** fullName, X509Name** relativeName) {
     if (choice == nullptr || choice->value == nullptr) return StatusOk;
     if (choice->selected == kFullName) {
         *fullName = static_cast<X509GeneralNames*>(choice->value);
     } else if (choice->selected == kRelativeName) {
-        *relativeName = static_cast<X509Name*>(static_cast<const Asn1Choice*>(choice->value)->value);
+        *relativeName = static_cast<X509Name*>(static_cast<const Name*>(choice->value)->value);
     } else {
         return Fail(StatusBadAlternative);
     }
@@ -148,10 +141,6 @@ uint32_t QualifierCount(const PolicyInformation* policy) {
     return policy != nullptr ? GetAsn1ListLength(policy->policyQualifiers) : 0;
 }
 
-PolicyInformation* PolicyAt(const Asn1List* policies, uint32_t index) {
-    return static_cast<PolicyInformation*>(policies->items[index]);
-}
-
 // Takes the self references out of a policy, so that freeing it does not come back to it, or puts them back. Nothing
 // else leaves a null slot in a qualifier list.
 void SetSelfReferences(PolicyInformation* policy, bool present) {
@@ -163,16 +152,17 @@ void SetSelfReferences(PolicyInformation* policy, bool present) {
     }
 }
 
-void SetAllSelfReferences(Asn1List* policies, bool present) {
-    for (uint32_t i = 0; i < GetAsn1ListLength(policies); ++i) SetSelfReferences(PolicyAt(policies, i), present);
+void SetAllSelfReferences(ExtensionCertificatePolicies* policies, bool present) {
+    for (uint32_t i = 0; i < GetAsn1ListLength(policies); ++i) SetSelfReferences(policies->At(i), present);
 }
 
 // Appends to the list of policies, or to the qualifier list of one of them. A full list frees its elements when it
 // can't grow.
-Status Append(Asn1List* policies, Asn1List* list, const Asn1Item& item, void* element) {
+template <class Node>
+Status Append(ExtensionCertificatePolicies* policies, ListOf<Node>* list, void* element) {
     const bool full = list->count == list->capacity;
     if (full) SetAllSelfReferences(policies, false);
-    const Status status = AddAsn1ListItem(list, item, element);
+    const Status status = AddAsn1ListItem(list, itemOf<Node>, element);
     if (full) SetAllSelfReferences(policies, true);
     return status;
 }
@@ -188,7 +178,7 @@ Status FindQualifier(const ExtensionCertificatePolicies* list, uint32_t policyIn
 // One policy of a filtered view, with the list of the qualifiers that are left.
 struct FilteredPolicy {
     PolicyInformation policy;
-    Asn1List qualifiers;
+    ListOf<PolicyQualifierInfo> qualifiers;
 };
 
 // Fills a view's policy; gives the first cell that it did not use.
@@ -215,8 +205,8 @@ constexpr uint32_t kMaxPointsValue = 2048;
 Status EncodeUriPoint(const char* url, uint8_t* buffer, uint32_t* length) {
     const size_t urlLength = strlen(url);
     if (urlLength > kMaxPointsValue) return Fail(StatusBufferTooSmall);
-    Tree<X509GeneralNames> names(schema::X509GeneralNames);
-    Tree<ExtensionCrlDistributionPoints> points(schema::CRLDistributionPoints);
+    Tree<X509GeneralNames> names;
+    Tree<ExtensionCrlDistributionPoints> points;
     Status status = names.Create();
     if (status == StatusOk) status = points.Create();
     if (status != StatusOk) return status;
@@ -236,7 +226,7 @@ Status PoliciesView::Of(const ExtensionCertificatePolicies* policies) {
     uint64_t cells = policies->count;
     bool hasSelf = false;
     for (uint32_t i = 0; i < policies->count; ++i) {
-        const PolicyInformation* policy = PolicyAt(policies, i);
+        const PolicyInformation* policy = policies->At(i);
         cells += QualifierCount(policy);
         for (uint32_t at = 0; at < QualifierCount(policy) && !hasSelf; ++at) hasSelf = IsSelf(policy, at);
     }
@@ -249,7 +239,7 @@ Status PoliciesView::Of(const ExtensionCertificatePolicies* policies) {
     auto** items = reinterpret_cast<void**>(block_.Bytes() + recordsSize);
     void** next = items + policies->count;
     for (uint32_t i = 0; i < policies->count; ++i) {
-        const PolicyInformation* policy = PolicyAt(policies, i);
+        const PolicyInformation* policy = policies->At(i);
         items[i] = nullptr;
         if (policy == nullptr) continue;
         FilteredPolicy* filtered = new (&records[i]) FilteredPolicy{};
@@ -268,7 +258,7 @@ Status PoliciesView::Of(const ExtensionCertificatePolicies* policies) {
 
 Status DecodeExtensionKeyUsage(const uint8_t* data, uint32_t length, uint32_t* flags) {
     if (AnyNull(data, flags) || length == 0) return Fail(StatusBadArgument);
-    Tree<Asn1BitString> bits(schema::BitString);
+    Tree<schema::BitString> bits;
     const Status status = bits.Decode(data, length);
     if (status == StatusOk) *flags = FlagsOfAsn1BitString(bits.Get());
     return status;
@@ -276,7 +266,7 @@ Status DecodeExtensionKeyUsage(const uint8_t* data, uint32_t length, uint32_t* f
 
 Status EncodeExtensionKeyUsage(uint32_t flags, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    const Tree<Asn1BitString> bits(schema::BitString, AllocAsn1BitStringFromFlags(flags));
+    const Tree<schema::BitString> bits(AllocAsn1BitStringFromFlags(flags));
     return bits ? bits.Encode(buffer, length) : Fail(StatusOutOfMemory);
 }
 
@@ -292,7 +282,7 @@ Status EncodeExtensionSubjectKeyIdentifier(const uint8_t* keyId, uint32_t keyIdL
 
 Status DecodeExtensionBasicConstraints(const uint8_t* data, uint32_t length, uint8_t* cA, uint32_t* pathLength) {
     if (AnyNull(data, cA, pathLength)) return Fail(StatusBadArgument);
-    Tree<BasicConstraints> constraints(schema::BasicConstraints);
+    Tree<BasicConstraints> constraints;
     const Status status = constraints.Decode(data, length);
     if (status != StatusOk) return status;
     uint32_t hasFlag = 0;
@@ -307,7 +297,7 @@ Status DecodeExtensionBasicConstraints(const uint8_t* data, uint32_t length, uin
 
 Status EncodeExtensionBasicConstraints(uint8_t cA, uint32_t pathLength, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<BasicConstraints> constraints(schema::BasicConstraints);
+    Tree<BasicConstraints> constraints;
     Status status = constraints.Create();
     if (status == StatusOk) status = SetFlag(&constraints->cA, cA, 1);
     if (status == StatusOk && pathLength != UINT32_MAX) {
@@ -334,12 +324,12 @@ Status EncodeExtensionInvalidityDate(const LibraryTime* time, uint8_t* buffer, u
 
 Status DecodeExtensionPrivateKeyUsagePeriod(const uint8_t* data, uint32_t length, LibraryTime* notBefore,
                                             LibraryTime* notAfter) {
-    return DecodeTimePair(schema::PrivateKeyUsagePeriod, data, length, notBefore, notAfter);
+    return DecodeTimePair(data, length, notBefore, notAfter);
 }
 
 Status EncodeExtensionPrivateKeyUsagePeriod(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
                                             uint32_t* length) {
-    return EncodeTimePair(schema::PrivateKeyUsagePeriod, notBefore, notAfter, buffer, length);
+    return EncodeTimePair(notBefore, notAfter, buffer, length);
 }
 
 Status DecodeExtensionCrlNumber(const uint8_t* data, uint32_t length, uint8_t* number, uint32_t* numberLength) {
@@ -357,7 +347,7 @@ Status DecodeExtensionAuthorityKeyIdentifier(const uint8_t* data, uint32_t lengt
                                              uint32_t* serialLength) {
     if (AnyNull(data, keyIdLength, serialLength) || length == 0) return Fail(StatusBadArgument);
     if (issuer != nullptr) *issuer = nullptr;
-    Tree<AuthorityKeyIdentifier> identifier(schema::AuthorityKeyIdentifier);
+    Tree<AuthorityKeyIdentifier> identifier;
     const Status status = identifier.Decode(data, length);
     if (status != StatusOk) return status;
     const Status keyIdStatus = GetOptionalValue(identifier->keyIdentifier, keyId, keyIdLength);
@@ -373,8 +363,8 @@ Status EncodeExtensionAuthorityKeyIdentifier(const uint8_t* keyId, uint32_t keyI
                                              const uint8_t* serial, uint32_t serialLength, uint8_t* buffer,
                                              uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<AuthorityKeyIdentifier> identifier(schema::AuthorityKeyIdentifier);
-    Tree<X509GeneralNames> names(schema::X509GeneralNames);
+    Tree<AuthorityKeyIdentifier> identifier;
+    Tree<X509GeneralNames> names;
     Status status = identifier.Create();
     if (status != StatusOk) return status;
     status = SetOptionalValue(&identifier->keyIdentifier, Asn1KindOctetString, keyId, keyIdLength);
@@ -399,7 +389,7 @@ Status DecodeExtensionIssuingDistributionPoint(const uint8_t* data, uint32_t len
     *fullName = nullptr;
     *relativeName = nullptr;
     *hasOnlyUser = *hasOnlyCa = *hasOnlySomeReasons = *hasIndirect = *hasOnlyAttribute = 0;
-    Tree<IssuingDistributionPoint> point(schema::IssuingDistributionPoint);
+    Tree<IssuingDistributionPoint> point;
     Status status = point.Decode(data, length);
     // The names die with the tree: intended, the callers of this function only test them.
     if (status == StatusOk) status = LendPointName(point->distributionPoint, fullName, relativeName);
@@ -420,9 +410,9 @@ Status EncodeExtensionIssuingDistributionPoint(const X509GeneralNames* fullName,
                                                int32_t hasIndirect, uint8_t onlyAttribute, int32_t hasOnlyAttribute,
                                                uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<IssuingDistributionPoint> point(schema::IssuingDistributionPoint);
-    Tree<X509GeneralNames> names(schema::X509GeneralNames);
-    Tree<X509Name> name(schema::X509Name);
+    Tree<IssuingDistributionPoint> point;
+    Tree<X509GeneralNames> names;
+    Tree<X509Name> name;
     Status status = point.Create();
     if (status == StatusOk) status = CopyIfGiven(fullName, &names);
     if (status == StatusOk && fullName == nullptr) status = CopyIfGiven(relativeName, &name);
@@ -437,23 +427,19 @@ Status EncodeExtensionIssuingDistributionPoint(const X509GeneralNames* fullName,
 
 // --- CRL distribution points ---
 
-Status CreateExtensionCrlDistributionPoints(ExtensionCrlDistributionPoints** out) {
-    return CreateAsn1Object(&schema::CRLDistributionPoints, Untyped(out), 0);
-}
+Status CreateExtensionCrlDistributionPoints(ExtensionCrlDistributionPoints** out) { return CreateTree(out); }
 
 Status DecodeExtensionCrlDistributionPoints(const uint8_t* data, uint32_t length,
                                             ExtensionCrlDistributionPoints** out) {
-    return DecodeNonEmpty(schema::CRLDistributionPoints, data, length, out);
+    return DecodeNonEmpty(data, length, out);
 }
 
 Status EncodeExtensionCrlDistributionPoints(const ExtensionCrlDistributionPoints* list, uint8_t* buffer,
                                             uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::CRLDistributionPoints, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeExtensionCrlDistributionPoints(ExtensionCrlDistributionPoints* list) {
-    return FreeAsn1Object(&schema::CRLDistributionPoints, list);
-}
+Status FreeExtensionCrlDistributionPoints(ExtensionCrlDistributionPoints* list) { return FreeTree(list); }
 
 Status AddExtensionCrlDistributionPoint(ExtensionCrlDistributionPoints* list, X509GeneralNames* fullName,
                                         X509Name* relativeName, uint32_t reasons, X509GeneralNames* crlIssuer) {
@@ -461,10 +447,10 @@ Status AddExtensionCrlDistributionPoint(ExtensionCrlDistributionPoints* list, X5
     const bool empty = fullName == nullptr && relativeName == nullptr && reasons == 0 && crlIssuer == nullptr;
     const bool givenTwice = fullName != nullptr && fullName == crlIssuer;
     if (list == nullptr || bothNames || empty || givenTwice) return Fail(StatusBadArgument);
-    Tree<X509GeneralNames> names(schema::X509GeneralNames, fullName);
-    Tree<X509Name> name(schema::X509Name, relativeName);
-    Tree<X509GeneralNames> issuer(schema::X509GeneralNames, crlIssuer);
-    Tree<DistributionPoint> point(schema::DistributionPoint);
+    Tree<X509GeneralNames> names(fullName);
+    Tree<X509Name> name(relativeName);
+    Tree<X509GeneralNames> issuer(crlIssuer);
+    Tree<DistributionPoint> point;
     Status status = point.Create();
     if (status == StatusOk) status = MoveToPointName(&names, &name, &point->distributionPoint);
     if (status == StatusOk && reasons != 0) status = SetFlagWord(&point->reasons, reasons);
@@ -492,7 +478,7 @@ Status GetExtensionCrlDistributionPointsCount(const ExtensionCrlDistributionPoin
 }
 
 Status RemoveExtensionCrlDistributionPoint(ExtensionCrlDistributionPoints* list, uint32_t index) {
-    return RemoveListMember(list, index, schema::DistributionPoint);
+    return RemoveListMember(list, index);
 }
 
 Status SetCertificateExtensionCrlDistributionPoints(Certificate* certificate, const char* url) {
@@ -509,25 +495,21 @@ Status SetCertificateExtensionCrlDistributionPoints(Certificate* certificate, co
 
 // --- Extended key usage ---
 
-Status CreateExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage** out) {
-    return CreateAsn1Object(&schema::ExtendedKeyUsage, Untyped(out), 0);
-}
+Status CreateExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage** out) { return CreateTree(out); }
 
 Status DecodeExtensionExtendedKeyUsage(const uint8_t* data, uint32_t length, ExtensionExtendedKeyUsage** out) {
-    return DecodeNonEmpty(schema::ExtendedKeyUsage, data, length, out);
+    return DecodeNonEmpty(data, length, out);
 }
 
 Status EncodeExtensionExtendedKeyUsage(const ExtensionExtendedKeyUsage* list, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::ExtendedKeyUsage, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage* list) {
-    return FreeAsn1Object(&schema::ExtendedKeyUsage, list);
-}
+Status FreeExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage* list) { return FreeTree(list); }
 
 Status AddExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage* list, const uint8_t* oid) {
     if (AnyNull(list, oid)) return Fail(StatusBadArgument);
-    Tree<Asn1Value> purpose(schema::ObjectIdentifier, AllocAsn1OidFromOid(oid));
+    Tree<schema::ObjectIdentifier> purpose(AllocAsn1OidFromOid(oid));
     return purpose ? purpose.MoveTo(list) : Fail(StatusOutOfMemory);
 }
 
@@ -544,37 +526,33 @@ Status GetExtensionExtendedKeyUsageCount(const ExtensionExtendedKeyUsage* list, 
 }
 
 Status RemoveExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage* list, uint32_t index) {
-    return RemoveListMember(list, index, schema::ObjectIdentifier);
+    return RemoveListMember(list, index);
 }
 
 // --- Authority information access ---
 
-Status CreateExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess** out) {
-    return CreateAsn1Object(&schema::AuthorityInformationAccess, Untyped(out), 0);
-}
+Status CreateExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess** out) { return CreateTree(out); }
 
 Status DecodeExtensionAuthorityInformationAccess(const uint8_t* data, uint32_t length,
                                                  ExtensionAuthorityInformationAccess** out) {
-    return DecodeNonEmpty(schema::AuthorityInformationAccess, data, length, out);
+    return DecodeNonEmpty(data, length, out);
 }
 
 Status EncodeExtensionAuthorityInformationAccess(const ExtensionAuthorityInformationAccess* list, uint8_t* buffer,
                                                  uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::AuthorityInformationAccess, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess* list) {
-    return FreeAsn1Object(&schema::AuthorityInformationAccess, list);
-}
+Status FreeExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess* list) { return FreeTree(list); }
 
 Status AddExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess* list, const uint8_t* method,
                                               X509GeneralName* location) {
     if (AnyNull(list, method, location)) return Fail(StatusBadArgument);
-    Tree<AccessDescription> description(schema::AccessDescription);
+    Tree<AccessDescription> description;
     Status status = description.Create();
     if (status == StatusOk) status = ReplaceOidField(&description->accessMethod, method);
     if (status != StatusOk) return status;
-    FreeField(schema::X509GeneralName, &description->accessLocation);
+    FreeField(&description->accessLocation);
     description->accessLocation = location;
     status = description.MoveTo(list);
     if (status != StatusOk) description->accessLocation = nullptr;
@@ -596,37 +574,35 @@ Status GetExtensionAuthorityInformationAccessCount(const ExtensionAuthorityInfor
 }
 
 Status RemoveExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAccess* list, uint32_t index) {
-    return RemoveListMember(list, index, schema::AccessDescription);
+    return RemoveListMember(list, index);
 }
 
 // --- Certificate policies ---
 
-Status CreateExtensionCertificatePolicies(ExtensionCertificatePolicies** out) {
-    return CreateAsn1Object(&schema::CertificatePolicies, Untyped(out), 0);
-}
+Status CreateExtensionCertificatePolicies(ExtensionCertificatePolicies** out) { return CreateTree(out); }
 
 Status DecodeExtensionCertificatePolicies(const uint8_t* data, uint32_t length, ExtensionCertificatePolicies** out) {
-    return DecodeNonEmpty(schema::CertificatePolicies, data, length, out);
+    return DecodeNonEmpty(data, length, out);
 }
 
 Status EncodeExtensionCertificatePolicies(const ExtensionCertificatePolicies* list, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(list, length)) return Fail(StatusBadArgument);
     PoliciesView view;
     const Status status = view.Of(list);
-    return status == StatusOk ? GetAsn1EncodedValue(view.List(), &schema::CertificatePolicies, buffer, length) : status;
+    return status == StatusOk ? EncodeTree(view.List(), buffer, length) : status;
 }
 
 Status FreeExtensionCertificatePolicies(ExtensionCertificatePolicies* list) {
     SetAllSelfReferences(list, false);
-    return FreeAsn1Object(&schema::CertificatePolicies, list);
+    return FreeTree(list);
 }
 
 Status AddExtensionPolicyInformation(ExtensionCertificatePolicies* list, const uint8_t* oid, uint32_t* index) {
     if (AnyNull(list, oid)) return Fail(StatusBadArgument);
-    Tree<PolicyInformation> policy(schema::PolicyInformation);
+    Tree<PolicyInformation> policy;
     Status status = policy.Create();
     if (status == StatusOk) status = ReplaceOidField(&policy->policyIdentifier, oid);
-    if (status == StatusOk) status = Append(list, list, schema::PolicyInformation, policy.Get());
+    if (status == StatusOk) status = Append(list, list, policy.Get());
     if (status != StatusOk) return status;
     policy.Take();
     if (index != nullptr) *index = list->count - 1;
@@ -646,8 +622,8 @@ Status GetExtensionPolicyInformationCount(const ExtensionCertificatePolicies* li
 }
 
 Status RemoveExtensionPolicyInformation(ExtensionCertificatePolicies* list, uint32_t index) {
-    if (index < GetAsn1ListLength(list)) SetSelfReferences(PolicyAt(list, index), false);
-    return RemoveListMember(list, index, schema::PolicyInformation);
+    if (index < GetAsn1ListLength(list)) SetSelfReferences(list->At(index), false);
+    return RemoveListMember(list, index);
 }
 
 Status AddExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32_t policyIndex, const uint8_t* oid,
@@ -656,10 +632,10 @@ Status AddExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32_t 
     PolicyInformation* policy = nullptr;
     const Status status = GetListMember(list, policyIndex, &policy);
     if (status != StatusOk) return status;
-    if (policy->policyQualifiers == nullptr) policy->policyQualifiers = AllocAsn1List();
+    if (policy->policyQualifiers == nullptr) policy->policyQualifiers = AllocList<ListOf<PolicyQualifierInfo>>();
     if (policy->policyQualifiers == nullptr) return Fail(StatusOutOfMemory);
     // The policy itself and not the qualifier given: intended, callers depend on the count that rises.
-    return Append(list, policy->policyQualifiers, schema::PolicyQualifierInfo, policy);
+    return Append(list, policy->policyQualifiers, policy);
 }
 
 Status GetExtensionPolicyQualifier(const ExtensionCertificatePolicies* list, uint32_t policyIndex,
@@ -669,7 +645,7 @@ Status GetExtensionPolicyQualifier(const ExtensionCertificatePolicies* list, uin
     PolicyInformation* policy = nullptr;
     const Status status = FindQualifier(list, policyIndex, qualifierIndex, &policy);
     if (status != StatusOk) return status;
-    const auto* qualifier = static_cast<const PolicyQualifierInfo*>(policy->policyQualifiers->items[qualifierIndex]);
+    const PolicyQualifierInfo* qualifier = policy->policyQualifiers->At(qualifierIndex);
     if (qualifier == nullptr) return Fail(StatusAbsent);
     const bool self = IsSelf(policy, qualifierIndex);
     const Status valueStatus = GetOptionalValue(self ? nullptr : qualifier->qualifier, value, valueLength);
@@ -694,7 +670,7 @@ Status RemoveExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32
     const Status status = FindQualifier(list, policyIndex, qualifierIndex, &policy);
     if (status != StatusOk) return status;
     if (IsSelf(policy, qualifierIndex)) policy->policyQualifiers->items[qualifierIndex] = nullptr;
-    return RemoveAsn1ListItem(policy->policyQualifiers, qualifierIndex, schema::PolicyQualifierInfo);
+    return RemoveMember(policy->policyQualifiers, qualifierIndex);
 }
 
 // --- One function under several names ---

@@ -5,7 +5,7 @@
 #include "engine/failure.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/outputs.h"
 #include "tlvforge/asn1.h"
 #include "tlvforge/oid.h"
 #include "x509/algorithm.h"
@@ -67,19 +67,30 @@ uint8_t FormOf(const uint8_t* bytes, uint32_t length) {
     return null ? ParametersFormNull : ParametersFormGost;
 }
 
-// Null for an algorithm without GOST parameters.
-const Asn1Item* GostParametersItem(uint32_t algorithmId) {
-    switch (algorithmId) {
-        case AlgorithmGostR34102001: return &schema::GostR34102001Parameters;
-        case AlgorithmGostR34102012Key256:
-        case AlgorithmGostR34102012Key512: return &schema::GostR34102012Parameters;
-        default: return nullptr;
-    }
+// Whatever the decoder finds wrong, the parameters are not the GOST ones.
+template <class Parameters>
+Status DecodeGostParameters(Tree<Parameters>* parameters, const uint8_t* bytes, uint32_t length) {
+    return parameters->Decode(bytes, length) == StatusOk ? StatusOk : Fail(StatusBadEncoding);
 }
 
-// Whatever the decoder finds wrong, the parameters are not the GOST ones.
-Status DecodeGostParameters(Tree<GostParameters>* parameters, const uint8_t* bytes, uint32_t length) {
-    return parameters->Decode(bytes, length) == StatusOk ? StatusOk : Fail(StatusBadEncoding);
+// The last failure is the result.
+template <class Parameters>
+Status DecodeParameterOids(const uint8_t* bytes, uint32_t length, Output publicKey, Output digest, Output encryption) {
+    Tree<Parameters> parameters;
+    const Status decoded = DecodeGostParameters(&parameters, bytes, length);
+    if (decoded != StatusOk) return decoded;
+    const Status first = GetAsn1Oid(parameters->publicKeyParamSet, publicKey.buffer, publicKey.length);
+    const Status second = GetAsn1Oid(parameters->digestParamSet, digest.buffer, digest.length);
+    const Status third = GetAsn1Oid(parameters->encryptionParamSet, encryption.buffer, encryption.length);
+    if (third != StatusOk) return third;
+    return second != StatusOk ? second : first;
+}
+
+bool Is2001(uint32_t algorithmId) { return algorithmId == AlgorithmGostR34102001; }
+
+bool HasGostParameters(uint32_t algorithmId) {
+    return Is2001(algorithmId) || algorithmId == AlgorithmGostR34102012Key256 ||
+           algorithmId == AlgorithmGostR34102012Key512;
 }
 
 template <uint32_t Count>
@@ -131,7 +142,7 @@ Status SetAlgorithmIdentifierOid(AlgorithmIdentifier* record, const uint8_t* oid
 
 Status SetAlgorithmIdentifierById(AlgorithmIdentifier* record, uint32_t id) {
     if (record == nullptr) return Fail(StatusBadArgument);
-    FreeField(schema::ObjectIdentifier, &record->algorithm);
+    FreeField(&record->algorithm);
     const uint8_t* oid = nullptr;
     const Status status = FindOid(kAlgorithmIds, id, &oid);
     return status != StatusOk ? status : ReplaceOidField(&record->algorithm, oid);
@@ -141,7 +152,7 @@ Status SetAlgorithmIdentifierParameters(AlgorithmIdentifier* record, const uint8
     if (record == nullptr) return Fail(StatusBadArgument);
     const bool given = parameters != nullptr && length != 0;
     Asn1Any* copy = given ? AllocAsn1Any(parameters[0] & 31, parameters, length) : nullptr;
-    FreeField(schema::Any, &record->parameters);
+    FreeField(&record->parameters);
     record->parameters = copy;
     return given && copy == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
 }
@@ -174,7 +185,7 @@ Status DecodeAlgorithmGostR34102001Parameters(const uint8_t* bytes, uint32_t len
     if (*parametersForm != ParametersFormGost) return StatusOk;
     if (AnyNull(publicKeyParamSet, digestParamSet, encryptionParamSet)) return Fail(StatusBadArgument);
     // Keys of 2012 are read with the default of 2001 as well: a missing encryption set is number 1 for all of them.
-    Tree<GostParameters> parameters(schema::GostR34102001Parameters);
+    Tree<GostR34102001Parameters> parameters;
     Status status = DecodeGostParameters(&parameters, bytes, length);
     if (status != StatusOk) return status;
     status = FindIdOfValue(kPublicKeyParamSets, parameters->publicKeyParamSet, publicKeyParamSet);
@@ -210,21 +221,16 @@ Status DecodeAlgorithmGostR3410ParameterOids(uint32_t algorithmId, const uint8_t
     if (AnyNull(parametersForm, publicKeyOidLength, digestOidLength, encryptionOidLength)) {
         return Fail(StatusBadArgument);
     }
-    const Asn1Item* item = GostParametersItem(algorithmId);
-    if (item == nullptr) return Fail(StatusBadArgument);
+    if (!HasGostParameters(algorithmId)) return Fail(StatusBadArgument);
     *parametersForm = FormOf(bytes, length);
     if (*parametersForm != ParametersFormGost) {
         *publicKeyOidLength = *digestOidLength = *encryptionOidLength = 0;
         return StatusOk;
     }
-    Tree<GostParameters> parameters(*item);
-    const Status decoded = DecodeGostParameters(&parameters, bytes, length);
-    if (decoded != StatusOk) return decoded;
-    const Status publicKey = GetAsn1Oid(parameters->publicKeyParamSet, publicKeyOid, publicKeyOidLength);
-    const Status digest = GetAsn1Oid(parameters->digestParamSet, digestOid, digestOidLength);
-    const Status encryption = GetAsn1Oid(parameters->encryptionParamSet, encryptionOid, encryptionOidLength);
-    if (encryption != StatusOk) return encryption;
-    return digest != StatusOk ? digest : publicKey;
+    const auto decode = Is2001(algorithmId) ? DecodeParameterOids<GostR34102001Parameters>
+                                            : DecodeParameterOids<GostR34102012Parameters>;
+    return decode(bytes, length, {publicKeyOid, publicKeyOidLength}, {digestOid, digestOidLength},
+                  {encryptionOid, encryptionOidLength});
 }
 
 Status DecodeAlgorithmGostR34102001ParameterOids(const uint8_t* bytes, uint32_t length, uint8_t* parametersForm,
@@ -248,8 +254,7 @@ Status DecodeAlgorithmGostR34102012ParameterOids(const uint8_t* bytes, uint32_t 
 Status EncodeAlgorithmGostR3410ParametersOid(uint32_t algorithmId, uint8_t parametersForm, const uint8_t* publicKeyOid,
                                              const uint8_t* digestOid, const uint8_t* encryptionOid, uint8_t* buffer,
                                              uint32_t* length) {
-    const Asn1Item* item = GostParametersItem(algorithmId);
-    if (AnyNull(length, item)) return Fail(StatusBadArgument);
+    if (length == nullptr || !HasGostParameters(algorithmId)) return Fail(StatusBadArgument);
     if (parametersForm == ParametersFormNull) {
         return GiveBytes(kNullParameters, sizeof kNullParameters, buffer, length);
     }
@@ -261,8 +266,10 @@ Status EncodeAlgorithmGostR3410ParametersOid(uint32_t algorithmId, uint8_t param
     Asn1Value publicKey = ViewOid(publicKeyOid);
     Asn1Value digest = ViewOid(digestOid);
     Asn1Value encryption = encryptionOid != nullptr ? ViewOid(encryptionOid) : Asn1Value{};
-    const GostParameters parameters = {&publicKey, &digest, encryptionOid != nullptr ? &encryption : nullptr};
-    return GetAsn1EncodedValue(&parameters, item, buffer, length);
+    Asn1Value* const given = encryptionOid != nullptr ? &encryption : nullptr;
+    const GostR34102001Parameters of2001 = {&publicKey, &digest, given};
+    const GostR34102012Parameters of2012 = {&publicKey, &digest, given};
+    return Is2001(algorithmId) ? EncodeTree(&of2001, buffer, length) : EncodeTree(&of2012, buffer, length);
 }
 
 Status EncodeAlgorithmGostR34102001ParametersOid(uint8_t parametersForm, const uint8_t* publicKeyOid,
@@ -302,7 +309,7 @@ Status DecodePublicKeyGostR34102001(const uint8_t* bytes, uint32_t length, uint8
 Status DecodeSubjectPublicKeyInfo(const uint8_t* bytes, uint32_t length, uint8_t* oid, uint32_t* oidLength,
                                   uint8_t* key, uint32_t* keyLength, uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(bytes, oidLength, keyLength, parametersLength)) return Fail(StatusBadArgument);
-    Tree<SubjectPublicKeyInfo> info(schema::SubjectPublicKeyInfo);
+    Tree<SubjectPublicKeyInfo> info;
     const Status decoded = info.Decode(bytes, length);
     if (decoded != StatusOk) return decoded;
     const Status oidStatus = GetAlgorithmIdentifierOid(info->algorithm, oid, oidLength);

@@ -17,37 +17,33 @@ Status FindEntry(const X509Crl* crl, uint32_t index, X509RevokedCertificate** en
 
 }  // namespace
 
-Status CreateX509Crl(X509Crl** crl) { return CreateAsn1Object(&schema::X509Crl, Untyped(crl), 1); }
+Status CreateX509Crl(X509Crl** crl) { return CreateTree(crl); }
 
-Status CreateX509CrlCopy(const X509Crl* crl, X509Crl** copy) { return CopyTree(schema::X509Crl, crl, copy); }
+Status CreateX509CrlCopy(const X509Crl* crl, X509Crl** copy) { return CopyTree(crl, copy); }
 
-Status DecodeX509Crl(const uint8_t* bytes, uint32_t length, X509Crl** crl) {
-    return DecodeTree(schema::X509Crl, bytes, length, crl);
-}
+Status DecodeX509Crl(const uint8_t* bytes, uint32_t length, X509Crl** crl) { return DecodeTree(bytes, length, crl); }
 
-Status EncodeX509Crl(const X509Crl* crl, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(crl, &schema::X509Crl, buffer, length);
-}
+Status EncodeX509Crl(const X509Crl* crl, uint8_t* buffer, uint32_t* length) { return EncodeTree(crl, buffer, length); }
 
-Status FreeX509Crl(X509Crl* crl) { return FreeAsn1Object(&schema::X509Crl, crl); }
+Status FreeX509Crl(X509Crl* crl) { return FreeTree(crl); }
 
-Status CreateX509Crls(X509Crls** crls) { return CreateAsn1Object(&schema::X509Crls, Untyped(crls), 0); }
+Status CreateX509Crls(X509Crls** crls) { return CreateTree(crls); }
 
-Status CreateX509CrlsCopy(const X509Crls* crls, X509Crls** copy) { return CopyTree(schema::X509Crls, crls, copy); }
+Status CreateX509CrlsCopy(const X509Crls* crls, X509Crls** copy) { return CopyTree(crls, copy); }
 
 Status DecodeX509Crls(const uint8_t* bytes, uint32_t length, X509Crls** crls) {
-    return DecodeTree(schema::X509Crls, bytes, length, crls);
+    return DecodeTree(bytes, length, crls);
 }
 
 Status EncodeX509Crls(const X509Crls* crls, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(crls, &schema::X509Crls, buffer, length);
+    return EncodeTree(crls, buffer, length);
 }
 
-Status FreeX509Crls(X509Crls* crls) { return FreeAsn1Object(&schema::X509Crls, crls); }
+Status FreeX509Crls(X509Crls* crls) { return FreeTree(crls); }
 
 Status AddX509CrlToX509Crls(X509Crls* crls, X509Crl* crl) {
     if (AnyNull(crls, crl)) return Fail(StatusBadArgument);
-    return AddAsn1ListItem(crls, schema::X509Crl, crl);
+    return AddMember(crls, crl);
 }
 
 Status GetX509CrlsCount(const X509Crls* crls, uint32_t* count) { return GetListCount(crls, count); }
@@ -57,7 +53,7 @@ Status GetX509CrlsCrl(const X509Crls* crls, uint32_t index, X509Crl** crl) { ret
 Status GetX509CrlToBeSignedPart(const X509Crl* crl, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(crl, length)) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    return GetAsn1EncodedValue(crl->tbsCertList, &schema::TBSCertList, buffer, length);
+    return EncodeTree(crl->tbsCertList, buffer, length);
 }
 
 Status AddX509CrlRevokedCertificate(X509Crl* crl, const uint8_t* serial, uint32_t serialLength,
@@ -105,26 +101,24 @@ Status ClearX509CrlRevokedCertificates(X509Crl* crl) {
     if (crl == nullptr) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
     X509RevokedCertificates* list = crl->tbsCertList->revokedCertificates;
-    if (list != nullptr) ClearAsn1List(list, schema::X509RevokedCertificate);
+    if (list != nullptr) ClearList(list);
     return StatusOk;
 }
 
 Status RemoveX509CrlRevokedCertificates(X509Crl* crl) {
     if (crl == nullptr) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    FreeField(schema::X509RevokedCertificates, &crl->tbsCertList->revokedCertificates);
+    FreeField(&crl->tbsCertList->revokedCertificates);
     return StatusOk;
 }
 
-Status CreateX509RevokedCertificates(X509RevokedCertificates** list) {
-    return CreateAsn1Object(&schema::X509RevokedCertificates, Untyped(list), 1);
-}
+Status CreateX509RevokedCertificates(X509RevokedCertificates** list) { return CreateTree(list); }
 
 Status AddX509RevokedCertificatesRevokedCertificate(X509RevokedCertificates* list, const uint8_t* serial,
                                                     uint32_t serialLength, const LibraryTime* revocationDate,
                                                     uint32_t* index) {
     if (AnyNull(list, serial, revocationDate)) return Fail(StatusBadArgument);
-    Tree<X509RevokedCertificate> entry(schema::X509RevokedCertificate);
+    Tree<X509RevokedCertificate> entry;
     Status status = entry.Create();
     if (status != StatusOk) return status;
     status = SetAsn1ValueField(&entry->userCertificate, Asn1KindInteger, serial, serialLength);
@@ -145,9 +139,7 @@ Status GetX509RevokedCertificatesRevokedCertificateExtensions(const X509RevokedC
 }
 
 Status EncodeX509RevokedCertificates(const X509RevokedCertificates* list, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(list, &schema::X509RevokedCertificates, buffer, length);
+    return EncodeTree(list, buffer, length);
 }
 
-Status FreeX509RevokedCertificates(X509RevokedCertificates* list) {
-    return FreeAsn1Object(&schema::X509RevokedCertificates, list);
-}
+Status FreeX509RevokedCertificates(X509RevokedCertificates* list) { return FreeTree(list); }

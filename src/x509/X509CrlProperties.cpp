@@ -98,7 +98,7 @@ private:
     // Each name is read over the one before it, and only a directory name sets the length. A name of another type
     // thereby spoils a carried issuer that is in force. This is intended.
     Status DecodeNames(const Span& value) {
-        Tree<X509GeneralNames> names(schema::X509GeneralNames);
+        Tree<X509GeneralNames> names;
         Status status = value.length == 0 ? Fail(StatusBadEncoding) : names.Decode(value.data, value.length);
         for (uint32_t i = 0; status == StatusOk && i < GetAsn1ListLength(names.Get()); ++i) {
             uint32_t alternative = 0, length = sizeof carried_;
@@ -162,9 +162,9 @@ Status SetX509CrlThisUpdate(X509Crl* crl, const LibraryTime* time) {
 Status SetX509CrlNextUpdate(X509Crl* crl, const LibraryTime* time) {
     if (crl == nullptr) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    Asn1Choice** field = &crl->tbsCertList->nextUpdate;
+    Time** field = &crl->tbsCertList->nextUpdate;
     if (*field != nullptr) return SetTimeField(*field, time);
-    Tree<Asn1Choice> choice(schema::Time, AllocAsn1Choice());
+    Tree<Time> choice(AllocChoice<Time>());
     if (!choice) return Fail(StatusOutOfMemory);
     const Status status = SetTimeField(choice.Get(), time);
     if (status == StatusOk) *field = choice.Take();
@@ -174,7 +174,7 @@ Status SetX509CrlNextUpdate(X509Crl* crl, const LibraryTime* time) {
 Status RemoveX509CrlNextUpdate(X509Crl* crl) {
     if (crl == nullptr) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    FreeField(schema::Time, &crl->tbsCertList->nextUpdate);
+    FreeField(&crl->tbsCertList->nextUpdate);
     return StatusOk;
 }
 
@@ -209,7 +209,7 @@ Status FindX509CrlFind(X509Crl* crl, const X509Name* issuer, const uint8_t* seri
     uint32_t nameLength = 0;
     X509Name* own = nullptr;
     IssuerInForce inForce;
-    Status status = Asn1Encode(issuer, &schema::X509Name, name.Slot(), &nameLength);
+    Status status = Asn1Encode(issuer, &itemOf<X509Name>, name.Slot(), &nameLength);
     if (status == StatusOk) status = GetX509CrlIssuer(crl, &own);
     if (status == StatusOk) status = inForce.Begin(own);
     if (status != StatusOk) return status;

@@ -10,7 +10,7 @@ using namespace tlvforge;
 Status CreateX509Extension(X509Extension** out, const uint8_t* oid, uint32_t critical, const uint8_t* value,
                            uint32_t valueLength) {
     if (out == nullptr) return Fail(StatusBadArgument);
-    Tree<X509Extension> extension(schema::X509Extension);
+    Tree<X509Extension> extension;
     Status status = extension.Create();
     if (status == StatusOk) status = SetX509Extension(extension.Get(), oid, critical, value, valueLength);
     *out = status == StatusOk ? extension.Take() : nullptr;
@@ -40,30 +40,30 @@ Status GetX509Extension(const X509Extension* extension, uint8_t* oid, uint32_t* 
 }
 
 Status DecodeX509Extension(const uint8_t* data, uint32_t length, X509Extension** out) {
-    return DecodeTree(schema::X509Extension, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 Status EncodeX509Extension(const X509Extension* extension, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(extension, &schema::X509Extension, buffer, length);
+    return EncodeTree(extension, buffer, length);
 }
 
-Status FreeX509Extension(X509Extension* extension) { return FreeAsn1Object(&schema::X509Extension, extension); }
+Status FreeX509Extension(X509Extension* extension) { return FreeTree(extension); }
 
-Status CreateX509Extensions(X509Extensions* out) { return CreateCell(schema::X509Extensions, out); }
+Status CreateX509Extensions(X509Extensions* out) { return CreateCell(out); }
 
 Status DecodeX509Extensions(const uint8_t* data, uint32_t length, X509Extensions* out) {
-    return DecodeCell(schema::X509Extensions, data, length, out);
+    return DecodeCell(data, length, out);
 }
 
 Status EncodeX509Extensions(X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
-    return EncodeCell(schema::X509Extensions, extensions, buffer, length);
+    return EncodeCell(extensions, buffer, length);
 }
 
-Status FreeX509Extensions(X509Extensions extensions) { return FreeCell(schema::X509Extensions, extensions); }
+Status FreeX509Extensions(X509Extensions extensions) { return FreeCell(extensions); }
 
-Status ClearX509Extensions(X509Extensions extensions) { return ClearCell(schema::X509Extensions, extensions); }
+Status ClearX509Extensions(X509Extensions extensions) { return ClearCell(extensions); }
 
-Status RemoveX509Extensions(X509Extensions extensions) { return EmptyCell(schema::X509Extensions, extensions); }
+Status RemoveX509Extensions(X509Extensions extensions) { return EmptyCell(extensions); }
 
 Status AddX509ExtensionsExtension(X509Extensions extensions, const uint8_t* oid, int32_t critical, const uint8_t* value,
                                   uint32_t valueLength) {
@@ -72,7 +72,7 @@ Status AddX509ExtensionsExtension(X509Extensions extensions, const uint8_t* oid,
     if (status != StatusOk) return status;
     X509Extension* extension = nullptr;
     status = CreateX509Extension(&extension, oid, critical != 0, value, valueLength);
-    return status == StatusOk ? Tree(schema::X509Extension, extension).MoveTo(extensions->list) : status;
+    return status == StatusOk ? Tree<X509Extension>(extension).MoveTo(extensions->list) : status;
 }
 
 Status FindX509Extension(X509Extensions extensions, const uint8_t* oid, uint32_t* index) {
@@ -107,7 +107,7 @@ Status GetX509ExtensionsExtensionValue(X509Extensions extensions, const uint8_t*
 Status RemoveX509ExtensionsExtension(X509Extensions extensions, uint32_t index) {
     if (extensions == nullptr) return Fail(StatusBadArgument);
     if (extensions->list == nullptr) return Fail(StatusAbsent);
-    return RemoveAsn1ListItem(extensions->list, index, schema::X509Extension);
+    return RemoveMember(extensions->list, index);
 }
 
 Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* oid) {
@@ -116,7 +116,7 @@ Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* 
     // the setters of the documents replace an extension with the effect that it has on neighbours of the same OID.
     for (uint32_t i = 0; i < GetAsn1ListLength(extensions->list); ++i) {
         if (!HasOid(extensions->list, i, &X509Extension::extnID, oid)) continue;
-        const Status status = RemoveAsn1ListItem(extensions->list, i, schema::X509Extension);
+        const Status status = RemoveMember(extensions->list, i);
         if (status != StatusOk) return status;
     }
     return StatusOk;

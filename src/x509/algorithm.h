@@ -1,63 +1,9 @@
-// AlgorithmIdentifier and SubjectPublicKeyInfo (RFC 5280, 4.1.1.2 and 4.1.2.7) with the helpers that every document
-// uses on such a field, and the GOST parameters (RFC 4491, RFC 9215).
+// What every document does with an AlgorithmIdentifier.
 #pragma once
 
-#include "engine/items.h"
-#include "engine/nodes.h"
-#include "tlvforge/algorithms.h"
-
-struct AlgorithmIdentifier {
-    Asn1Value* algorithm;
-    Asn1Any* parameters;
-};
-
-struct SubjectPublicKeyInfo {
-    AlgorithmIdentifier* algorithm;
-    Asn1BitString* subjectPublicKey;
-};
+#include "x509/algorithm.schema.h"
 
 namespace tlvforge {
-
-struct GostParameters {
-    Asn1Value* publicKeyParamSet;
-    Asn1Value* digestParamSet;
-    Asn1Value* encryptionParamSet;
-};
-
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item AlgorithmIdentifier = Sequence<
-    ObjectIdentifier, // algorithm
-    Optional<Any>>;   // parameters
-
-inline constexpr Asn1Item SubjectPublicKeyInfo = Sequence<
-    AlgorithmIdentifier, // algorithm
-    BitString>;          // subjectPublicKey
-
-// 1.2.643.2.2.31.1 and 1.2.643.7.1.2.5.1.1
-inline constexpr const Asn1Value& kGost2001EncryptionSet =
-    ConstantValue<Asn1KindObjectIdentifier, 0x2A, 0x85, 0x03, 0x02, 0x02, 0x1F, 0x01>;
-inline constexpr const Asn1Value& kGost2012EncryptionSet =
-    ConstantValue<Asn1KindObjectIdentifier, 0x2A, 0x85, 0x03, 0x07, 0x01, 0x02, 0x05, 0x01, 0x01>;
-
-inline constexpr Asn1Item GostR34102001Parameters = Sequence<
-    ObjectIdentifier,                                   // publicKeyParamSet
-    ObjectIdentifier,                                   // digestParamSet
-    Default<ObjectIdentifier, kGost2001EncryptionSet>>; // encryptionParamSet
-
-inline constexpr Asn1Item GostR34102012Parameters = Sequence<
-    ObjectIdentifier,                                   // publicKeyParamSet
-    ObjectIdentifier,                                   // digestParamSet
-    Default<ObjectIdentifier, kGost2012EncryptionSet>>; // encryptionParamSet
-
-// clang-format on
-}  // namespace schema
-
-static_assert(sizeof(::AlgorithmIdentifier) == schema::AlgorithmIdentifier.valueSize);
-static_assert(sizeof(::SubjectPublicKeyInfo) == schema::SubjectPublicKeyInfo.valueSize);
-static_assert(sizeof(GostParameters) == schema::GostR34102001Parameters.valueSize);
-static_assert(sizeof(GostParameters) == schema::GostR34102012Parameters.valueSize);
 
 // A null length gives 0 when the buffer is null too, so that a caller can skip the output, otherwise 32.
 Status GetAlgorithmIdentifierOid(const AlgorithmIdentifier* record, uint8_t* oid, uint32_t* length);

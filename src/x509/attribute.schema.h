@@ -6,27 +6,21 @@
 
 struct RsaAttribute {
     Asn1Value* type;
-    Asn1List* values;  // of Asn1Any
+    tlvforge::ListOf<Asn1Any>* values;
 };
 
-// What an RsaAttributes handle points to: a cell of its own, or the slot of a document. Null list: no attributes.
+struct RsaAttributeList : tlvforge::ListOf<RsaAttribute> {
+};  // What an RsaAttributes handle points to: a cell of its own, or the slot of a document. Null list: no attributes.
 struct RsaAttributesCell {
-    Asn1List* list;
+    RsaAttributeList* list;
 };
 
-namespace tlvforge {
-namespace schema {
+namespace tlvforge::schema {
 // clang-format off
 
-inline constexpr Asn1Item RsaAttribute = Sequence<
-    ObjectIdentifier, // type
-    SetOf<Any>>;      // values
+template <> struct Schema<RsaAttribute> : Record<
+    Field<&RsaAttribute::type, ObjectIdentifier>,
+    Field<&RsaAttribute::values, SetOf<Any>>> {};
 
-inline constexpr Asn1Item RsaAttributes = SetOf<RsaAttribute>;
-
-// clang-format on
-}  // namespace schema
-
-static_assert(sizeof(::RsaAttribute) == schema::RsaAttribute.valueSize);
-
-}  // namespace tlvforge
+template <> struct Schema<RsaAttributeList> : SetOf<RsaAttribute> {};  // clang-format on
+}  // namespace tlvforge::schema

@@ -3,57 +3,29 @@
 
 #include "names/names.schema.h"
 #include "tlvforge/certificate.h"
-#include "x509/algorithm.h"
+#include "x509/algorithm.schema.h"
 #include "x509/extension.schema.h"
 
 namespace tlvforge {
 
 struct Validity {
-    Asn1Choice* notBefore;
-    Asn1Choice* notAfter;
+    Time* notBefore;
+    Time* notAfter;
 };
 
 struct TBSCertificate {
     Asn1Value* version;  // 0, 1, 2 for versions 1, 2, 3
     Asn1Value* serialNumber;
     AlgorithmIdentifier* signature;
-    Asn1Choice* issuer;  // of one alternative, an X509Name
+    Name* issuer;
     Validity* validity;
-    Asn1Choice* subject;  // as issuer
+    Name* subject;
     SubjectPublicKeyInfo* subjectPublicKeyInfo;
     Asn1BitString* issuerUniqueID;
     Asn1BitString* subjectUniqueID;
     X509ExtensionsCell extensions;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item Validity = Sequence<
-    Time,  // notBefore
-    Time>; // notAfter
-
-inline constexpr Asn1Item TBSCertificate = Sequence<
-    Explicit<0, Default<Integer, kZero>>,    // version
-    Integer,                                 // serialNumber
-    AlgorithmIdentifier,                     // signature
-    Name,                                    // issuer
-    Validity,                                // validity
-    Name,                                    // subject
-    SubjectPublicKeyInfo,                    // subjectPublicKeyInfo
-    Optional<Implicit<1, BitString>>,        // issuerUniqueID
-    Optional<Implicit<2, BitString>>,        // subjectUniqueID
-    Optional<Explicit<3, X509Extensions>>>;  // extensions
-
-inline constexpr Asn1Item Certificate = Sequence<
-    TBSCertificate,      // tbsCertificate
-    AlgorithmIdentifier, // signatureAlgorithm
-    BitString>;          // signature
-
-inline constexpr Asn1Item Certificates = SequenceOf<Certificate>;
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct Certificate {
@@ -62,12 +34,31 @@ struct Certificate {
     Asn1BitString* signature;
 };
 
-struct Certificates : Asn1List {};  // of Certificate
+struct Certificates : tlvforge::ListOf<Certificate> {};
 
-namespace tlvforge {
+namespace tlvforge::schema {
+// clang-format off
 
-static_assert(sizeof(Validity) == schema::Validity.valueSize);
-static_assert(sizeof(TBSCertificate) == schema::TBSCertificate.valueSize);
-static_assert(sizeof(::Certificate) == schema::Certificate.valueSize);
+template <> struct Schema<Validity> : Record<
+    Field<&Validity::notBefore, Time>,
+    Field<&Validity::notAfter, Time>> {};
 
-}  // namespace tlvforge
+template <> struct Schema<TBSCertificate> : Record<
+    Field<&TBSCertificate::version, Explicit<0, Default<Integer, kZero>>>,
+    Field<&TBSCertificate::serialNumber, Integer>,
+    Field<&TBSCertificate::signature, AlgorithmIdentifier>,
+    Field<&TBSCertificate::issuer, Name>,
+    Field<&TBSCertificate::validity, Validity>,
+    Field<&TBSCertificate::subject, Name>,
+    Field<&TBSCertificate::subjectPublicKeyInfo, SubjectPublicKeyInfo>,
+    Field<&TBSCertificate::issuerUniqueID, Optional<Implicit<1, BitString>>>,
+    Field<&TBSCertificate::subjectUniqueID, Optional<Implicit<2, BitString>>>,
+    Field<&TBSCertificate::extensions, Optional<Explicit<3, X509ExtensionList>>>> {};
+
+template <> struct Schema<Certificate> : Record<
+    Field<&Certificate::tbsCertificate, TBSCertificate>,
+    Field<&Certificate::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&Certificate::signature, BitString>> {};
+
+template <> struct Schema<Certificates> : SequenceOf<Certificate> {};  // clang-format on
+}  // namespace tlvforge::schema

@@ -3,57 +3,33 @@
 
 #include "names/names.schema.h"
 #include "tlvforge/crl.h"
-#include "x509/algorithm.h"
+#include "x509/algorithm.schema.h"
 #include "x509/extension.schema.h"
-
-struct X509RevokedCertificates : Asn1List {};  // of X509RevokedCertificate
 
 namespace tlvforge {
 
 struct X509RevokedCertificate {
     Asn1Value* userCertificate;  // the serial number
-    Asn1Choice* revocationDate;
+    Time* revocationDate;
     X509ExtensionsCell crlEntryExtensions;
 };
+
+}  // namespace tlvforge
+
+struct X509RevokedCertificates : tlvforge::ListOf<tlvforge::X509RevokedCertificate> {};
+
+namespace tlvforge {
 
 struct TBSCertList {
     Asn1Value* version;  // absent or 0 for version 1, 1 for version 2
     AlgorithmIdentifier* signature;
-    Asn1Choice* issuer;  // of one alternative, an X509Name
-    Asn1Choice* thisUpdate;
-    Asn1Choice* nextUpdate;
+    Name* issuer;
+    Time* thisUpdate;
+    Time* nextUpdate;
     X509RevokedCertificates* revokedCertificates;
     X509ExtensionsCell crlExtensions;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item X509RevokedCertificate = Sequence<
-    Integer,                    // userCertificate
-    Time,                       // revocationDate
-    Optional<X509Extensions>>;  // crlEntryExtensions
-
-inline constexpr Asn1Item X509RevokedCertificates = SequenceOf<X509RevokedCertificate>;
-
-inline constexpr Asn1Item TBSCertList = Sequence<
-    Optional<Integer>,                       // version; without a default, so that a written 0 stays
-    AlgorithmIdentifier,                     // signature
-    Name,                                    // issuer
-    Time,                                    // thisUpdate
-    Optional<Time>,                          // nextUpdate
-    Optional<X509RevokedCertificates>,       // revokedCertificates
-    Optional<Explicit<0, X509Extensions>>>;  // crlExtensions
-
-inline constexpr Asn1Item X509Crl = Sequence<
-    TBSCertList,         // tbsCertList
-    AlgorithmIdentifier, // signatureAlgorithm
-    BitString>;          // signature
-
-inline constexpr Asn1Item X509Crls = SequenceOf<X509Crl>;
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct X509Crl {
@@ -62,12 +38,31 @@ struct X509Crl {
     Asn1BitString* signature;
 };
 
-struct X509Crls : Asn1List {};  // of X509Crl
+struct X509Crls : tlvforge::ListOf<X509Crl> {};
 
-namespace tlvforge {
+namespace tlvforge::schema {
+// clang-format off
 
-static_assert(sizeof(X509RevokedCertificate) == schema::X509RevokedCertificate.valueSize);
-static_assert(sizeof(TBSCertList) == schema::TBSCertList.valueSize);
-static_assert(sizeof(::X509Crl) == schema::X509Crl.valueSize);
+template <> struct Schema<X509RevokedCertificate> : Record<
+    Field<&X509RevokedCertificate::userCertificate, Integer>,
+    Field<&X509RevokedCertificate::revocationDate, Time>,
+    Field<&X509RevokedCertificate::crlEntryExtensions, Optional<X509ExtensionList>>> {};
 
-}  // namespace tlvforge
+template <> struct Schema<X509RevokedCertificates> : SequenceOf<X509RevokedCertificate> {};
+
+template <> struct Schema<TBSCertList> : Record<
+    Field<&TBSCertList::version, Optional<Integer>>,  // without a default, so that a written 0 stays
+    Field<&TBSCertList::signature, AlgorithmIdentifier>,
+    Field<&TBSCertList::issuer, Name>,
+    Field<&TBSCertList::thisUpdate, Time>,
+    Field<&TBSCertList::nextUpdate, Optional<Time>>,
+    Field<&TBSCertList::revokedCertificates, Optional<X509RevokedCertificates>>,
+    Field<&TBSCertList::crlExtensions, Optional<Explicit<0, X509ExtensionList>>>> {};
+
+template <> struct Schema<X509Crl> : Record<
+    Field<&X509Crl::tbsCertList, TBSCertList>,
+    Field<&X509Crl::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&X509Crl::signature, BitString>> {};
+
+template <> struct Schema<X509Crls> : SequenceOf<X509Crl> {};  // clang-format on
+}  // namespace tlvforge::schema

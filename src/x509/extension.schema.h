@@ -10,25 +10,19 @@ struct X509Extension {
     Asn1Value* extnValue;
 };
 
-// What an X509Extensions handle points to: a cell of its own, or the slot of a document. Null list: no extensions.
+struct X509ExtensionList : tlvforge::ListOf<X509Extension> {
+};  // What an X509Extensions handle points to: a cell of its own, or the slot of a document. Null list: no extensions.
 struct X509ExtensionsCell {
-    Asn1List* list;
+    X509ExtensionList* list;
 };
 
-namespace tlvforge {
-namespace schema {
+namespace tlvforge::schema {
 // clang-format off
 
-inline constexpr Asn1Item X509Extension = Sequence<
-    ObjectIdentifier,          // extnID
-    Default<Boolean, kFalse>,  // critical
-    OctetString>;              // extnValue
+template <> struct Schema<X509Extension> : Record<
+    Field<&X509Extension::extnID, ObjectIdentifier>,
+    Field<&X509Extension::critical, Default<Boolean, kFalse>>,
+    Field<&X509Extension::extnValue, OctetString>> {};
 
-inline constexpr Asn1Item X509Extensions = SequenceOf<X509Extension>;
-
-// clang-format on
-}  // namespace schema
-
-static_assert(sizeof(::X509Extension) == schema::X509Extension.valueSize);
-
-}  // namespace tlvforge
+template <> struct Schema<X509ExtensionList> : SequenceOf<X509Extension> {};  // clang-format on
+}  // namespace tlvforge::schema

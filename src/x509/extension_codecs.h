@@ -2,21 +2,24 @@
 #pragma once
 
 #include "engine/nodes.h"
-#include "tlvforge/extensions.h"
 #include "tlvforge/time.h"
+#include "x509/standard_extensions.schema.h"
 
 namespace tlvforge {
 
 // A decoder that answers an empty value as a bad argument, where the engine would call it bad encoding.
 template <class T>
-Status DecodeNonEmpty(const Asn1Item& item, const uint8_t* data, uint32_t length, T** out,
-                      Place place = Place::Here()) {
+Status DecodeNonEmpty(const uint8_t* data, uint32_t length, T** out, Place place = Place::Here()) {
     if (AnyNull(data, out) || length == 0) return Fail(StatusBadArgument, place);
-    return DecodeTree(item, data, length, out);
+    return DecodeTree(data, length, out);
 }
 
 // The remove function of a list; either a null list or a bad index is 32.
-Status RemoveListMember(Asn1List* list, uint32_t index, const Asn1Item& item, Place place = Place::Here());
+template <class Node>
+Status RemoveListMember(ListOf<Node>* list, uint32_t index, Place place = Place::Here()) {
+    if (list == nullptr) return Fail(StatusBadArgument, place);
+    return RemoveMember(list, index);
+}
 
 // An ENUMERATED as a 32-bit number.
 Status DecodeEnumerated(const uint8_t* data, uint32_t length, int32_t* number);
@@ -28,16 +31,8 @@ Status EncodeEnumerated(uint32_t number, uint8_t* buffer, uint32_t* length);
 Status GetOptionalTime(const Asn1Value* field, LibraryTime* time);
 Status SetOptionalTime(Asn1Value** field, const LibraryTime* time);
 
-// A SEQUENCE of two optional GeneralizedTimes.
-struct TimePair {
-    Asn1Value* first;
-    Asn1Value* second;
-};
-
-Status DecodeTimePair(const Asn1Item& item, const uint8_t* data, uint32_t length, LibraryTime* first,
-                      LibraryTime* second);
-Status EncodeTimePair(const Asn1Item& item, const LibraryTime* first, const LibraryTime* second, uint8_t* buffer,
-                      uint32_t* length);
+Status DecodeTimePair(const uint8_t* data, uint32_t length, LibraryTime* first, LibraryTime* second);
+Status EncodeTimePair(const LibraryTime* first, const LibraryTime* second, uint8_t* buffer, uint32_t* length);
 
 // A list of certificate policies as the encoder may walk it. The qualifier list of a policy can hold the policy itself
 // (see AddExtensionPolicyQualifier); the view leaves such members out, and a qualifier list that had no others.
@@ -46,11 +41,11 @@ class PoliciesView {
 public:
     // Status 1. A list without self references is not copied.
     Status Of(const ExtensionCertificatePolicies* policies);
-    const Asn1List* List() const { return list_; }
+    const ExtensionCertificatePolicies* List() const { return list_; }
 
 private:
-    const Asn1List* list_ = nullptr;
-    Asn1List filtered_{};
+    const ExtensionCertificatePolicies* list_ = nullptr;
+    ExtensionCertificatePolicies filtered_{};
     Block block_;
 };
 

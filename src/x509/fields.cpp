@@ -12,8 +12,8 @@ namespace {
 constexpr uint32_t kGostKeyWriteLimit = 256;
 constexpr uint32_t kGostKeyReadLimit = 270;
 
-void StoreName(Asn1Choice* slot, X509Name* name) {
-    (void)ClearAsn1Choice(schema::Name, slot);
+void StoreName(Name* slot, X509Name* name) {
+    (void)ClearAsn1Choice(itemOf<Name>, slot);
     slot->selected = 0;
     slot->value = name;
 }
@@ -21,14 +21,14 @@ void StoreName(Asn1Choice* slot, X509Name* name) {
 Status AddDirectoryName(X509GeneralNames* names, const X509Name* name) {
     Block encoded;
     uint32_t length = 0;
-    const Status status = Asn1Encode(name, &schema::X509Name, encoded.Slot(), &length);
+    const Status status = Asn1Encode(name, &itemOf<X509Name>, encoded.Slot(), &length);
     if (status != StatusOk) return status;
     return AddX509GeneralName(names, X509GeneralNameDirectoryName, encoded.Bytes(), length);
 }
 
 }  // namespace
 
-Status LendName(Asn1Choice* slot, X509Name** name, Place place) {
+Status LendName(Name* slot, X509Name** name, Place place) {
     if (slot == nullptr) return Fail(StatusAbsent, place);
     if (slot->value == nullptr) {
         slot->value = AllocAsn1List();
@@ -39,25 +39,25 @@ Status LendName(Asn1Choice* slot, X509Name** name, Place place) {
     return StatusOk;
 }
 
-Status CopyNameInto(Asn1Choice* slot, const X509Name* name, Place place) {
+Status CopyNameInto(Name* slot, const X509Name* name, Place place) {
     if (slot == nullptr) return Fail(StatusAbsent, place);
-    Tree<X509Name> copy(schema::X509Name);
+    Tree<X509Name> copy;
     const Status status = copy.CopyOf(name);
     StoreName(slot, copy.Take());
     return status;
 }
 
-Status MoveNameInto(Asn1Choice* slot, X509Name* name, Place place) {
+Status MoveNameInto(Name* slot, X509Name* name, Place place) {
     if (slot == nullptr) return Fail(StatusAbsent, place);
     if (slot->value != name) StoreName(slot, name);
     return StatusOk;
 }
 
-Status GetTimeField(const Asn1Choice* slot, LibraryTime* time, Place place) {
+Status GetTimeField(const Time* slot, LibraryTime* time, Place place) {
     return slot == nullptr ? Fail(StatusAbsent, place) : Asn1TimeToLibraryTime(slot, time);
 }
 
-Status SetTimeField(Asn1Choice* slot, const LibraryTime* time, Place place) {
+Status SetTimeField(Time* slot, const LibraryTime* time, Place place) {
     return slot == nullptr ? Fail(StatusAbsent, place) : LibraryTimeToAsn1Time(time, slot);
 }
 
@@ -125,7 +125,7 @@ Status SetGostAlgorithm(AlgorithmIdentifier* field, uint32_t algorithmId, uint8_
 Status SetAuthorityKeyIdentifier(X509Extensions extensions, const uint8_t* keyId, uint32_t keyIdLength,
                                  const X509Name* issuer, const uint8_t* serial, uint32_t serialLength, Place place) {
     if (keyId == nullptr && AnyNull(issuer, serial)) return Fail(StatusBadArgument, place);
-    Tree<X509GeneralNames> names(schema::X509GeneralNames);
+    Tree<X509GeneralNames> names;
     if (issuer != nullptr) {
         Status status = names.Create();
         if (status == StatusOk) status = AddDirectoryName(names.Get(), issuer);

@@ -2,6 +2,7 @@
 // in as null and gives 311. Failures are recorded at the place of the caller.
 #pragma once
 
+#include "engine/nodes.h"
 #include "names/names.schema.h"
 #include "x509/algorithm.h"
 #include "x509/extension.schema.h"
@@ -9,13 +10,13 @@
 namespace tlvforge {
 
 // Names behind a CHOICE of one alternative. LendName creates an empty name where there is none.
-Status LendName(Asn1Choice* slot, X509Name** name, Place place = Place::Here());
+Status LendName(Name* slot, X509Name** name, Place place = Place::Here());
 // The name may be the slot's own. A failed copy leaves the slot empty.
-Status CopyNameInto(Asn1Choice* slot, const X509Name* name, Place place = Place::Here());
-Status MoveNameInto(Asn1Choice* slot, X509Name* name, Place place = Place::Here());
+Status CopyNameInto(Name* slot, const X509Name* name, Place place = Place::Here());
+Status MoveNameInto(Name* slot, X509Name* name, Place place = Place::Here());
 
-Status GetTimeField(const Asn1Choice* slot, LibraryTime* time, Place place = Place::Here());
-Status SetTimeField(Asn1Choice* slot, const LibraryTime* time, Place place = Place::Here());
+Status GetTimeField(const Time* slot, LibraryTime* time, Place place = Place::Here());
+Status SetTimeField(Time* slot, const LibraryTime* time, Place place = Place::Here());
 
 // A BIT STRING of a document: its bytes alone. Replacing frees the old one in any case.
 Status GetBitStringField(const Asn1BitString* field, uint8_t* buffer, uint32_t* length, Place place = Place::Here());

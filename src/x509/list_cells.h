@@ -9,9 +9,12 @@
 
 namespace tlvforge {
 
+template <class T>
+using ListOfCell = NodeOf<std::remove_pointer_t<decltype(T::list)>>;
+
 // Moves a list into a cell of its own.
 template <class T>
-Status WrapInCell(Tree<Asn1List>* list, T** out, Place place) {
+Status WrapInCell(Tree<ListOfCell<T>>* list, T** out, Place place) {
     void* block = Allocate(sizeof(T));
     if (block == nullptr) return Fail(StatusOutOfMemory, place);
     *out = new (block) T{list->Take()};
@@ -19,50 +22,50 @@ Status WrapInCell(Tree<Asn1List>* list, T** out, Place place) {
 }
 
 template <class T>
-Status CreateCell(const Asn1Item& item, T** out, Place place = Place::Here()) {
+Status CreateCell(T** out, Place place = Place::Here()) {
     if (out == nullptr) return Fail(StatusBadArgument, place);
     *out = nullptr;
-    Tree<Asn1List> list(item);
+    Tree<ListOfCell<T>> list;
     const Status status = list.Create();
     return status == StatusOk ? WrapInCell(&list, out, place) : status;
 }
 
 // *out is stored on success only.
 template <class T>
-Status DecodeCell(const Asn1Item& item, const uint8_t* data, uint32_t length, T** out, Place place = Place::Here()) {
+Status DecodeCell(const uint8_t* data, uint32_t length, T** out, Place place = Place::Here()) {
     if (AnyNull(data, out)) return Fail(StatusBadArgument, place);
-    Tree<Asn1List> list(item);
+    Tree<ListOfCell<T>> list;
     const Status status = list.Decode(data, length);
     return status == StatusOk ? WrapInCell(&list, out, place) : status;
 }
 
 // An empty cell is 32, as the encoder takes it for a missing argument.
 template <class T>
-Status EncodeCell(const Asn1Item& item, const T* cell, uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
+Status EncodeCell(const T* cell, uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
     if (cell == nullptr) return Fail(StatusBadArgument, place);
-    return GetAsn1EncodedValue(cell->list, &item, buffer, length);
+    return EncodeTree(cell->list, buffer, length);
 }
 
 template <class T>
-Status FreeCell(const Asn1Item& item, T* cell) {
+Status FreeCell(T* cell) {
     if (cell == nullptr) return StatusOk;
-    FreeAsn1Object(&item, cell->list);
+    FreeTree(cell->list);
     Release(cell);
     return StatusOk;
 }
 
 template <class T>
-Status ClearCell(const Asn1Item& item, T* cell, Place place = Place::Here()) {
+Status ClearCell(T* cell, Place place = Place::Here()) {
     if (cell == nullptr) return Fail(StatusBadArgument, place);
-    if (cell->list != nullptr) ClearAsn1List(cell->list, *item.children[0]);
+    if (cell->list != nullptr) ClearList(cell->list);
     return StatusOk;
 }
 
 // Leaves an empty cell.
 template <class T>
-Status EmptyCell(const Asn1Item& item, T* cell, Place place = Place::Here()) {
+Status EmptyCell(T* cell, Place place = Place::Here()) {
     if (cell == nullptr) return Fail(StatusBadArgument, place);
-    FreeField(item, &cell->list);
+    FreeField(&cell->list);
     return StatusOk;
 }
 
@@ -81,21 +84,22 @@ Status SetCellSorted(T* cell, uint32_t sorted, Place place = Place::Here()) {
 }
 
 // Makes the list where there is none.
-inline Status NeedList(Asn1List** list, Place place = Place::Here()) {
-    if (*list == nullptr) *list = AllocAsn1List();
+template <class List>
+Status NeedList(List** list, Place place = Place::Here()) {
+    if (*list == nullptr) *list = AllocList<List>();
     return *list == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
 }
 
 // Whether a member has an OID in a field. Null members have none.
 template <class Member>
-bool HasOid(const Asn1List* list, uint32_t index, Asn1Value* Member::*field, const uint8_t* oid) {
-    const auto* member = static_cast<const Member*>(list->items[index]);
+bool HasOid(const ListOf<Member>* list, uint32_t index, Asn1Value* Member::*field, const uint8_t* oid) {
+    const Member* member = list->At(index);
     return member != nullptr && IsOidAndAsn1ObjectIdentifierEquals(oid, member->*field) != 0;
 }
 
 // The first member that has an OID in a field. Status 322 without one, also for null.
 template <class Member>
-Status FindByOid(const Asn1List* list, Asn1Value* Member::*field, const uint8_t* oid, uint32_t* index,
+Status FindByOid(const ListOf<Member>* list, Asn1Value* Member::*field, const uint8_t* oid, uint32_t* index,
                  Place place = Place::Here()) {
     const uint32_t count = GetAsn1ListLength(list);
     for (uint32_t i = 0; i < count; ++i) {

@@ -5,16 +5,12 @@
 
 using namespace tlvforge;
 
-Status CreatePKCS10CertReq(PKCS10CertReq** request) {
-    return CreateAsn1Object(&schema::PKCS10CertReq, Untyped(request), 1);
-}
+Status CreatePKCS10CertReq(PKCS10CertReq** request) { return CreateTree(request); }
 
-Status CreatePKCS10CertReqCopy(const PKCS10CertReq* request, PKCS10CertReq** copy) {
-    return CopyTree(schema::PKCS10CertReq, request, copy);
-}
+Status CreatePKCS10CertReqCopy(const PKCS10CertReq* request, PKCS10CertReq** copy) { return CopyTree(request, copy); }
 
 Status DecodePKCS10CertReq(const uint8_t* bytes, uint32_t length, PKCS10CertReq** request) {
-    Status status = DecodeTree(schema::PKCS10CertReq, bytes, length, request);
+    Status status = DecodeTree(bytes, length, request);
     RsaAttributes attributes = nullptr;
     if (status == StatusOk) status = GetPKCS10CertReqAttributes(*request, &attributes);
     // In the order that was read, so that the request goes out with the bytes that were signed.
@@ -22,13 +18,13 @@ Status DecodePKCS10CertReq(const uint8_t* bytes, uint32_t length, PKCS10CertReq*
 }
 
 Status EncodePKCS10CertReq(const PKCS10CertReq* request, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(request, &schema::PKCS10CertReq, buffer, length);
+    return EncodeTree(request, buffer, length);
 }
 
-Status FreePKCS10CertReq(PKCS10CertReq* request) { return FreeAsn1Object(&schema::PKCS10CertReq, request); }
+Status FreePKCS10CertReq(PKCS10CertReq* request) { return FreeTree(request); }
 
 Status GetPKCS10CertReqToBeSignedPart(const PKCS10CertReq* request, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(request, length)) return Fail(StatusBadArgument);
     if (request->certificationRequestInfo == nullptr) return Fail(StatusAbsent);
-    return GetAsn1EncodedValue(request->certificationRequestInfo, &schema::CertificationRequestInfo, buffer, length);
+    return EncodeTree(request->certificationRequestInfo, buffer, length);
 }

@@ -5,10 +5,6 @@
 #include "names/names.schema.h"
 #include "tlvforge/private_extensions.h"
 
-// Of StoreEntry. The other two kinds of store have no record of their own: their functions are those of this one.
-struct ExtensionStoreCertificates : Asn1List {};
-struct ExtensionOcspCheckFileExtResults : Asn1List {};  // of OcspCheckFileExtResult
-
 namespace tlvforge {
 
 struct IssuerSignTool {
@@ -49,6 +45,13 @@ struct StoreEntry {
     Asn1Value* data;
 };
 
+}  // namespace tlvforge
+
+// The other two kinds of store have no record of their own: their functions are those of this one.
+struct ExtensionStoreCertificates : tlvforge::ListOf<tlvforge::StoreEntry> {};
+
+namespace tlvforge {
+
 struct OcspCheckFileExtResult {
     Asn1Value* code;
     Asn1Value* text;
@@ -58,68 +61,52 @@ struct OcspCheckFileExtResult {
     X509GeneralNames* names;
 };
 
-namespace schema {
+}  // namespace tlvforge
+
+struct ExtensionOcspCheckFileExtResults : tlvforge::ListOf<tlvforge::OcspCheckFileExtResult> {};
+
+namespace tlvforge::schema {
 // clang-format off
 
-inline constexpr Asn1Item RequestBlockingDate = Sequence<
-    Optional<Implicit<0, GeneralizedTime>>,  // fromDate
-    Optional<Implicit<1, GeneralizedTime>>>; // toDate
+template <> struct Schema<IssuerSignTool> : Record<
+    Field<&IssuerSignTool::signTool, UTF8String>,
+    Field<&IssuerSignTool::cATool, UTF8String>,
+    Field<&IssuerSignTool::signToolCert, UTF8String>,
+    Field<&IssuerSignTool::cAToolCert, UTF8String>> {};
 
-inline constexpr Asn1Item IssuerSignTool = Sequence<
-    UTF8String,  // signTool
-    UTF8String,  // cATool
-    UTF8String,  // signToolCert
-    UTF8String>; // cAToolCert
+template <> struct Schema<KeyStorage> : Record<
+    Field<&KeyStorage::code, Enumerated>,
+    Field<&KeyStorage::text, Optional<UTF8String>>> {};  // Its first octet is B0.
+template <> struct Schema<OcspCheckTime2> : ContextOfKind<Record<
+    Field<&OcspCheckTime2::code, Enumerated>,
+    Field<&OcspCheckTime2::time, Optional<GeneralizedTime>>>> {};
 
-inline constexpr Asn1Item KeyStorage = Sequence<
-    Enumerated,            // code
-    Optional<UTF8String>>; // text
+template <> struct Schema<OcspCheckKeyMeshRegistry> : Record<
+    Field<&OcspCheckKeyMeshRegistry::firstName, UTF8String>,
+    Field<&OcspCheckKeyMeshRegistry::secondName, UTF8String>,
+    Field<&OcspCheckKeyMeshRegistry::code, Optional<Enumerated>>> {};  // Three fields have a number in the universal class, and so the first octets of other types: 03, 04 and 05.
+template <> struct Schema<OcspCheckFile> : Record<
+    Field<&OcspCheckFile::fileData, OctetString>,
+    Field<&OcspCheckFile::fileExtra1, Optional<Implicit<0, OctetString>>>,
+    Field<&OcspCheckFile::fileExtra2, Optional<Implicit<1, OctetString>>>,
+    Field<&OcspCheckFile::fileCode, Optional<Enumerated>>,
+    Field<&OcspCheckFile::fileText1, Optional<UniversalTag<3, UTF8String>>>,
+    Field<&OcspCheckFile::fileText2, Optional<UniversalTag<4, UTF8String>>>,
+    Field<&OcspCheckFile::fileCode2, Optional<UniversalTag<5, Enumerated>>>> {};
 
-// Its first octet is B0.
-inline constexpr Asn1Item OcspCheckTime2 = ContextOfKind<Sequence<
-    Enumerated,                  // code
-    Optional<GeneralizedTime>>>; // time
+template <> struct Schema<StoreEntry> : Record<
+    Field<&StoreEntry::type, Enumerated>,
+    Field<&StoreEntry::data, OctetString>> {};
 
-inline constexpr Asn1Item OcspCheckKeyMeshRegistry = Sequence<
-    UTF8String,            // firstName
-    UTF8String,            // secondName
-    Optional<Enumerated>>; // code
+template <> struct Schema<ExtensionStoreCertificates> : SequenceOf<StoreEntry> {};
 
-// Three fields have a number in the universal class, and so the first octets of other types: 03, 04 and 05.
-inline constexpr Asn1Item OcspCheckFile = Sequence<
-    OctetString,                            // fileData
-    Optional<Implicit<0, OctetString>>,     // fileExtra1
-    Optional<Implicit<1, OctetString>>,     // fileExtra2
-    Optional<Enumerated>,                   // fileCode
-    Optional<UniversalTag<3, UTF8String>>,  // fileText1
-    Optional<UniversalTag<4, UTF8String>>,  // fileText2
-    Optional<UniversalTag<5, Enumerated>>>; // fileCode2
+template <> struct Schema<OcspCheckFileExtResult> : Record<
+    Field<&OcspCheckFileExtResult::code, Enumerated>,
+    Field<&OcspCheckFileExtResult::text, UTF8String>,
+    Field<&OcspCheckFileExtResult::status, Enumerated>,
+    Field<&OcspCheckFileExtResult::time, Optional<GeneralizedTime>>,
+    Field<&OcspCheckFileExtResult::certificates, ExtensionStoreCertificates>,
+    Field<&OcspCheckFileExtResult::names, Optional<UniversalTag<0, X509GeneralNames>>>> {};  // the first octet is 20
 
-inline constexpr Asn1Item StoreEntry = Sequence<
-    Enumerated,   // type
-    OctetString>; // data
-
-inline constexpr Asn1Item StoreCertificates = SequenceOf<StoreEntry>;
-
-inline constexpr Asn1Item OcspCheckFileExtResult = Sequence<
-    Enumerated,                                   // code
-    UTF8String,                                   // text
-    Enumerated,                                   // status
-    Optional<GeneralizedTime>,                    // time
-    StoreCertificates,                            // certificates
-    Optional<UniversalTag<0, X509GeneralNames>>>; // names; the first octet is 20
-
-inline constexpr Asn1Item OcspCheckFileExtResults = SequenceOf<OcspCheckFileExtResult>;
-
-// clang-format on
-}  // namespace schema
-
-static_assert(sizeof(IssuerSignTool) == schema::IssuerSignTool.valueSize);
-static_assert(sizeof(KeyStorage) == schema::KeyStorage.valueSize);
-static_assert(sizeof(OcspCheckTime2) == schema::OcspCheckTime2.valueSize);
-static_assert(sizeof(OcspCheckKeyMeshRegistry) == schema::OcspCheckKeyMeshRegistry.valueSize);
-static_assert(sizeof(OcspCheckFile) == schema::OcspCheckFile.valueSize);
-static_assert(sizeof(StoreEntry) == schema::StoreEntry.valueSize);
-static_assert(sizeof(OcspCheckFileExtResult) == schema::OcspCheckFileExtResult.valueSize);
-
-}  // namespace tlvforge
+template <> struct Schema<ExtensionOcspCheckFileExtResults> : SequenceOf<OcspCheckFileExtResult> {};  // clang-format on
+}  // namespace tlvforge::schema

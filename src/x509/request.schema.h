@@ -3,34 +3,18 @@
 
 #include "names/names.schema.h"
 #include "tlvforge/request.h"
-#include "x509/algorithm.h"
+#include "x509/algorithm.schema.h"
 #include "x509/attribute.schema.h"
 
 namespace tlvforge {
 
 struct CertificationRequestInfo {
     Asn1Value* version;
-    Asn1Choice* subject;  // of one alternative, an X509Name
+    Name* subject;
     SubjectPublicKeyInfo* subjectPKInfo;
     RsaAttributesCell attributes;
 };
 
-namespace schema {
-// clang-format off
-
-inline constexpr Asn1Item CertificationRequestInfo = Sequence<
-    Integer,                     // version
-    Name,                        // subject
-    SubjectPublicKeyInfo,        // subjectPKInfo
-    Implicit<0, RsaAttributes>>; // attributes; may be empty, but not absent
-
-inline constexpr Asn1Item PKCS10CertReq = Sequence<
-    CertificationRequestInfo, // certificationRequestInfo
-    AlgorithmIdentifier,      // signatureAlgorithm
-    BitString>;               // signature
-
-// clang-format on
-}  // namespace schema
 }  // namespace tlvforge
 
 struct PKCS10CertReq {
@@ -39,9 +23,17 @@ struct PKCS10CertReq {
     Asn1BitString* signature;
 };
 
-namespace tlvforge {
+namespace tlvforge::schema {
+// clang-format off
 
-static_assert(sizeof(CertificationRequestInfo) == schema::CertificationRequestInfo.valueSize);
-static_assert(sizeof(::PKCS10CertReq) == schema::PKCS10CertReq.valueSize);
+template <> struct Schema<CertificationRequestInfo> : Record<
+    Field<&CertificationRequestInfo::version, Integer>,
+    Field<&CertificationRequestInfo::subject, Name>,
+    Field<&CertificationRequestInfo::subjectPKInfo, SubjectPublicKeyInfo>,
+    Field<&CertificationRequestInfo::attributes, Implicit<0, RsaAttributeList>>> {};  // may be empty, but not absent
 
-}  // namespace tlvforge
+template <> struct Schema<PKCS10CertReq> : Record<
+    Field<&PKCS10CertReq::certificationRequestInfo, CertificationRequestInfo>,
+    Field<&PKCS10CertReq::signatureAlgorithm, AlgorithmIdentifier>,
+    Field<&PKCS10CertReq::signature, BitString>> {};  // clang-format on
+}  // namespace tlvforge::schema

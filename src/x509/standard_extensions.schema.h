@@ -5,11 +5,6 @@
 #include "names/names.schema.h"
 #include "tlvforge/extensions.h"
 
-struct ExtensionCrlDistributionPoints : Asn1List {};       // of DistributionPoint
-struct ExtensionExtendedKeyUsage : Asn1List {};            // of Asn1Value
-struct ExtensionAuthorityInformationAccess : Asn1List {};  // of AccessDescription
-struct ExtensionCertificatePolicies : Asn1List {};         // of PolicyInformation
-
 namespace tlvforge {
 
 struct AuthorityKeyIdentifier {
@@ -23,14 +18,22 @@ struct BasicConstraints {
     Asn1Value* pathLenConstraint;
 };
 
+// Of privateKeyUsagePeriod: notBefore and notAfter; and of a private extension, its from and to.
+struct TimePair {
+    Asn1Value* first;
+    Asn1Value* second;
+};
+
+struct DistributionPointName : Asn1Choice {};
+
 struct DistributionPoint {
-    Asn1Choice* distributionPoint;  // DistributionPointName
+    DistributionPointName* distributionPoint;
     Asn1BitString* reasons;
     X509GeneralNames* cRLIssuer;
 };
 
 struct IssuingDistributionPoint {
-    Asn1Choice* distributionPoint;  // DistributionPointName
+    DistributionPointName* distributionPoint;
     Asn1Value* onlyContainsUserCerts;
     Asn1Value* onlyContainsCACerts;
     Asn1BitString* onlySomeReasons;
@@ -45,7 +48,7 @@ struct PolicyQualifierInfo {
 
 struct PolicyInformation {
     Asn1Value* policyIdentifier;
-    Asn1List* policyQualifiers;  // of PolicyQualifierInfo, and of the policy itself
+    ListOf<PolicyQualifierInfo>* policyQualifiers;  // and the policy itself: AddExtensionPolicyQualifier
 };
 
 struct AccessDescription {
@@ -53,71 +56,62 @@ struct AccessDescription {
     X509GeneralName* accessLocation;
 };
 
-namespace schema {
+}  // namespace tlvforge
+
+struct ExtensionCrlDistributionPoints : tlvforge::ListOf<tlvforge::DistributionPoint> {};
+struct ExtensionExtendedKeyUsage : tlvforge::ListOf<Asn1Value> {};
+struct ExtensionAuthorityInformationAccess : tlvforge::ListOf<tlvforge::AccessDescription> {};
+struct ExtensionCertificatePolicies : tlvforge::ListOf<tlvforge::PolicyInformation> {};
+
+namespace tlvforge::schema {
 // clang-format off
 
-inline constexpr Asn1Item AuthorityKeyIdentifier = Sequence<
-    Optional<Implicit<0, OctetString>>,      // keyIdentifier
-    Optional<Implicit<1, X509GeneralNames>>, // authorityCertIssuer
-    Optional<Implicit<2, Integer>>>;         // authorityCertSerialNumber
+template <> struct Schema<AuthorityKeyIdentifier> : Record<
+    Field<&AuthorityKeyIdentifier::keyIdentifier, Optional<Implicit<0, OctetString>>>,
+    Field<&AuthorityKeyIdentifier::authorityCertIssuer, Optional<Implicit<1, X509GeneralNames>>>,
+    Field<&AuthorityKeyIdentifier::authorityCertSerialNumber, Optional<Implicit<2, Integer>>>> {};
 
-inline constexpr Asn1Item BasicConstraints = Sequence<
-    Default<Boolean, kFalse>, // cA
-    Optional<Integer>>;       // pathLenConstraint
+template <> struct Schema<BasicConstraints> : Record<
+    Field<&BasicConstraints::cA, Default<Boolean, kFalse>>,
+    Field<&BasicConstraints::pathLenConstraint, Optional<Integer>>> {};
 
-inline constexpr Asn1Item PrivateKeyUsagePeriod = Sequence<
-    Optional<Implicit<0, GeneralizedTime>>,  // notBefore
-    Optional<Implicit<1, GeneralizedTime>>>; // notAfter
-
-// The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
+template <> struct Schema<TimePair> : Record<
+    Field<&TimePair::first, Optional<Implicit<0, GeneralizedTime>>>,
+    Field<&TimePair::second, Optional<Implicit<1, GeneralizedTime>>>> {};  // The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
 // tag: it can be written but not read back. That is the format.
-inline constexpr Asn1Item DistributionPointName = Choice<
+template <> struct Schema<DistributionPointName> : Choice<
     Implicit<0, X509GeneralNames>, // fullName
-    Implicit<1, Name>>;            // nameRelativeToCRLIssuer
+    Implicit<1, Name>> {};  // nameRelativeToCRLIssuer
 
-inline constexpr Asn1Item DistributionPoint = Sequence<
-    Optional<Explicit<0, DistributionPointName>>, // distributionPoint
-    Optional<Implicit<1, BitString>>,             // reasons
-    Optional<Implicit<2, X509GeneralNames>>>;     // cRLIssuer
+template <> struct Schema<DistributionPoint> : Record<
+    Field<&DistributionPoint::distributionPoint, Optional<Explicit<0, DistributionPointName>>>,
+    Field<&DistributionPoint::reasons, Optional<Implicit<1, BitString>>>,
+    Field<&DistributionPoint::cRLIssuer, Optional<Implicit<2, X509GeneralNames>>>> {};
 
-inline constexpr Asn1Item CRLDistributionPoints = SequenceOf<DistributionPoint>;
+template <> struct Schema<ExtensionCrlDistributionPoints> : SequenceOf<DistributionPoint> {};  // onlySomeReasons has the number of onlyContainsUserCerts, where RFC 5280 has 3. The bytes depend on it.
+template <> struct Schema<IssuingDistributionPoint> : Record<
+    Field<&IssuingDistributionPoint::distributionPoint, Optional<Explicit<0, DistributionPointName>>>,
+    Field<&IssuingDistributionPoint::onlyContainsUserCerts, Default<Implicit<1, Boolean>, kFalse>>,
+    Field<&IssuingDistributionPoint::onlyContainsCACerts, Default<Implicit<2, Boolean>, kFalse>>,
+    Field<&IssuingDistributionPoint::onlySomeReasons, Optional<Implicit<1, BitString>>>,
+    Field<&IssuingDistributionPoint::indirectCRL, Default<Implicit<4, Boolean>, kFalse>>,
+    Field<&IssuingDistributionPoint::onlyContainsAttributeCerts, Default<Implicit<5, Boolean>, kFalse>>> {};
 
-// onlySomeReasons has the number of onlyContainsUserCerts, where RFC 5280 has 3. The bytes depend on it.
-inline constexpr Asn1Item IssuingDistributionPoint = Sequence<
-    Optional<Explicit<0, DistributionPointName>>, // distributionPoint
-    Default<Implicit<1, Boolean>, kFalse>,        // onlyContainsUserCerts
-    Default<Implicit<2, Boolean>, kFalse>,        // onlyContainsCACerts
-    Optional<Implicit<1, BitString>>,             // onlySomeReasons
-    Default<Implicit<4, Boolean>, kFalse>,        // indirectCRL
-    Default<Implicit<5, Boolean>, kFalse>>;       // onlyContainsAttributeCerts
+template <> struct Schema<PolicyQualifierInfo> : Record<
+    Field<&PolicyQualifierInfo::policyQualifierId, ObjectIdentifier>,
+    Field<&PolicyQualifierInfo::qualifier, Any>> {};
 
-inline constexpr Asn1Item PolicyQualifierInfo = Sequence<
-    ObjectIdentifier, // policyQualifierId
-    Any>;             // qualifier
+template <> struct Schema<PolicyInformation> : Record<
+    Field<&PolicyInformation::policyIdentifier, ObjectIdentifier>,
+    Field<&PolicyInformation::policyQualifiers, Optional<SequenceOf<PolicyQualifierInfo>>>> {};
 
-inline constexpr Asn1Item PolicyInformation = Sequence<
-    ObjectIdentifier,                            // policyIdentifier
-    Optional<SequenceOf<PolicyQualifierInfo>>>;  // policyQualifiers
+template <> struct Schema<ExtensionCertificatePolicies> : SequenceOf<PolicyInformation> {};
 
-inline constexpr Asn1Item CertificatePolicies = SequenceOf<PolicyInformation>;
+template <> struct Schema<ExtensionExtendedKeyUsage> : SequenceOf<ObjectIdentifier> {};
 
-inline constexpr Asn1Item ExtendedKeyUsage = SequenceOf<ObjectIdentifier>;
+template <> struct Schema<AccessDescription> : Record<
+    Field<&AccessDescription::accessMethod, ObjectIdentifier>,
+    Field<&AccessDescription::accessLocation, X509GeneralName>> {};
 
-inline constexpr Asn1Item AccessDescription = Sequence<
-    ObjectIdentifier, // accessMethod
-    X509GeneralName>; // accessLocation
-
-inline constexpr Asn1Item AuthorityInformationAccess = SequenceOf<AccessDescription>;
-
-// clang-format on
-}  // namespace schema
-
-static_assert(sizeof(AuthorityKeyIdentifier) == schema::AuthorityKeyIdentifier.valueSize);
-static_assert(sizeof(BasicConstraints) == schema::BasicConstraints.valueSize);
-static_assert(sizeof(DistributionPoint) == schema::DistributionPoint.valueSize);
-static_assert(sizeof(IssuingDistributionPoint) == schema::IssuingDistributionPoint.valueSize);
-static_assert(sizeof(PolicyQualifierInfo) == schema::PolicyQualifierInfo.valueSize);
-static_assert(sizeof(PolicyInformation) == schema::PolicyInformation.valueSize);
-static_assert(sizeof(AccessDescription) == schema::AccessDescription.valueSize);
-
-}  // namespace tlvforge
+template <> struct Schema<ExtensionAuthorityInformationAccess> : SequenceOf<AccessDescription> {};  // clang-format on
+}  // namespace tlvforge::schema

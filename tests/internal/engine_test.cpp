@@ -2,31 +2,33 @@
 
 #include <pthread.h>
 
-#include "engine/items.h"
-#include "engine/nodes.h"
+#include "schema.h"
 #include "support.h"
 
 using namespace tlvforge;
 using namespace tlvforge::schema;
+using namespace test_schema;
 using namespace support;
 
 namespace {
 
 constexpr const Asn1Item* kNoItem[] = {nullptr};
-constexpr Asn1Item OneInteger = Sequence<Integer>;
-constexpr Asn1Item Integers = SetOf<Integer>;
-constexpr Asn1Item Anys = SequenceOf<Any>;
-constexpr Asn1Item FixedSet = {0, 0x20, 0, 17, -1, 8, childTable<Integer>, 1, nullptr};
-constexpr Asn1Item TwoElements = {0, 0x20, 0, 144, -1, 0, childTable<Integer, Integer>, 2, nullptr};
+using OneInteger = Sequence<Integer>;
+using Integers = SetOf<Integer>;
+using Anys = SequenceOf<Any>;
+using TwoIntegers = Sequence<Integer, Integer>;
+constexpr Asn1Item FixedSet = {0, 0x20, 0, 17, -1, 8, childTable<OneInteger>.items, 1, nullptr};
+constexpr Asn1Item TwoElements = {0, 0x20, 0, 144, -1, 0, childTable<TwoIntegers>.items, 2, nullptr};
 constexpr Asn1Item NoElement = {0, 0x20, 0, 144, -1, 0, nullptr, 1, nullptr};
 constexpr Asn1Item NoFields = {0, 0x20, 0, 16, -1, 8, nullptr, 1, nullptr},
                    NullField = {0, 0x20, 0, 16, -1, 8, kNoItem, 1, nullptr};
 constexpr Asn1Item NoAlternatives = {0, 0, 0, 128, -1, 0, nullptr, 1, nullptr};
 constexpr Asn1Item NumberlessExplicit = {0x80, 0, 1, 2, -1, 16, nullptr, 0, nullptr};
 constexpr Asn1Item UnknownKind = {0, 0, 0, 7, -1, 16, nullptr, 0, nullptr};
+constexpr const Asn1Value& kNull = ConstantValue<5, 0>;
 constexpr Asn1Item ConstructedOctets = {0, 0x20, 0, 4, -1, 16, nullptr, 0, nullptr};
-constexpr Asn1Item FarTooLarge = {0, 0x20, 0, 16, -1, 64, childTable<Integer>, 1, nullptr};
-constexpr Asn1Item FarTooSmall = {0, 0x20, 0, 16, -1, 0, childTable<Integer, Integer>, 2, nullptr};
+constexpr Asn1Item FarTooLarge = {0, 0x20, 0, 16, -1, 64, childTable<OneInteger>.items, 1, nullptr};
+constexpr Asn1Item FarTooSmall = {0, 0x20, 0, 16, -1, 0, childTable<TwoIntegers>.items, 2, nullptr};
 
 struct Node {
     const Asn1Item* item;
@@ -57,23 +59,23 @@ struct Row {
 // Rows of one item after the other.
 // clang-format off
 const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
-    {Sequence<Optional<Integer>, Default<Boolean, kFalse>>, {
+    {itemOf<Sequence<Optional<Integer>, Default<Boolean, kFalse>>>, {
         {"empty", "3000", "="}, {"empty, indefinite", "30800000", "3000"}, {"default", "3003 010100", "3000"},
         {"malformed header where an optional item may stand", "3001 02", "!302"}}},
-    {OneInteger, {
+    {itemOf<OneInteger>, {
         {"unknown fields behind the last", "3007 020105 0400 0500", "3003 020105"},
         {"unknown fields, indefinite", "3080 020105 0400 0000", "!335"}, {"unfinished", "3080 020105 00", "!335"},
         {"sequence past the end", "3084FFFFFFFD 020105", "!302"}}},
     {NullField, {{"field without item", "3003 020105", "!32"}}},
-    {Integer, {
+    {itemOf<Integer>, {
         {"length in one octet", "028101 05", "020105"}, {"length in four octets", "028400000001 05", "020105"},
         {"length in five", "02850000000001 05", "!304"}, {"length past the end", "0284FFFFFFFF 05", "!302"},
         {"length octets cut off", "028200", "!302"}, {"no content", "0200", "!307"}, {"nothing", "", "!302"},
         {"superfluous zeros", "0202007F", "!307"}, {"superfluous ones", "0202FF80", "!307"},
         {"needed zeros", "02020080", "="}, {"needed ones", "0202FF7F", "="}}},
-    {Optional<Integer>, {{"nothing", "", ""}, {"another tag", "0400", "", 2}}},
-    {Boolean, {{"neither", "010101", "!307"}, {"two bytes", "0102FFFF", "!307"}, {"true", "0101FF", "="}}},
-    {OctetString, {
+    {itemOf<Optional<Integer>>, {{"nothing", "", ""}, {"another tag", "0400", "", 2}}},
+    {itemOf<Boolean>, {{"neither", "010101", "!307"}, {"two bytes", "0102FFFF", "!307"}, {"true", "0101FF", "="}}},
+    {itemOf<OctetString>, {
         {"segments", "2480 0402AABB 040100 0400 0000 FF", "0403AABB00", 1},
         {"long constructed form", "2403 0401AA", "!302"}, {"segment of another class", "2480 8401AA 0000", "0401AA"},
         {"segment of another tag", "2480 0301AA 0000", "!336"}, {"end of the bytes", "2480 0401AA", "0401AA"},
@@ -81,40 +83,40 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"primitive indefinite", "0480 0000", "!335"}}},
     {ConstructedOctets, {
         {"segments of definite length", "2403 0401AA", "?"}, {"end of contents in them", "2402 0000", "!336"}}},
-    {BitString, {
+    {itemOf<BitString>, {
         {"no content", "0300", "!302"}, {"8 unused bits", "030208FF", "!302"},
         {"unused bits are cleared", "030207FF", "03020780"}, {"empty one keeps its count", "030105", "="},
         {"constructed", "2380 03020001 0000", "!32"}}},
-    {Sequence<Any>, {
+    {itemOf<Sequence<Any>>, {
         {"definite", "3004 A0020500", "="}, {"nested", "300B A080 30800000 020105 0000", "="},
         {"past the end", "3004 A0030500", "!302"}, {"past the end, nested", "3006 A080 0205 0102", "!335"},
         {"without end", "3006 A080 020105 00", "!302"}, {"end of the bytes", "3005 A080 020105", "!335"},
         {"end of the sequence is taken", "3080 0000", "!335"}}},
-    {Integers, {
+    {itemOf<Integers>, {
         {"out of order", "3106 020105 020103", "3106 020103 020105"}, {"one byte", "3101 02", "!302"},
         {"one byte behind the last", "3104 020105 00", "!302"}}},
-    {SetOf<OctetString>, {{"shorter first, unsigned", "310A 0402AABB 0401FF 0401AA", "310A 0401AA 0401FF 0402AABB"}}},
-    {Anys, {
+    {itemOf<SetOf<OctetString>>, {{"shorter first, unsigned", "310A 0402AABB 0401FF 0401AA", "310A 0401AA 0401FF 0402AABB"}}},
+    {itemOf<Anys>, {
         {"indefinite", "3080 020105 0500 0000", "3005 020105 0500"},
         {"end of the bytes", "3080 020105", "3003 020105"}}},
-    {Sequence<Explicit<0, Default<Integer, kZero>>, Integer>, {
+    {itemOf<Sequence<Explicit<0, Default<Integer, kZero>>, Integer>>, {
         {"wrapped", "3008 A003020101 020102", "="}, {"no wrapper", "3003 020102", "="},
         {"wrapper longer than its content", "3008 A006 020101 020102", "3008 A003020101 020102"},
         {"indefinite wrapper", "300A A080 020101 0000 020102", "3008 A003020101 020102"},
         {"unfinished", "3008 A080 020101 020102", "!335"}, {"another class", "3008 60030201 01 020102", "!302"}}},
-    {Sequence<Optional<Explicit<0, Integer>>, OctetString>, {
+    {itemOf<Sequence<Optional<Explicit<0, Integer>>, OctetString>>, {
         {"wrapped another tag", "3004 A002 0400", "3002 0400"}, {"empty wrapper", "3002 A000", "!302"}}},
-    {Time, {{"choice", "180130", "="}, {"no such alternative", "160130", "!302"}}},
-    {Explicit<0, Time>, {{"choice", "A003 180130", "="}}},
-    {Implicit<1, Choice<Integer, OctetString>>, {{"has no tag", "020105", "="}}},
-    {Implicit<3, Any>, {{"general any", "30020100", "A3020100"}}},
-    {Implicit<3, Integer>, {{"low tag in the high form", "9F030105", "830105"}, {"ends the bytes", "9F03", "!302"}}},
-    {Implicit<31, Integer>, {{"high tag", "9F1F0105", "="}, {"high tag cut off", "9F9F", "!302"}}},
-    {Implicit<128, Integer>, {{"high tag in two octets", "9F81000105", "="}}},
-    {Sequence<Optional<OctetString>>, {{"lying header of another tag", "3006 0284FFFFFFFF", "3000"}}},
-    {SequenceOf<Optional<Integer>>, {{"elements that are not there", "3002 0400", "!302"}}},
-    {Null, {{"null with content", "050100", "="}}},
-    {Default<Null, ConstantValue<5, 0>>, {{"default that can't be copied", "020105", "!300"}, {"nothing", "", "!300"}}},
+    {itemOf<Time>, {{"choice", "180130", "="}, {"no such alternative", "160130", "!302"}}},
+    {itemOf<Explicit<0, Time>>, {{"choice", "A003 180130", "="}}},
+    {itemOf<Implicit<1, Choice<Integer, OctetString>>>, {{"has no tag", "020105", "="}}},
+    {itemOf<Implicit<3, Any>>, {{"general any", "30020100", "A3020100"}}},
+    {itemOf<Implicit<3, Integer>>, {{"low tag in the high form", "9F030105", "830105"}, {"ends the bytes", "9F03", "!302"}}},
+    {itemOf<Implicit<31, Integer>>, {{"high tag", "9F1F0105", "="}, {"high tag cut off", "9F9F", "!302"}}},
+    {itemOf<Implicit<128, Integer>>, {{"high tag in two octets", "9F81000105", "="}}},
+    {itemOf<Sequence<Optional<OctetString>>>, {{"lying header of another tag", "3006 0284FFFFFFFF", "3000"}}},
+    {itemOf<SequenceOf<Optional<Integer>>>, {{"elements that are not there", "3002 0400", "!302"}}},
+    {itemOf<Null>, {{"null with content", "050100", "="}}},
+    {itemOf<Default<Null, kNull>>, {{"default that can't be copied", "020105", "!300"}, {"nothing", "", "!300"}}},
     {FarTooLarge, {{"schema size larger than its fields", "3003 020105", "="}}},
     {FarTooSmall, {{"schema size smaller than its fields", "3006 020101 020102", "="}}},
     {FixedSet, {{"set by position", "3103 020105", "?"}}}, {UnknownKind, {{"unknown kind", "070100", "!300"}}},
@@ -177,12 +179,12 @@ TEST(Engine, RefusesWhatCannotBeEncoded) {
     Asn1Value *none[] = {nullptr}, *one[] = {&value};
     // clang-format off
     const struct { const char* name; const Asn1Item& item; const void* node; Status status; } cases[] = {
-        {"bytes lost", Integer, &lost, 311},      {"required field gone", OneInteger, none, 311},
-        {"empty choice", Time, &empty, 311},      {"selector out of range", Time, &outside, 306},
-        {"list without table", Anys, &tableless, 311}, {"two element items", TwoElements, &tableless, 305},
+        {"bytes lost", itemOf<Integer>, &lost, 311},      {"required field gone", itemOf<OneInteger>, none, 311},
+        {"empty choice", itemOf<Time>, &empty, 311},      {"selector out of range", itemOf<Time>, &outside, 306},
+        {"list without table", itemOf<Anys>, &tableless, 311}, {"two element items", TwoElements, &tableless, 305},
         {"no fields", NoFields, one, 32}, {"field without item", NullField, one, 32},
         {"no alternatives", NoAlternatives, &first, 32}, {"fixed set", FixedSet, one, 300},
-        {"no number", NumberlessExplicit, &value, 305}, {"no node", Integer, nullptr, 32}};
+        {"no number", NumberlessExplicit, &value, 305}, {"no node", itemOf<Integer>, nullptr, 32}};
     // clang-format on
     for (const auto& c : cases) {
         uint32_t length = 0;
@@ -197,7 +199,7 @@ TEST(Engine, SortsLargeSetsAndKeepsUnsortedOnes) {
     Bytes content, sorted;
     for (int i = 300; i-- > 0;) content = content + Hex("0202") + Bytes{uint8_t(1 + i / 256), uint8_t(i)};
     for (int i = 0; i < 300; ++i) sorted = sorted + Hex("0202") + Bytes{uint8_t(1 + i / 256), uint8_t(i)};
-    Node node{&Integers};
+    Node node{&itemOf<Integers>};
     uint32_t consumed = 0;
     ASSERT_EQ(Decode(Tlv(0x31, content), &node, &consumed), 0u);
     EXPECT_EQ(Encode(node), Tlv(0x31, sorted));
@@ -206,9 +208,9 @@ TEST(Engine, SortsLargeSetsAndKeepsUnsortedOnes) {
 }
 
 template <int Depth>
-constexpr Asn1Item Nested = Sequence<Integer, Nested<Depth - 1>>;
+struct Nested : Sequence<Integer, Nested<Depth - 1>> {};
 template <>
-constexpr Asn1Item Nested<0> = Sequence<Integer>;
+struct Nested<0> : Sequence<Integer> {};
 
 // Encode measures for the size query and for the short buffer, and measures and writes for the full one.
 TEST(Engine, CostIsLinearInDepthAndSize) {
@@ -216,8 +218,8 @@ TEST(Engine, CostIsLinearInDepthAndSize) {
     Bytes nested = Hex("3003020105"), sets;
     for (uint32_t i = 0; i < kDepth; ++i) nested = Tlv(0x30, Hex("020105") + nested);
     for (uint32_t i = 0; i < kCount; ++i) sets = sets + Hex("3106 020105 020103");
-    const std::tuple<const Asn1Item&, Bytes, uint64_t> cases[] = {{Nested<kDepth>, nested, 2 * kDepth + 2},
-                                                                  {SetOf<Integers>, Tlv(0x31, sets), 3 * kCount + 1}};
+    const std::tuple<const Asn1Item&, Bytes, uint64_t> cases[] = {
+        {itemOf<Nested<kDepth>>, nested, 2 * kDepth + 2}, {itemOf<SetOf<Integers>>, Tlv(0x31, sets), 3 * kCount + 1}};
     for (const auto& [item, ber, nodes] : cases) {
         Node node{&item};
         uint32_t consumed = 0;
@@ -237,10 +239,10 @@ TEST(Engine, DeepInputNeedsNoStack) {
         Bytes closed(open);
         std::fill_n(closed.data() + closed.size() / 2, closed.size() / 2, uint8_t{0});
         uint32_t consumed = 0;
-        Node any{&Any}, sequence{&OneInteger};
-        EXPECT_EQ(Asn1DecodeItem(open.data(), Size(open), &Any, &any.root, &consumed), 335u);
-        EXPECT_EQ(Asn1DecodeItem(open.data(), Size(open), &OneInteger, &sequence.root, &consumed), 302u);
-        EXPECT_EQ(Asn1DecodeItem(closed.data(), Size(closed), &Any, &any.root, &consumed), 0u);
+        Node any{&itemOf<Any>}, sequence{&itemOf<OneInteger>};
+        EXPECT_EQ(Asn1DecodeItem(open.data(), Size(open), &itemOf<Any>, &any.root, &consumed), 335u);
+        EXPECT_EQ(Asn1DecodeItem(open.data(), Size(open), &itemOf<OneInteger>, &sequence.root, &consumed), 302u);
+        EXPECT_EQ(Asn1DecodeItem(closed.data(), Size(closed), &itemOf<Any>, &any.root, &consumed), 0u);
         EXPECT_EQ(consumed, closed.size());
         return nullptr;
     };

@@ -1,32 +1,34 @@
 // Trees as a whole, and the operations on single nodes that the documents share.
 
-#include "engine/items.h"
-#include "engine/nodes.h"
+#include "schema.h"
 #include "support.h"
 
 using namespace tlvforge;
 using namespace support;
+using namespace test_schema;
 
 namespace {
 
 constexpr Asn1Item UnknownKind = {0, 0, 0, 7, -1, 16, nullptr, 0, nullptr};
-constexpr Asn1Item ThreeIntegers = schema::Sequence<schema::Integer, schema::Integer, schema::Integer>;
-constexpr Asn1Item OptionalSequence = schema::Optional<ThreeIntegers>;
-constexpr Asn1Item Mixed =
-    schema::Sequence<schema::Default<schema::Boolean, schema::kFalse>, schema::ObjectIdentifier, schema::BitString,
-                     schema::Optional<schema::Null>, schema::Optional<schema::SequenceOf<schema::Integer>>,
-                     schema::Optional<schema::Time>>;
+constexpr const Asn1Item& Integer = itemOf<schema::Integer>;
+using Integers = schema::SequenceOf<schema::Integer>;
+using IntegerSequence = Sequence<schema::Integer, schema::Integer, schema::Integer>;
+constexpr const Asn1Item& ThreeIntegers = itemOf<IntegerSequence>;
+constexpr const Asn1Item& OptionalSequence = itemOf<schema::Optional<IntegerSequence>>;
+constexpr const Asn1Item& Mixed =
+    itemOf<Sequence<schema::Default<schema::Boolean, schema::kFalse>, schema::ObjectIdentifier, schema::BitString,
+                    schema::Optional<schema::Null>, schema::Optional<Integers>, schema::Optional<Time>>>;
 
-Tree<void*> Decoded(const Asn1Item& item, const char* hex) {
+AnyTree Decoded(const Asn1Item& item, const char* hex) {
     const Bytes bytes = Hex(hex);
-    Tree<void*> tree(item);
+    AnyTree tree(item);
     EXPECT_EQ(tree.Decode(bytes.data(), Size(bytes)), 0u) << hex;
-    return Tree<void*>(item, tree.Take());
+    return tree;
 }
 
 TEST(Tree, CreatesWhatFillAsksFor) {
     for (const uint32_t fill : {0u, 1u}) {
-        Tree<void*> tree(Mixed);
+        AnyTree tree(Mixed);
         ASSERT_EQ(tree.Create(fill), 0u);
         const auto* flag = static_cast<Asn1Value*>(tree.Get()[0]);
         ASSERT_NE(flag, nullptr) << "a default is copied with either";
@@ -37,7 +39,7 @@ TEST(Tree, CreatesWhatFillAsksFor) {
     }
     void* untouched = &untouched;
     // clang-format off
-    Check({{CreateAsn1Object(&schema::Integer, &untouched, 0), 0}, {untouched == &untouched, 1},
+    Check({{CreateAsn1Object(&Integer, &untouched, 0), 0}, {untouched == &untouched, 1},
            {CreateAsn1Object(&UnknownKind, &untouched, 1), 300},
            {CreateAsn1Object(&OptionalSequence, &untouched, 1), 0}, {untouched == nullptr, 1},
            {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), 32},
@@ -59,32 +61,32 @@ TEST(Tree, CopiesAndCompares) {
     uint32_t equal = 0;
     for (const auto& [left, right, copied, compared, same] : cases) {
         SCOPED_TRACE(left);
-        const Tree<void*> a = Decoded(Mixed, left), b = Decoded(Mixed, right);
-        Tree<void*> copy(Mixed);
-        Check({{copy.CopyOf(a.Get()), copied}, {copy ? 0 : 1, copied != 0}});
+        const AnyTree a = Decoded(Mixed, left), b = Decoded(Mixed, right);
+        AnyTree copy(Mixed);
+        Check({{copy.CopyOf(a.Get()), copied}, {copy.Get() != nullptr ? 0 : 1, copied != 0}});
         Check({{CompareAsn1Objects(&Mixed, a.Get(), b.Get(), &equal), compared}});
         EXPECT_TRUE(compared != 0 || equal == same);
         if (copied == 0) {
-            EXPECT_EQ(Fetch([&](uint8_t* out, uint32_t* n) { return copy.Encode(out, n); }), Hex(left));
+            EXPECT_EQ(Fetch(GetAsn1EncodedValue, copy.Get(), &Mixed), Hex(left));
         }
     }
     Check({{CompareAsn1Objects(&Mixed, nullptr, nullptr, &equal), 0}, {equal, 1}});
 }
 
 TEST(Tree, ListsGrowAndShrink) {
-    Tree<Asn1List> list(schema::SequenceOf<schema::Integer>, AllocAsn1List());
+    Tree<Integers> list(AllocList<ListOf<Asn1Value>>());
     std::vector<uint32_t> capacities;
     for (int32_t i = 0; i < 300; ++i) {
-        ASSERT_EQ(AddAsn1ListItem(list.Get(), schema::Integer, AllocAsn1Integer(i)), 0u);
+        ASSERT_EQ(AddAsn1ListItem(list.Get(), Integer, AllocAsn1Integer(i)), 0u);
         if (capacities.empty() || capacities.back() != list->capacity) capacities.push_back(list->capacity);
     }
     EXPECT_EQ(capacities, (std::vector<uint32_t>{10, 215, 522}));
     void* element = nullptr;
     int32_t number = 0;
     // clang-format off
-    Check({{RemoveAsn1ListItem(list.Get(), 7, schema::Integer), 0},
-           {RemoveAsn1ListItem(list.Get(), 299, schema::Integer), 32},
-           {RemoveAsn1ListItem(list.Get(), UINT32_MAX, schema::Integer), 32},
+    Check({{RemoveAsn1ListItem(list.Get(), 7, Integer), 0},
+           {RemoveAsn1ListItem(list.Get(), 299, Integer), 32},
+           {RemoveAsn1ListItem(list.Get(), UINT32_MAX, Integer), 32},
            {GetAsn1ListItem(list.Get(), 7, &element), 0},
            {GetAsn1Int32(static_cast<Asn1Value*>(element), &number), 0}, {number, 8},
            {GetAsn1ListItem(list.Get(), -1, &element), 32}, {GetAsn1ListLength(list.Get()), 299}});
@@ -93,13 +95,13 @@ TEST(Tree, ListsGrowAndShrink) {
     Bytes elements;
     for (uint32_t count = 0; count < 600; ++count, elements = elements + Hex("020101")) {
         const Bytes form = count % 2 != 0 ? Hex("3080") + elements + Hex("0000") : Tlv(0x30, elements);
-        const Tree<void*> decoded = Decoded(schema::SequenceOf<schema::Integer>, ToHex(form).c_str());
+        const AnyTree decoded = Decoded(itemOf<Integers>, ToHex(form).c_str());
         const auto* of = reinterpret_cast<Asn1List*>(decoded.Get());
         ASSERT_EQ(of->capacity, count == 0 ? 0u : count <= 10 ? 10u : count <= 215 ? 215u : count <= 522 ? 522u : 983u);
     }
-    const Tree<void*> one = Decoded(schema::SequenceOf<schema::Integer>, "3003 020101");
+    const AnyTree one = Decoded(itemOf<Integers>, "3003 020101");
     auto* small = reinterpret_cast<Asn1List*>(one.Get());
-    const auto add = [&] { return AddAsn1ListItem(small, schema::Integer, AllocAsn1Integer(1)); };
+    const auto add = [&] { return AddAsn1ListItem(small, Integer, AllocAsn1Integer(1)); };
     for (const void* table = small->items; small->count < 10;) Check({{add(), 0}, {table == small->items, 1}});
     Check({{add(), 0}, {small->count, 11}, {small->capacity, 215}});
 }

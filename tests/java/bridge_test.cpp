@@ -214,7 +214,7 @@ TEST(Bridge, WhatIsWrittenWithoutACapacityIsMeasuredFirst) {
 
 // Trees of a caller's own schema, whose addresses travel in a long[] or in the bytes of a byte[].
 TEST(Bridge, AddressesTravelInArrays) {
-    const Asn1Item& kList = tlvforge::schema::SequenceOf<tlvforge::schema::Integer>;
+    const Asn1Item& kList = tlvforge::itemOf<tlvforge::schema::SequenceOf<tlvforge::schema::Integer>>;
     FakeVm vm;
     const Bytes der = Hex("30 06 02 01 05 02 01 06");
     const jlongArray item = vm.Longs({reinterpret_cast<jlong>(&kList)});
@@ -247,7 +247,7 @@ TEST(Bridge, AddressesTravelInArrays) {
            {Call(vm, "FreeAsn1Object", item, root), 0}});
 
     // A choice goes in and its alternative comes out, node and item.
-    const Asn1Item& kChoice = tlvforge::schema::Choice<tlvforge::schema::Integer>;
+    const Asn1Item& kChoice = tlvforge::itemOf<tlvforge::schema::Choice<tlvforge::schema::Integer>>;
     Asn1Value value{};
     const Asn1Choice choice{0, &value};
     const Asn1Choice* address = &choice;
@@ -256,7 +256,7 @@ TEST(Bridge, AddressesTravelInArrays) {
     const jbyteArray node = vm.Bytes(bytes);
     const jlongArray type = vm.Longs({reinterpret_cast<jlong>(&kChoice)});
     EXPECT_EQ(Call(vm, "GetAsn1ChoiceUnderlyingType", node, type), 0);
-    EXPECT_EQ(FakeVm::LongOf(type), reinterpret_cast<jlong>(&tlvforge::schema::Integer));
+    EXPECT_EQ(FakeVm::LongOf(type), reinterpret_cast<jlong>(&tlvforge::itemOf<tlvforge::schema::Integer>));
     const Asn1Value* held = nullptr;
     memcpy(&held, FakeVm::BytesOf(node).data(), sizeof held);
     EXPECT_EQ(held, &value);

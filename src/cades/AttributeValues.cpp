@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "cms/value_parts.h"
+#include "cades/value_parts.h"
 #include "common/times.h"
 #include "tlvforge/oid.h"
 #include "x509/certificate.schema.h"
@@ -13,18 +13,19 @@ using namespace tlvforge;
 namespace {
 
 // The rule of the encoders that know no capacity: intended, their callers measure first.
-Status EncodeInFull(const Asn1Item& item, const void* node, uint8_t* buffer, uint32_t* length) {
+template <class Node>
+Status EncodeInFull(const Node* node, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
     uint32_t needed = UINT32_MAX;
-    const Status status = GetAsn1EncodedValue(node, &item, buffer, &needed);
+    const Status status = EncodeTree(node, buffer, &needed);
     if (status == StatusOk) *length = needed;
     return status;
 }
 
 // Moves a list of a decoded tree to the caller.
 template <class List>
-void HandOver(Asn1List** field, List** out) {
-    *out = static_cast<List*>(*field);
+void HandOver(List** field, List** out) {
+    *out = *field;
     *field = nullptr;
 }
 
@@ -47,12 +48,12 @@ Status SetTimeUnlessNull(Asn1Value** field, const LibraryTime* time) {
 // --- Signing certificates ---
 
 template <class List>
-Status DecodeSigningCertificate(const Asn1Item& item, const uint8_t* data, uint32_t length, List** certs,
+Status DecodeSigningCertificate(const uint8_t* data, uint32_t length, List** certs,
                                 ExtensionCertificatePolicies** policies) {
     if (AnyNull(data, certs, policies)) return Fail(StatusBadArgument);
     *certs = nullptr;
     *policies = nullptr;
-    Tree<SigningCertificate> value(item);
+    Tree<SigningCertificate<List>> value;
     const Status status = value.Decode(data, length);
     if (status != StatusOk) return status;
     HandOver(&value->certs, certs);
@@ -60,14 +61,15 @@ Status DecodeSigningCertificate(const Asn1Item& item, const uint8_t* data, uint3
     return StatusOk;
 }
 
-Status EncodeSigningCertificate(const Asn1Item& item, const Asn1List* certs,
-                                const ExtensionCertificatePolicies* policies, uint8_t* buffer, uint32_t* length) {
+template <class List>
+Status EncodeSigningCertificate(const List* certs, const ExtensionCertificatePolicies* policies, uint8_t* buffer,
+                                uint32_t* length) {
     if (AnyNull(certs, length)) return Fail(StatusBadArgument);
     PoliciesView view;
     const Status status = policies != nullptr ? view.Of(policies) : StatusOk;
     if (status != StatusOk) return status;
-    const SigningCertificate value = {Borrow(certs), Borrow(view.List())};
-    return EncodeInFull(item, &value, buffer, length);
+    const SigningCertificate<List> value = {Borrow(certs), Borrow(view.List())};
+    return EncodeInFull(&value, buffer, length);
 }
 
 // --- Hash index ---
@@ -76,12 +78,16 @@ Status EncodeSigningCertificate(const Asn1Item& item, const Asn1List* certs,
 Status DecodeHashIndex(const uint8_t* data, uint32_t length, Tree<AtsHashIndex>* index) {
     const Status status = index->Decode(data, length);
     if (status != StatusBadEncoding) return status;
-    Tree<AtsHashIndexLists> lists(schema::AtsHashIndexLists);
+    Tree<AtsHashIndexLists> lists;
     Status second = lists.Decode(data, length);
     if (second != StatusOk) return second == StatusOutOfMemory ? second : status;
     second = index->Create();
-    if (second == StatusOk) std::swap(index->Get()->lists, *lists.Get());
-    return second;
+    if (second != StatusOk) return second;
+    AtsHashIndex& found = *index->Get();
+    std::swap(found.certificatesHashIndex, lists->certificatesHashIndex);
+    std::swap(found.crlsHashIndex, lists->crlsHashIndex);
+    std::swap(found.unsignedAttrsHashIndex, lists->unsignedAttrsHashIndex);
+    return StatusOk;
 }
 
 }  // namespace
@@ -137,7 +143,7 @@ Status EncodeRsaAttributeSigningTimeValue(const LibraryTime* time, uint8_t* buff
 Status DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, LibraryTime* notBefore,
                                        LibraryTime* notAfter) {
     if (AnyNull(data, notBefore, notAfter)) return Fail(StatusBadArgument);
-    Tree<Validity> validity(schema::Validity);
+    Tree<Validity> validity;
     Status status = validity.Decode(data, length);
     if (status == StatusOk) status = Asn1TimeToLibraryTime(validity->notBefore, notBefore);
     return status == StatusOk ? Asn1TimeToLibraryTime(validity->notAfter, notAfter) : status;
@@ -146,7 +152,7 @@ Status DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, Lib
 Status EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
                                        uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<Validity> validity(schema::Validity);
+    Tree<Validity> validity;
     Status status = validity.Create();
     if (status == StatusOk) status = LibraryTimeToAsn1Time(notBefore, validity->notBefore);
     if (status == StatusOk) status = LibraryTimeToAsn1Time(notAfter, validity->notAfter);
@@ -156,7 +162,7 @@ Status EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const Libra
 Status DecodeRsaAttributeExtSubjInfoValue(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength,
                                           uint8_t* value, uint32_t* valueLength) {
     if (AnyNull(data, oidLength, valueLength)) return Fail(StatusBadArgument);
-    Tree<TypedValue> info(schema::TypedValue);
+    Tree<TypedValue> info;
     const Status status = info.Decode(data, length);
     return status == StatusOk ? ReadTypedValue(info.Get(), {oid, oidLength}, {value, valueLength}) : status;
 }
@@ -165,7 +171,7 @@ Status EncodeRsaAttributeExtSubjInfoValue(const uint8_t* oid, const uint8_t* val
                                           uint8_t* buffer, uint32_t* length) {
     if (AnyNull(oid, value, length)) return Fail(StatusBadArgument);
     TypedValueView info(oid, value, valueLength);
-    return GetAsn1EncodedValue(info.Get(), &schema::TypedValue, buffer, length);
+    return EncodeTree(info.Get(), buffer, length);
 }
 
 Status DecodeDocInfo(const uint8_t* data, uint32_t length, int32_t* docType, uint8_t* text0, uint32_t* text0Length,
@@ -174,7 +180,7 @@ Status DecodeDocInfo(const uint8_t* data, uint32_t length, int32_t* docType, uin
     if (AnyNull(data, docType, text0Length, text1Length, text2Length, time3, time4, text5Length)) {
         return Fail(StatusBadArgument);
     }
-    Tree<DocInfo> info(schema::DocInfo);
+    Tree<DocInfo> info;
     Status result = info.Decode(data, length);
     if (result != StatusOk) return result;
     const Status statuses[] = {GetAsn1Int32(info->docType, docType),
@@ -195,7 +201,7 @@ Status EncodeDocInfo(uint32_t docType, const uint8_t* text0, uint32_t text0Lengt
                      uint32_t text1Length, const uint8_t*, uint32_t, const LibraryTime* time3, const LibraryTime* time4,
                      const uint8_t* text5, uint32_t text5Length, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<DocInfo> info(schema::DocInfo);
+    Tree<DocInfo> info;
     Status status = info.Create();
     if (status == StatusOk) status = SetAsn1Int32Field(&info->docType, static_cast<int32_t>(docType));
     if (status == StatusOk) status = SetText(&info->text0, text0, text0Length);
@@ -210,54 +216,52 @@ Status EncodeDocInfo(uint32_t docType, const uint8_t* text0, uint32_t text0Lengt
 
 Status DecodeRsaAttributeSigningCertificateValue(const uint8_t* data, uint32_t length, ESSCertIDs** certs,
                                                  ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDs>, data, length, certs, policies);
+    return DecodeSigningCertificate(data, length, certs, policies);
 }
 
 Status DecodeRsaAttributeSigningCertificateV2Value(const uint8_t* data, uint32_t length, ESSCertIDsV2** certs,
                                                    ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDsV2>, data, length, certs, policies);
+    return DecodeSigningCertificate(data, length, certs, policies);
 }
 
 Status DecodeRsaAttributeOtherSigningCertificateValue(const uint8_t* data, uint32_t length, OtherCertIDs** certs,
                                                       ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(schema::SigningCertificateOf<schema::OtherCertIDs>, data, length, certs, policies);
+    return DecodeSigningCertificate(data, length, certs, policies);
 }
 
 Status EncodeRsaAttributeSigningCertificateValue(const ESSCertIDs* certs, const ExtensionCertificatePolicies* policies,
                                                  uint8_t* buffer, uint32_t* length) {
-    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDs>, certs, policies, buffer, length);
+    return EncodeSigningCertificate(certs, policies, buffer, length);
 }
 
 Status EncodeRsaAttributeSigningCertificateV2Value(const ESSCertIDsV2* certs,
                                                    const ExtensionCertificatePolicies* policies, uint8_t* buffer,
                                                    uint32_t* length) {
-    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::ESSCertIDsV2>, certs, policies, buffer,
-                                    length);
+    return EncodeSigningCertificate(certs, policies, buffer, length);
 }
 
 Status EncodeRsaAttributeOtherSigningCertificateValue(const OtherCertIDs* certs,
                                                       const ExtensionCertificatePolicies* policies, uint8_t* buffer,
                                                       uint32_t* length) {
-    return EncodeSigningCertificate(schema::SigningCertificateOf<schema::OtherCertIDs>, certs, policies, buffer,
-                                    length);
+    return EncodeSigningCertificate(certs, policies, buffer, length);
 }
 
 Status DecodeOtherCertIDs(const uint8_t* data, uint32_t length, OtherCertIDs** list) {
-    return DecodeTree(schema::OtherCertIDs, data, length, list);
+    return DecodeTree(data, length, list);
 }
 
 Status EncodeOtherCertIDs(const OtherCertIDs* list, uint8_t* buffer, uint32_t* length) {
-    return EncodeInFull(schema::OtherCertIDs, list, buffer, length);
+    return EncodeInFull(list, buffer, length);
 }
 
 // --- Revocation data ---
 
 Status DecodeRsaAttributeCompleteRevocationRefs(const uint8_t* data, uint32_t length, CrlOcspRefs** list) {
-    return DecodeTree(schema::CrlOcspRefs, data, length, list);
+    return DecodeTree(data, length, list);
 }
 
 Status EncodeRsaAttributeCompleteRevocationRefs(const CrlOcspRefs* list, uint8_t* buffer, uint32_t* length) {
-    return EncodeInFull(schema::CrlOcspRefs, list, buffer, length);
+    return EncodeInFull(list, buffer, length);
 }
 
 Status DecodeRsaAttributeRevocationValues(const uint8_t* data, uint32_t length, X509Crls** crls,
@@ -266,7 +270,7 @@ Status DecodeRsaAttributeRevocationValues(const uint8_t* data, uint32_t length, 
     if (AnyNull(data, crls, ocsps, otherOidLength, otherValueLength)) return Fail(StatusBadArgument);
     *crls = nullptr;
     *ocsps = nullptr;
-    Tree<RevocationValues> values(schema::RevocationValues);
+    Tree<RevocationValues> values;
     const Status status = values.Decode(data, length);
     if (status != StatusOk) return status;
     HandOver(&values->crlVals, crls);
@@ -280,7 +284,7 @@ Status EncodeRsaAttributeRevocationValues(const X509Crls* crls, const OcspBasicR
     TypedValueView other(otherOid, otherValue, otherLength);
     const bool hasOther = otherValue != nullptr && otherLength != 0;
     const RevocationValues values = {Borrow(crls), Borrow(ocsps), hasOther ? other.Get() : nullptr};
-    return EncodeInFull(schema::RevocationValues, &values, buffer, length);
+    return EncodeInFull(&values, buffer, length);
 }
 
 Status DecodeRsaAttributeAtsHashIndex(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength,
@@ -290,12 +294,12 @@ Status DecodeRsaAttributeAtsHashIndex(const uint8_t* data, uint32_t length, uint
         return Fail(StatusBadArgument);
     }
     *certificates = *crls = *attributes = nullptr;
-    Tree<AtsHashIndex> index(schema::AtsHashIndex);
+    Tree<AtsHashIndex> index;
     const Status status = DecodeHashIndex(data, length, &index);
     if (status != StatusOk) return status;
-    HandOver(&index->lists.certificatesHashIndex, certificates);
-    HandOver(&index->lists.crlsHashIndex, crls);
-    HandOver(&index->lists.unsignedAttrsHashIndex, attributes);
+    HandOver(&index->certificatesHashIndex, certificates);
+    HandOver(&index->crlsHashIndex, crls);
+    HandOver(&index->unsignedAttrsHashIndex, attributes);
     // A buffer that is too small is no failure here: intended, callers compare the lengths themselves.
     (void)GetAlgorithmIdentifierOidAndParameters(index->hashIndAlgorithm, oid, oidLength, parameters, parametersLength);
     return StatusOk;
@@ -306,8 +310,8 @@ Status EncodeRsaAttributeAtsHashIndex(const uint8_t* oid, const uint8_t* paramet
                                       const OctetStrings* attributes, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(oid, certificates, crls, attributes, length)) return Fail(StatusBadArgument);
     AlgorithmView algorithm(oid, parameters, parametersLength);
-    const AtsHashIndex index = {algorithm.Get(), {Borrow(certificates), Borrow(crls), Borrow(attributes)}};
-    return EncodeInFull(schema::AtsHashIndex, &index, buffer, length);
+    const AtsHashIndex index = {algorithm.Get(), Borrow(certificates), Borrow(crls), Borrow(attributes)};
+    return EncodeInFull(&index, buffer, length);
 }
 
 // --- One function under the names of several attributes ---

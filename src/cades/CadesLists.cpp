@@ -1,6 +1,6 @@
 #include "tlvforge/attribute_values.h"
 
-#include "cms/value_parts.h"
+#include "cades/value_parts.h"
 #include "common/times.h"
 
 using namespace tlvforge;
@@ -10,8 +10,8 @@ namespace {
 // --- Adding: a view of the member is made of the arguments, and its copy appended ---
 
 template <class Record>
-Status AddCopy(Asn1List* list, const Asn1Item& item, const Record& view) {
-    Tree<Record> member(item);
+Status AddCopy(ListOf<Record>* list, const Record& view) {
+    Tree<Record> member;
     const Status status = member.CopyOf(&view);
     return status == StatusOk ? member.MoveTo(list) : status;
 }
@@ -41,25 +41,25 @@ public:
                   uint32_t parametersLength)
         : hash_(ViewOfHash(hash, hashLength)), algorithm_(oid, parameters, parametersLength) {
         withAlgorithm_ = {algorithm_.Get(), &hash_};
-        choice_ = oid == nullptr ? Asn1Choice{kSha1Hash, &hash_} : Asn1Choice{kHashWithAlgorithm, &withAlgorithm_};
+        choice_ = oid == nullptr ? OtherHash{{kSha1Hash, &hash_}} : OtherHash{{kHashWithAlgorithm, &withAlgorithm_}};
     }
     OtherHashView(const OtherHashView&) = delete;
     OtherHashView& operator=(const OtherHashView&) = delete;
 
-    Asn1Choice* Get() { return hash_.data != nullptr ? &choice_ : nullptr; }
+    OtherHash* Get() { return hash_.data != nullptr ? &choice_ : nullptr; }
 
 private:
     Asn1Value hash_;
     AlgorithmView algorithm_;
     OtherHashAlgAndValue withAlgorithm_;
-    Asn1Choice choice_;
+    OtherHash choice_;
 };
 
 // --- Reading ---
 
 // The member at an index, part by part.
 template <class Record, class... Reads>
-Status ReadMember(const Asn1List* list, uint32_t index, Reads... reads) {
+Status ReadMember(const ListOf<Record>* list, uint32_t index, Reads... reads) {
     Record* member = nullptr;
     const Status status = GetListMember(list, index, &member);
     return status == StatusOk ? ReadEach([&] { return reads(*member); }...) : status;
@@ -114,10 +114,10 @@ Status ReadHashOf(const ESSCertIDv2& id, const HashOutputs& out) {
 Status ReadHashOf(const OtherCertID& id, const HashOutputs& out) { return ReadOtherHash(id.otherCertHash, out); }
 
 template <class Record>
-Status ReadCertID(const Asn1List* list, uint32_t index, const HashOutputs& out, X509GeneralNames** issuer,
+Status ReadCertID(const ListOf<Record>* list, uint32_t index, const HashOutputs& out, X509GeneralNames** issuer,
                   Output serial) {
     if (out.LackLength() || serial.length == nullptr) return Fail(StatusBadArgument);
-    return ReadMember<Record>(
+    return ReadMember(
         list, index, [&](auto& id) { return ReadHashOf(id, out); },
         [&](auto& id) { return ReadIssuerSerial(id.issuerSerial, issuer, serial); });
 }
@@ -142,27 +142,27 @@ Status ReadResponder(const Asn1Choice* choice, void** responder, Output keyHash)
 }
 
 template <class List>
-List* Unwrapped(const WrappedList* wrapper) {
-    return wrapper != nullptr ? static_cast<List*>(wrapper->list) : nullptr;
+List* Unwrapped(const Wrapped<List>* wrapper) {
+    return wrapper != nullptr ? wrapper->list : nullptr;
 }
 
 }  // namespace
 
 // --- Create, free, count ---
 
-Status CreateESSCertIDs(ESSCertIDs** list) { return CreateAsn1Object(&schema::ESSCertIDs, Untyped(list), 0); }
-Status CreateESSCertIDsV2(ESSCertIDsV2** list) { return CreateAsn1Object(&schema::ESSCertIDsV2, Untyped(list), 0); }
-Status CreateOtherCertIDs(OtherCertIDs** list) { return CreateAsn1Object(&schema::OtherCertIDs, Untyped(list), 0); }
-Status CreateCrlListIDs(CrlListIDs** list) { return CreateAsn1Object(&schema::CrlListIDs, Untyped(list), 0); }
-Status CreateOcspListIDs(OcspListIDs** list) { return CreateAsn1Object(&schema::OcspListIDs, Untyped(list), 0); }
-Status CreateCrlOcspRefs(CrlOcspRefs** list) { return CreateAsn1Object(&schema::CrlOcspRefs, Untyped(list), 0); }
+Status CreateESSCertIDs(ESSCertIDs** list) { return CreateTree(list); }
+Status CreateESSCertIDsV2(ESSCertIDsV2** list) { return CreateTree(list); }
+Status CreateOtherCertIDs(OtherCertIDs** list) { return CreateTree(list); }
+Status CreateCrlListIDs(CrlListIDs** list) { return CreateTree(list); }
+Status CreateOcspListIDs(OcspListIDs** list) { return CreateTree(list); }
+Status CreateCrlOcspRefs(CrlOcspRefs** list) { return CreateTree(list); }
 
-Status FreeESSCertIDs(ESSCertIDs* list) { return FreeAsn1Object(&schema::ESSCertIDs, list); }
-Status FreeESSCertIDsV2(ESSCertIDsV2* list) { return FreeAsn1Object(&schema::ESSCertIDsV2, list); }
-Status FreeOtherCertIDs(OtherCertIDs* list) { return FreeAsn1Object(&schema::OtherCertIDs, list); }
-Status FreeCrlListIDs(CrlListIDs* list) { return FreeAsn1Object(&schema::CrlListIDs, list); }
-Status FreeOcspListIDs(OcspListIDs* list) { return FreeAsn1Object(&schema::OcspListIDs, list); }
-Status FreeCrlOcspRefs(CrlOcspRefs* list) { return FreeAsn1Object(&schema::CrlOcspRefs, list); }
+Status FreeESSCertIDs(ESSCertIDs* list) { return FreeTree(list); }
+Status FreeESSCertIDsV2(ESSCertIDsV2* list) { return FreeTree(list); }
+Status FreeOtherCertIDs(OtherCertIDs* list) { return FreeTree(list); }
+Status FreeCrlListIDs(CrlListIDs* list) { return FreeTree(list); }
+Status FreeOcspListIDs(OcspListIDs* list) { return FreeTree(list); }
+Status FreeCrlOcspRefs(CrlOcspRefs* list) { return FreeTree(list); }
 
 Status GetESSCertIDCount(const ESSCertIDs* list, uint32_t* count) { return GetListCount(list, count); }
 Status GetESSCertIDV2Count(const ESSCertIDsV2* list, uint32_t* count) { return GetListCount(list, count); }
@@ -178,13 +178,13 @@ Status AddESSCertIDToList(ESSCertIDs* list, const uint8_t* hash, uint32_t hashLe
     IssuerSerialView issuerSerial(issuer, serial, serialLength);
     if (AnyNull(list, hash) || issuerSerial.IsHalf()) return Fail(StatusBadArgument);
     Asn1Value hashView = ViewOfHash(hash, hashLength);
-    return AddCopy(list, schema::ESSCertID, ESSCertID{&hashView, issuerSerial.Get()});
+    return AddCopy(list, ESSCertID{&hashView, issuerSerial.Get()});
 }
 
 Status GetESSCertIDInformation(const ESSCertIDs* list, uint32_t index, uint8_t* hash, uint32_t* hashLength,
                                X509GeneralNames** issuer, uint8_t* serial, uint32_t* serialLength) {
     if (AnyNull(hashLength, serialLength)) return Fail(StatusBadArgument);
-    return ReadMember<ESSCertID>(
+    return ReadMember(
         list, index,
         [&](auto& id) {
             return ReadHash(id.certHash, {hash, hashLength});
@@ -201,14 +201,14 @@ Status AddESSCertIDv2ToList(ESSCertIDsV2* list, const uint8_t* oid, const uint8_
     if (AnyNull(list, oid, hash) || issuerSerial.IsHalf()) return Fail(StatusBadArgument);
     AlgorithmView algorithm(oid, parameters, parametersLength);
     Asn1Value hashView = ViewOfHash(hash, hashLength);
-    return AddCopy(list, schema::ESSCertIDv2, ESSCertIDv2{algorithm.Get(), &hashView, issuerSerial.Get()});
+    return AddCopy(list, ESSCertIDv2{algorithm.Get(), &hashView, issuerSerial.Get()});
 }
 
 Status GetESSCertIDV2Information(const ESSCertIDsV2* list, uint32_t index, uint8_t* oid, uint32_t* oidLength,
                                  uint8_t* parameters, uint32_t* parametersLength, uint8_t* hash, uint32_t* hashLength,
                                  X509GeneralNames** issuer, uint8_t* serial, uint32_t* serialLength) {
-    return ReadCertID<ESSCertIDv2>(list, index, {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}},
-                                   issuer, {serial, serialLength});
+    return ReadCertID(list, index, {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}}, issuer,
+                      {serial, serialLength});
 }
 
 Status AddOtherCertIDToList(OtherCertIDs* list, const uint8_t* oid, const uint8_t* parameters,
@@ -217,14 +217,14 @@ Status AddOtherCertIDToList(OtherCertIDs* list, const uint8_t* oid, const uint8_
     IssuerSerialView issuerSerial(issuer, serial, serialLength);
     if (AnyNull(list, hash) || issuerSerial.IsHalf()) return Fail(StatusBadArgument);
     OtherHashView otherHash(hash, hashLength, oid, parameters, parametersLength);
-    return AddCopy(list, schema::OtherCertID, OtherCertID{otherHash.Get(), issuerSerial.Get()});
+    return AddCopy(list, OtherCertID{otherHash.Get(), issuerSerial.Get()});
 }
 
 Status GetOtherCertIDInformation(const OtherCertIDs* list, uint32_t index, uint8_t* oid, uint32_t* oidLength,
                                  uint8_t* parameters, uint32_t* parametersLength, uint8_t* hash, uint32_t* hashLength,
                                  X509GeneralNames** issuer, uint8_t* serial, uint32_t* serialLength) {
-    return ReadCertID<OtherCertID>(list, index, {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}},
-                                   issuer, {serial, serialLength});
+    return ReadCertID(list, index, {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}}, issuer,
+                      {serial, serialLength});
 }
 
 // --- CRLs and OCSP responses. A time that can't be written adds nothing and is no failure: intended, callers look at
@@ -235,13 +235,13 @@ Status AddCrlValidatedIdToList(CrlListIDs* list, const uint8_t* hash, uint32_t h
                                const LibraryTime* issued, const uint8_t* number, uint32_t numberLength) {
     if (AnyNull(list, hash)) return Fail(StatusBadArgument);
     OtherHashView crlHash(hash, hashLength, oid, parameters, parametersLength);
-    if (issuer == nullptr) return AddCopy(list, schema::CrlValidatedID, CrlValidatedID{crlHash.Get(), nullptr});
-    const Tree<Asn1Value> time(schema::UTCTime, LibraryTimeToUtcTime(issued));
+    if (issuer == nullptr) return AddCopy(list, CrlValidatedID{crlHash.Get(), nullptr});
+    const Tree<schema::UTCTime> time(LibraryTimeToUtcTime(issued));
     if (!time) return StatusOk;
     Asn1Value numberView = ViewOf(Asn1KindInteger, number, numberLength);
     const bool hasNumber = number != nullptr && numberLength != 0;
     CrlIdentifier identifier = {Borrow(issuer), time.Get(), hasNumber ? &numberView : nullptr};
-    return AddCopy(list, schema::CrlValidatedID, CrlValidatedID{crlHash.Get(), &identifier});
+    return AddCopy(list, CrlValidatedID{crlHash.Get(), &identifier});
 }
 
 Status GetCrlValidatedIdInformation(const CrlListIDs* list, uint32_t index, uint8_t* hash, uint32_t* hashLength,
@@ -249,7 +249,7 @@ Status GetCrlValidatedIdInformation(const CrlListIDs* list, uint32_t index, uint
                                     X509Name** issuer, LibraryTime* issued, uint8_t* number, uint32_t* numberLength) {
     const HashOutputs out = {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}};
     if (out.LackLength() || numberLength == nullptr) return Fail(StatusBadArgument);
-    return ReadMember<CrlValidatedID>(
+    return ReadMember(
         list, index, [&](auto& id) { return ReadOtherHash(id.crlHash, out); },
         [&](auto& id) {
             return ReadCrlIdentifier(id.crlIdentifier, issuer, issued, {number, numberLength});
@@ -261,15 +261,15 @@ Status AddOcspResponseIdToList(OcspListIDs* list, const X509Name* responder, con
                                uint32_t hashLength, const uint8_t* oid, const uint8_t* parameters,
                                uint32_t parametersLength) {
     if (AnyNull(list, producedAt) || (responder == nullptr && keyHash == nullptr)) return Fail(StatusBadArgument);
-    const Tree<Asn1Value> time(schema::GeneralizedTime, LibraryTimeToGeneralizedTime(producedAt));
+    const Tree<schema::GeneralizedTime> time(LibraryTimeToGeneralizedTime(producedAt));
     if (!time) return StatusOk;
     // A key hash takes the place of an encoded name, without a header of its own: intended, the bytes depend on it.
     Asn1Any bareKeyHash = {Asn1KindOctetString, keyHashLength, Borrow(keyHash)};
-    Asn1Choice choice = {kResponderByName, &bareKeyHash};
-    if (responder != nullptr) choice = {kResponderNameTree, Borrow(responder)};
+    OcspResponder choice = {{kResponderByName, &bareKeyHash}};
+    if (responder != nullptr) choice = {{kResponderNameTree, Borrow(responder)}};
     OtherHashView response(hash, hashLength, oid, parameters, parametersLength);
     OcspIdentifier identifier = {&choice, time.Get()};
-    return AddCopy(list, schema::OcspResponseId, OcspResponseId{&identifier, response.Get()});
+    return AddCopy(list, OcspResponseId{&identifier, response.Get()});
 }
 
 Status GetOcspResponseIdInformation(const OcspListIDs* list, uint32_t index, void** responder, uint8_t* keyHash,
@@ -278,7 +278,7 @@ Status GetOcspResponseIdInformation(const OcspListIDs* list, uint32_t index, voi
                                     uint32_t* parametersLength) {
     const HashOutputs out = {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}};
     if (out.LackLength() || keyHashLength == nullptr) return Fail(StatusBadArgument);
-    return ReadMember<OcspResponseId>(
+    return ReadMember(
         list, index,
         [&](auto& id) {
             return ReadResponder(id.ocspIdentifier->ocspResponderID, responder, {keyHash, keyHashLength});
@@ -297,13 +297,14 @@ Status AddCrlOcspRefToList(CrlOcspRefs* list, CrlListIDs* crls, OcspListIDs* ocs
     const bool hasOther = otherOid != nullptr && otherValue != nullptr && otherLength != 0;
     if (list == nullptr || (crls == nullptr && ocsps == nullptr && !hasOther)) return Fail(StatusBadArgument);
     TypedValueView other(otherOid, otherValue, otherLength);
-    WrappedList empty = {};
-    const CrlOcspRef view = {crls != nullptr ? &empty : nullptr, ocsps != nullptr ? &empty : nullptr,
+    Wrapped<CrlListIDs> noCrls = {};
+    Wrapped<OcspListIDs> noOcsps = {};
+    const CrlOcspRef view = {crls != nullptr ? &noCrls : nullptr, ocsps != nullptr ? &noOcsps : nullptr,
                              hasOther ? other.Get() : nullptr};
-    const Status status = AddCopy(list, schema::CrlOcspRef, view);
+    const Status status = AddCopy(list, view);
     if (status != StatusOk) return status;
     // The lists come last, so that they are still the caller's after every failure.
-    const auto* ref = static_cast<const CrlOcspRef*>(list->items[list->count - 1]);
+    const CrlOcspRef* ref = list->At(list->count - 1);
     if (crls != nullptr) ref->crlids->list = crls;
     if (ocsps != nullptr) ref->ocspids->list = ocsps;
     return StatusOk;
@@ -313,10 +314,10 @@ Status GetCrlOcspRefInformation(const CrlOcspRefs* list, uint32_t index, CrlList
                                 uint8_t* otherOid, uint32_t* otherOidLength, uint8_t* otherValue,
                                 uint32_t* otherValueLength) {
     if (AnyNull(otherOidLength, otherValueLength)) return Fail(StatusBadArgument);
-    return ReadMember<CrlOcspRef>(list, index, [&](auto& ref) {
+    return ReadMember(list, index, [&](auto& ref) {
         if (ref.crlids == nullptr && ref.ocspids == nullptr && ref.otherRev == nullptr) return Fail(StatusAbsent);
-        Lend(Unwrapped<CrlListIDs>(ref.crlids), crls);
-        Lend(Unwrapped<OcspListIDs>(ref.ocspids), ocsps);
+        Lend(Unwrapped(ref.crlids), crls);
+        Lend(Unwrapped(ref.ocspids), ocsps);
         return ReadTypedValue(ref.otherRev, {otherOid, otherOidLength}, {otherValue, otherValueLength});
     });
 }

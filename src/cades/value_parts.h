@@ -1,10 +1,11 @@
 // What the codecs of attribute values and the record lists have in common.
 #pragma once
 
-#include "cms/attribute_values.schema.h"
+#include "cades/attribute_values.schema.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
 #include "engine/outputs.h"
+#include "x509/algorithm.h"
 
 namespace tlvforge {
 
