@@ -6,6 +6,7 @@
 #include "engine/oids.h"
 #include "engine/outputs.h"
 #include "x509/algorithm.h"
+#include "x509/transition.h"
 
 namespace tlvforge {
 

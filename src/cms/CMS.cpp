@@ -7,15 +7,11 @@
 #include "tlvforge/certificate.h"
 #include "tlvforge/cms_tools.h"
 #include "x509/certificate.schema.h"
+#include "x509/transition.h"
 
 using namespace tlvforge;
 
 namespace {
-
-struct Bytes {
-    const uint8_t* data;
-    uint32_t length;
-};
 
 // An algorithm by its length-prefixed OID and its parameters, as an element or null.
 struct Algorithm {

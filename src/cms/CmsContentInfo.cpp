@@ -34,7 +34,7 @@ Status SetCmsContentInfoTypeOid(CmsContentInfo* info, const uint8_t* oid) {
 
 Status GetCmsContentInfoContent(const CmsContentInfo* info, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(info, length)) return Fail(StatusBadArgument);
-    if (info->content == nullptr) return GiveBytes(nullptr, 0, buffer, length);
+    if (info->content == nullptr) return CopyOut(nullptr, 0, buffer, length);
     return GetAsn1AnyValue(info->content, buffer, length);
 }
 

@@ -2,9 +2,10 @@
 
 #include "cms/document_parts.h"
 #include "cms/enveloped.schema.h"
+#include "engine/list_cells.h"
 #include "engine/oids.h"
 #include "x509/fields.h"
-#include "x509/list_cells.h"
+#include "x509/transition.h"
 
 using namespace tlvforge;
 

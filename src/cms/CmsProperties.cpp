@@ -6,6 +6,7 @@
 #include "engine/oids.h"
 #include "engine/output.h"
 #include "x509/fields.h"
+#include "x509/transition.h"
 
 using namespace tlvforge;
 
@@ -105,7 +106,7 @@ Status GetCmsSignedDataContent(const CmsSignedData* signedData, uint8_t* buffer,
     if (AnyNull(signedData, length)) return Fail(StatusBadArgument);
     if (signedData->encapContentInfo == nullptr) return Fail(StatusAbsent);
     const Asn1Value* content = signedData->encapContentInfo->eContent;
-    return content == nullptr ? GiveBytes(nullptr, 0, buffer, length) : GetAsn1Value(content, buffer, length);
+    return content == nullptr ? CopyOut(nullptr, 0, buffer, length) : GetAsn1Value(content, buffer, length);
 }
 
 Status SetCmsSignedDataContent(CmsSignedData* signedData, const uint8_t* data, uint32_t length) {
@@ -261,7 +262,7 @@ Status GetCmsSignerInfoUnsignedAttributes(CmsSignerInfo* signer, RsaAttributes* 
 
 Status GetCmsSignerInfoEncodedSignedAttributes(const CmsSignerInfo* signer, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(signer, length)) return Fail(StatusBadArgument);
-    if (signer->signedAttrs.list == nullptr) return GiveBytes(nullptr, 0, buffer, length);
+    if (signer->signedAttrs.list == nullptr) return CopyOut(nullptr, 0, buffer, length);
     return EncodeTree(signer->signedAttrs.list, buffer, length);
 }
 

@@ -97,7 +97,7 @@ Status GetZelcryptIdentifierFromCertificate(const Certificate* certificate, uint
     // is that of the result with it.
     uint32_t capacity = *length;
     bool write = false;
-    status = ClaimBuffer(utf8->length, text, length, &write);
+    status = ReserveOutput(utf8->length, text, length, &write);
     if (!write) return status;
     status = Utf8ToCp1251(text, &capacity, utf8->data, utf8->length);
     *length = capacity;

@@ -23,15 +23,6 @@ constexpr Cp1251Literal kSignerNotFound(u8"Подписант не найден"
 constexpr uint32_t kAttributeOidLimit = 99;
 constexpr uint32_t kAttributeValueLimit = 8192;
 
-// Measures, allocates and makes the bytes that make(buffer, length) gives.
-template <class Make>
-Status MakeBytes(Make make, Block* bytes, uint32_t* length) {
-    const Status status = make(nullptr, length);
-    if (status != StatusOk) return status;
-    *bytes->Slot() = static_cast<uint8_t*>(Allocate(*length));
-    return *bytes ? make(bytes->Bytes(), length) : Fail(StatusOutOfMemory);
-}
-
 // Adds an attribute whose one value encode(buffer, length) makes.
 template <class Encode>
 Status AddAttribute(RsaAttributes attributes, const uint8_t* oid, Encode encode) {

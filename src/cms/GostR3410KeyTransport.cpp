@@ -4,6 +4,7 @@
 #include "engine/nodes.h"
 #include "engine/oids.h"
 #include "x509/fields.h"
+#include "x509/transition.h"
 
 using namespace tlvforge;
 

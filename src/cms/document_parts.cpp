@@ -1,9 +1,10 @@
 #include "cms/document_parts.h"
 
+#include "engine/list_cells.h"
 #include "engine/oids.h"
 #include "engine/output.h"
 #include "x509/fields.h"
-#include "x509/list_cells.h"
+#include "x509/transition.h"
 
 namespace tlvforge {
 
@@ -113,7 +114,7 @@ Status GetEncodedCertificate(const CertificateSet* set, uint32_t index, uint8_t*
     if (status != StatusOk) return status;
     *kind = CertificateKindOf(tagClass, constructedBit, tagNumber);
     if (buffer == nullptr && length == nullptr) return StatusOk;
-    return GiveBytes(element->data, element->length, buffer, length, place);
+    return CopyOut(element->data, element->length, buffer, length, place);
 }
 
 Status GetEncodedCrl(const RevocationInfoChoices* set, uint32_t index, uint8_t*, uint8_t*, uint32_t*, Place place) {

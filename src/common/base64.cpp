@@ -86,7 +86,7 @@ Status EncodeToBase64(const uint8_t* data, uint32_t length, char* text, uint32_t
     const uint64_t size = Base64Size(Base64Characters(length));
     if (size > UINT32_MAX) return Fail(StatusBadArgument);
     bool write = false;
-    const Status status = ClaimBuffer(static_cast<uint32_t>(size), text, textLength, &write);
+    const Status status = ReserveOutput(static_cast<uint32_t>(size), text, textLength, &write);
     if (write) WriteBase64(data, length, text);
     return status;
 }
@@ -95,7 +95,7 @@ Status DecodeFromBase64(const char* text, uint32_t length, uint8_t* data, uint32
     if (AnyNull(text, dataLength)) return Fail(StatusBadArgument);
     const uint32_t size = DecodedSize(text, length);
     bool write = false;
-    const Status status = ClaimBuffer(size, data, dataLength, &write);
+    const Status status = ReserveOutput(size, data, dataLength, &write);
     if (!write) return status;
 
     const uint32_t lines = DecodeFullLines(text, length, data, size);

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "common/texts.h"
+#include "engine/alias.h"
 #include "engine/output.h"
 
 using namespace tlvforge;
@@ -38,12 +39,12 @@ Status RefuseBuffer(const char* text, uint32_t* length) {
 Status ConvertZelcryptPublicKeyToX509(const uint8_t* key, uint32_t keyLength, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(key, length) || keyLength != kBlockSize) return Fail(StatusBadArgument);
     const uint8_t marker = key[kMarkerAt];
-    if (Contains(kLongMarkers, marker)) return GiveBytes(key, kLongKey, buffer, length);
+    if (Contains(kLongMarkers, marker)) return CopyOut(key, kLongKey, buffer, length);
     if (!Contains(kShortMarkers, marker)) return Fail(StatusBadKeyForm);
     uint8_t joined[kShortKey];
     memcpy(joined, key, kHalf);
     memcpy(joined + kHalf, key + kSecondHalfAt, kHalf);
-    return GiveBytes(joined, kShortKey, buffer, length);
+    return CopyOut(joined, kShortKey, buffer, length);
 }
 
 Status ConvertX509PublicKeyToZelcrypt(const uint8_t* key, uint32_t keyLength, uint8_t* buffer, uint32_t* length) {
@@ -57,14 +58,14 @@ Status ConvertX509PublicKeyToZelcrypt(const uint8_t* key, uint32_t keyLength, ui
         memcpy(block + kSecondHalfAt, key + kHalf, kHalf);
     }
     memcpy(block + kVersionAt, kVersion, sizeof kVersion);
-    return GiveBytes(block, kBlockSize, buffer, length);
+    return CopyOut(block, kBlockSize, buffer, length);
 }
 
 Status ConvertZelcryptSignatureToX509(const uint8_t* signature, uint32_t length, uint8_t* buffer,
                                       uint32_t* bufferLength) {
     if (AnyNull(signature, bufferLength) || (length != 64 && length != 128)) return Fail(StatusBadArgument);
     bool write = false;
-    const Status status = ClaimBuffer(length, buffer, bufferLength, &write);
+    const Status status = ReserveOutput(length, buffer, bufferLength, &write);
     if (!write) return status;
     for (uint32_t index = 0; index < length; ++index) buffer[length - 1 - index] = signature[index];
     return StatusOk;
@@ -93,5 +94,4 @@ Status IsArrayEquals(const uint8_t* left, int32_t leftLength, const uint8_t* rig
     return StatusOk;
 }
 
-decltype(ConvertZelcryptSignatureToX509) ConvertX509SignatureToZelcrypt
-    __attribute__((alias("ConvertZelcryptSignatureToX509")));
+TLVFORGE_ALIAS(ConvertX509SignatureToZelcrypt, ConvertZelcryptSignatureToX509);

@@ -104,7 +104,7 @@ Status EncodePem(const uint8_t* data, uint32_t length, const char* label, char* 
     const uint64_t size = Base64Size(characters) + kArmourSize + 2 * labelLength;
     if (size > UINT32_MAX) return Fail(StatusBadArgument);
     bool write = false;
-    const Status status = ClaimBuffer(static_cast<uint32_t>(size), text, textLength, &write);
+    const Status status = ReserveOutput(static_cast<uint32_t>(size), text, textLength, &write);
     if (!write) return status;
     char* end = PutMarker(text, kStartMarkers[0], label, labelLength);
     end = Put(WriteBase64(data, length, end), "\r\n", 2);
@@ -122,5 +122,5 @@ Status DecodePem(const char* text, uint32_t length, uint8_t* data, uint32_t* dat
     uint32_t stored = 0;
     const Status status = DecodeBody(body, work.Bytes(), &stored);
     if (status != StatusOk) return status;
-    return GiveBytes(work.Bytes(), stored, data, dataLength);
+    return CopyOut(work.Bytes(), stored, data, dataLength);
 }

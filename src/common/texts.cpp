@@ -45,7 +45,7 @@ uint32_t BmpToCp1251(const uint8_t* bmp, uint32_t count, uint8_t* text, uint32_t
 
 Status GiveText(const void* bytes, uint32_t count, uint8_t* text, uint32_t* length, Place place) {
     bool write = false;
-    const Status status = ClaimBuffer(count + 1, text, length, &write, place);
+    const Status status = ReserveOutput(count + 1, text, length, &write, place);
     if (!write) return status;
     memcpy(text, bytes, count);
     text[count] = 0;

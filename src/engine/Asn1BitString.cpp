@@ -70,5 +70,5 @@ Status GetAsn1BitString(const Asn1BitString* bitString, uint8_t* unusedBits, uin
     if (AnyNull(bitString, length)) return Fail(StatusBadArgument);
     if (bitString->data == nullptr) return Fail(StatusAbsent);
     if (unusedBits != nullptr) *unusedBits = bitString->unusedBits;
-    return GiveBytes(bitString->data, bitString->length, buffer, length);
+    return CopyOut(bitString->data, bitString->length, buffer, length);
 }

@@ -32,10 +32,10 @@ struct Numbers {
 };
 
 // Prefix and content, the prefix being the low byte of the length.
-Status GiveOid(const uint8_t* content, uint32_t contentLength, uint8_t* buffer, uint32_t* length) {
+Status CopyOutContent(const uint8_t* content, uint32_t contentLength, uint8_t* buffer, uint32_t* length) {
     if (contentLength == UINT32_MAX) return Fail(StatusLengthTooLong);
     bool write = false;
-    const Status status = ClaimBuffer(contentLength + 1, buffer, length, &write);
+    const Status status = ReserveOutput(contentLength + 1, buffer, length, &write);
     if (write) {
         buffer[0] = static_cast<uint8_t>(contentLength);
         if (contentLength != 0) memcpy(buffer + 1, content, contentLength);
@@ -84,11 +84,10 @@ Status ReplaceOidField(Asn1Value** field, const uint8_t* oid) {
 Status GetAsn1Oid(const Asn1Value* value, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(value, length)) return Fail(StatusBadArgument);
     if (HasLostBytes(value)) return Fail(StatusAbsent);
-    return GiveOid(value->data, value->length, buffer, length);
+    return CopyOutContent(value->data, value->length, buffer, length);
 }
 
 Status FindIdOfOid(const OidId* rows, uint32_t count, const uint8_t* oid, uint32_t* id, Place place) {
-    if (AnyNull(oid, id)) return Fail(StatusBadArgument, place);
     for (uint32_t i = 0; i < count; ++i) {
         if (IsOidEquals(rows[i].oid, oid) == 0) continue;
         *id = rows[i].id;
@@ -106,13 +105,6 @@ Status FindOidOfId(const OidId* rows, uint32_t count, uint32_t id, const uint8_t
     return Fail(StatusUnknownId, place);
 }
 
-Status GiveOidOfId(const OidId* rows, uint32_t count, uint32_t id, uint8_t* oid, uint32_t* length, Place place) {
-    if (length == nullptr) return Fail(StatusBadArgument, place);
-    const uint8_t* found = nullptr;
-    const Status status = FindOidOfId(rows, count, id, &found, place);
-    return status == StatusOk ? GiveBytes(found, found[0] + 1u, oid, length, place) : status;
-}
-
 }  // namespace tlvforge
 
 Status DecodeAsn1Oid(const uint8_t* data, uint32_t length, uint8_t* buffer, uint32_t* bufferLength) {
@@ -125,14 +117,14 @@ Status DecodeAsn1Oid(const uint8_t* data, uint32_t length, uint8_t* buffer, uint
     if (indefinite != 0) return Fail(StatusBadIndefinite);
     if (tagClass != Asn1ClassUniversal || tagNumber != Asn1KindObjectIdentifier) return Fail(StatusBadEncoding);
     if (contentLength > length - headerLength) return Fail(StatusBadEncoding);
-    return GiveOid(data + headerLength, contentLength, buffer, bufferLength);
+    return CopyOutContent(data + headerLength, contentLength, buffer, bufferLength);
 }
 
 Status EncodeAsn1Oid(const uint8_t* oid, uint8_t* buffer, uint32_t* bufferLength) {
     if (AnyNull(oid, bufferLength)) return Fail(StatusBadArgument);
     bool write = false;
     const uint32_t size = static_cast<uint32_t>(TlvSize(oid[0], Asn1KindObjectIdentifier));
-    const Status status = ClaimBuffer(size, buffer, bufferLength, &write);
+    const Status status = ReserveOutput(size, buffer, bufferLength, &write);
     if (write) {
         const uint32_t header = WriteHeader(Asn1ClassUniversal, 0, Asn1KindObjectIdentifier, oid[0], buffer);
         memcpy(buffer + header, oid + 1, oid[0]);
@@ -145,7 +137,7 @@ Status ConvertOidToString(const uint8_t* oid, char* text, uint32_t* length) {
     static const char kEmpty[] = "0.0";
     if (oid[0] == 0) {
         // The size query needs a length below 4 here: with room enough, null text is only measured.
-        return GiveBytes(kEmpty, sizeof(kEmpty), text, length);
+        return CopyOut(kEmpty, sizeof(kEmpty), text, length);
     }
     Numbers numbers;
     if (!numbers.Split(oid)) return Fail(StatusBadArgument);
@@ -154,12 +146,12 @@ Status ConvertOidToString(const uint8_t* oid, char* text, uint32_t* length) {
     int at = sprintf(written, "%u", numbers.number[0] / 40);
     numbers.number[0] %= 40;
     for (uint32_t i = 0; i < numbers.count; ++i) at += sprintf(written + at, ".%u", numbers.number[i]);
-    return GiveBytes(written, static_cast<uint32_t>(at) + 1, text, length);
+    return CopyOut(written, static_cast<uint32_t>(at) + 1, text, length);
 }
 
 Status ConvertStringToOid(const char* text, uint8_t* oid, uint32_t* length) {
     if (AnyNull(text, length)) return Fail(StatusBadArgument);
-    if (*text == 0) return GiveOid(nullptr, 0, oid, length);
+    if (*text == 0) return CopyOutContent(nullptr, 0, oid, length);
     uint32_t arcs[kMaxArcs] = {};
     uint32_t count = 0;
     if (!ReadArcs(text, arcs, &count)) return Fail(StatusBadArgument);
@@ -168,7 +160,7 @@ Status ConvertStringToOid(const char* text, uint8_t* oid, uint32_t* length) {
     uint8_t content[5 * kMaxArcs];
     uint32_t at = 0;
     for (uint32_t i = 1; i < count; ++i) at += WriteBase128(arcs[i], content + at);
-    return GiveOid(content, at, oid, length);
+    return CopyOutContent(content, at, oid, length);
 }
 
 uint32_t IsOidEquals(const uint8_t* left, const uint8_t* right) {

@@ -1,5 +1,6 @@
 // Value records: raw content, BOOLEAN, INTEGER, and the codecs of single primitive elements.
 
+#include "engine/alias.h"
 #include "engine/codec.h"
 #include "engine/items.h"
 #include "engine/nodes.h"
@@ -28,7 +29,7 @@ Status GiveValue(const void* value, uint8_t* buffer, uint32_t* length) {
     Asn1Value record;
     memcpy(&record, value, sizeof(record));
     if (HasLostBytes(&record)) return Fail(StatusAbsent);
-    return GiveBytes(record.data, record.length, buffer, length);
+    return CopyOut(record.data, record.length, buffer, length);
 }
 
 constexpr Asn1Item PrimitiveItem(uint8_t kind) {
@@ -151,7 +152,7 @@ Status GetAsn1Integer(const Asn1Value* value, uint8_t* buffer, uint32_t* length)
     if (AnyNull(value, length)) return Fail(StatusBadArgument);
     if (value->data == nullptr) return Fail(StatusAbsent);
     bool write = false;
-    const Status status = ClaimBuffer(value->length, buffer, length, &write);
+    const Status status = ReserveOutput(value->length, buffer, length, &write);
     for (uint32_t i = 0; write && i < value->length; ++i) buffer[i] = value->data[value->length - 1 - i];
     return status;
 }
@@ -187,7 +188,7 @@ Status DecodeAsn1PrimitiveValue(uint8_t kind, const uint8_t* data, uint32_t leng
     if (kind == Asn1KindBitString) {
         Tree<schema::BitString> bits;
         const Status status = bits.Decode(data, length);
-        return status == StatusOk ? GiveBytes(bits->data, bits->length, buffer, bufferLength) : status;
+        return status == StatusOk ? CopyOut(bits->data, bits->length, buffer, bufferLength) : status;
     }
     void* value = nullptr;
     uint32_t consumed = 0;
@@ -238,6 +239,6 @@ Status EncodeAsn1NumericString(const uint8_t* text, uint32_t textLength, uint8_t
 }
 
 // One function under several names.
-decltype(GetAsn1Value) GetAsn1AnyValue __attribute__((alias("GetAsn1Value")));
-decltype(DecodeAsn1Int32) DecodeAsn1Enumerated __attribute__((alias("DecodeAsn1Int32")));
-decltype(EncodeAsn1Int32) EncodeAsn1Enumerated __attribute__((alias("EncodeAsn1Int32")));
+TLVFORGE_ALIAS(GetAsn1AnyValue, GetAsn1Value);
+TLVFORGE_ALIAS(DecodeAsn1Enumerated, DecodeAsn1Int32);
+TLVFORGE_ALIAS(EncodeAsn1Enumerated, EncodeAsn1Int32);

@@ -791,6 +791,6 @@ Status GetAsn1EncodedValue(const void* node, const Asn1Item* item, uint8_t* buff
     Status status = MeasureTree(node, *item, &needed);
     if (status != StatusOk) return status;
     bool write = false;
-    status = ClaimBuffer(needed, buffer, length, &write);
+    status = ReserveOutput(needed, buffer, length, &write);
     return write ? WriteTree(node, *item, buffer, needed) : status;
 }

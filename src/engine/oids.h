@@ -1,7 +1,7 @@
 // Object identifiers in the record form of a tree, and constant ones in the length-prefixed form.
 #pragma once
 
-#include "engine/failure.h"
+#include "engine/output.h"
 #include "tlvforge/asn1.h"
 
 namespace tlvforge {
@@ -65,12 +65,9 @@ Status FindOid(const OidId (&table)[Count], uint32_t id, const uint8_t** oid, Pl
     return FindOidOfId(table, Count, id, oid, place);
 }
 
-// The OID of an id by the output-buffer rule, in the length-prefixed form.
-Status GiveOidOfId(const OidId* rows, uint32_t count, uint32_t id, uint8_t* oid, uint32_t* length, Place place);
-
-template <uint32_t Count>
-Status GiveOid(const OidId (&table)[Count], uint32_t id, uint8_t* oid, uint32_t* length, Place place = Place::Here()) {
-    return GiveOidOfId(table, Count, id, oid, length, place);
+// A constant OID by the output-buffer rule, in the length-prefixed form.
+inline Status CopyOutOid(const uint8_t* constant, uint8_t* oid, uint32_t* length, Place place = Place::Here()) {
+    return CopyOut(constant, constant[0] + 1u, oid, length, place);
 }
 
 }  // namespace tlvforge

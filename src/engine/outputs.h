@@ -6,9 +6,9 @@
 
 namespace tlvforge {
 
-// Arguments of the interface that go in pairs.
-struct Input {
-    const uint8_t* bytes;
+// Arguments of the interface that come in pairs.
+struct Bytes {
+    const uint8_t* data;
     uint32_t length;
 };
 
@@ -18,32 +18,54 @@ struct Output {
 };
 
 // Bytes of a field by the output-buffer rule. An absent field has the length 0.
-inline Status GetOptionalValue(const void* value, uint8_t* buffer, uint32_t* length) {
-    return value != nullptr ? GetAsn1Value(value, buffer, length) : GiveBytes(nullptr, 0, buffer, length);
+inline Status GetOptionalBytes(const void* value, Output out) {
+    return value != nullptr ? GetAsn1Value(value, out.buffer, out.length) : CopyOut(nullptr, 0, out.buffer, out.length);
 }
 
-// Fills outputs one after the other. A buffer that is too small is remembered and the filling goes on, so that one call
-// gives all lengths; any other failure ends it.
-class Outputs {
+// What becomes of the other outputs after one has failed, and which failure is the result.
+enum class OutputRule {
+    kUntilFailure,      // the first failure ends the reading
+    kPastSmallBuffers,  // a buffer that is too small is remembered, so that one call gives all lengths; any other
+                        // failure ends the reading and is the result
+    kAllFirst,          // all are read; the first failure
+    kAllLast,           // all are read; the last failure
+    kAllSmallLast,      // all are read; the first failure but a small buffer, which comes last
+};
+
+// Fills outputs one after the other, by functions without arguments.
+class OutputReader {
 public:
-    template <class Function, class... Arguments>
-    void Then(Function function, Arguments... arguments) {
-        if (status_ != StatusOk && status_ != StatusBufferTooSmall) return;
-        const Status status = function(arguments...);
-        if (status != StatusOk) status_ = status;
+    explicit OutputReader(OutputRule rule) : rule_(rule) {}
+
+    template <class Read>
+    void Then(const Read& read) {
+        if (ended_) return;
+        const Status status = read();
+        if (status == StatusOk) return;
+        if (result_ == StatusOk || Replaces(status)) result_ = status;
+        ended_ = rule_ == OutputRule::kUntilFailure ||
+                 (rule_ == OutputRule::kPastSmallBuffers && status != StatusBufferTooSmall);
     }
 
-    Status Result() const { return status_; }
+    Status Result() const { return result_; }
 
 private:
-    Status status_ = StatusOk;
+    bool Replaces(Status later) const {
+        if (rule_ == OutputRule::kAllFirst) return false;
+        if (rule_ == OutputRule::kAllSmallLast) return result_ == StatusBufferTooSmall && later != StatusBufferTooSmall;
+        return true;
+    }
+
+    OutputRule rule_;
+    bool ended_ = false;
+    Status result_ = StatusOk;
 };
 
 template <class... Reads>
-Status ReadEach(Reads... reads) {
-    Outputs outputs;
-    (outputs.Then(reads), ...);
-    return outputs.Result();
+Status ReadOutputs(OutputRule rule, const Reads&... reads) {
+    OutputReader reader(rule);
+    (reader.Then(reads), ...);
+    return reader.Result();
 }
 
 }  // namespace tlvforge

@@ -46,6 +46,11 @@ public:
     Block& operator=(const Block&) = delete;
     ~Block() { Release(bytes_); }
 
+    // For a block that has no bytes yet. False when out of memory.
+    bool Reserve(size_t size) {
+        bytes_ = static_cast<uint8_t*>(Allocate(size));
+        return bytes_ != nullptr;
+    }
     uint8_t* Bytes() const { return bytes_; }
     uint8_t** Slot() { return &bytes_; }
     explicit operator bool() const { return bytes_ != nullptr; }

@@ -246,8 +246,14 @@ Status DetermineSuitableStringType(const uint8_t* text, uint32_t length, uint32_
     return StatusOk;
 }
 
-Status FindNameAttributeTypeIdByOid(const uint8_t* oid, uint32_t* id) { return FindId(kNameAttributeTypes, oid, id); }
+Status FindNameAttributeTypeIdByOid(const uint8_t* oid, uint32_t* id) {
+    if (AnyNull(oid, id)) return Fail(StatusBadArgument);
+    return FindId(kNameAttributeTypes, oid, id);
+}
 
 Status GetNameAttributeTypeOid(uint32_t id, uint8_t* oid, uint32_t* oidLength) {
-    return GiveOid(kNameAttributeTypes, id, oid, oidLength);
+    if (oidLength == nullptr) return Fail(StatusBadArgument);
+    const uint8_t* found = nullptr;
+    if (const Status status = FindOid(kNameAttributeTypes, id, &found)) return status;
+    return CopyOutOid(found, oid, oidLength);
 }

@@ -1,10 +1,10 @@
 #include "tlvforge/ocsp.h"
 
+#include "engine/list_cells.h"
 #include "engine/nodes.h"
 #include "ocsp/ocsp.schema.h"
 #include "ocsp/ocsp_fields.h"
 #include "x509/fields.h"
-#include "x509/list_cells.h"
 
 using namespace tlvforge;
 
@@ -36,9 +36,9 @@ Status ReadCertID(const CertID* id, const Output& hashOid, const Output& paramet
 Status WriteCertID(CertID* id, const uint8_t* hashOid, const Input& parameters, const Input& nameHash,
                    const Input& keyHash, const Input& serial, Place place) {
     if (id == nullptr) return Fail(StatusAbsent, place);
-    Status status = SetAlgorithm(id->hashAlgorithm, hashOid, parameters.bytes, parameters.length, place);
+    Status status = SetAlgorithm(id->hashAlgorithm, hashOid, parameters.data, parameters.length, place);
     const auto set = [&](Asn1Value** field, uint32_t type, const Input& value) {
-        if (status == StatusOk) status = SetAsn1ValueField(field, type, value.bytes, value.length);
+        if (status == StatusOk) status = SetAsn1ValueField(field, type, value.data, value.length);
     };
     set(&id->issuerNameHash, Asn1KindOctetString, nameHash);
     set(&id->issuerKeyHash, Asn1KindOctetString, keyHash);

@@ -1,13 +1,13 @@
 #include "tlvforge/ocsp.h"
 
 #include "common/times.h"
+#include "engine/list_cells.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
 #include "ocsp/ocsp.schema.h"
 #include "ocsp/ocsp_fields.h"
 #include "x509/extension_codecs.h"
 #include "x509/fields.h"
-#include "x509/list_cells.h"
 
 using namespace tlvforge;
 

@@ -5,6 +5,7 @@
 #include "engine/nodes.h"
 #include "engine/outputs.h"
 #include "ocsp/ocsp.schema.h"
+#include "x509/transition.h"
 
 namespace tlvforge {
 

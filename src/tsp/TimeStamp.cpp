@@ -1,12 +1,13 @@
 #include "tlvforge/timestamp.h"
 
 #include "common/times.h"
+#include "engine/list_cells.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
 #include "engine/outputs.h"
 #include "tsp/timestamp.schema.h"
 #include "x509/algorithm.h"
-#include "x509/list_cells.h"
+#include "x509/transition.h"
 
 using namespace tlvforge;
 
@@ -23,7 +24,7 @@ public:
     template <class Field>
     void Read(Status (*get)(const Field*, uint8_t*, uint32_t*), const Field* field, uint8_t* buffer, uint32_t* length) {
         if (length == nullptr) return;
-        Then([=] { return field != nullptr ? get(field, buffer, length) : GiveBytes(nullptr, 0, buffer, length); });
+        Then([=] { return field != nullptr ? get(field, buffer, length) : CopyOut(nullptr, 0, buffer, length); });
     }
 };
 

@@ -1,6 +1,6 @@
 #include "tlvforge/certificate.h"
 
-#include "engine/nodes.h"
+#include "engine/access.h"
 #include "x509/certificate.schema.h"
 
 using namespace tlvforge;
@@ -21,9 +21,7 @@ Status FreeCertificate(Certificate* certificate) { return FreeTree(certificate);
 
 Status CreateCertificates(Certificates** certificates) { return CreateTree(certificates); }
 
-Status CreateCertificatesCopy(const Certificates* certificates, Certificates** copy) {
-    return CopyTree(certificates, copy);
-}
+Status CreateCertificatesCopy(const Certificates* source, Certificates** copy) { return CopyTree(source, copy); }
 
 Status DecodeCertificates(const uint8_t* bytes, uint32_t length, Certificates** certificates) {
     return DecodeTree(bytes, length, certificates);
@@ -45,11 +43,11 @@ Status GetCertificatesCount(const Certificates* certificates, uint32_t* count) {
 }
 
 Status GetCertificatesCertificate(const Certificates* certificates, uint32_t index, Certificate** certificate) {
-    return GetListMember(certificates, index, certificate);
+    if (AnyNull(certificate) || !HasIndex(certificates, index)) return Fail(StatusBadArgument);
+    return Borrow(MemberAt(certificates, index), certificate);
 }
 
 Status GetCertificateToBeSignedPart(const Certificate* certificate, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    return EncodeTree(certificate->tbsCertificate, buffer, length);
+    return Encode(At<&Certificate::tbsCertificate>(certificate), buffer, length);
 }

@@ -14,19 +14,17 @@ namespace {
 constexpr uint32_t kExtensionValueLimit = 1024;
 constexpr uint32_t kTextLimit = 138;
 
-X509Extensions ExtensionsOf(const Certificate* certificate) {
-    return certificate->tbsCertificate == nullptr ? nullptr : &certificate->tbsCertificate->extensions;
+Part<X509ExtensionsCell> ExtensionsOf(const Certificate* certificate, Place place = Place::Here()) {
+    return At<&Certificate::tbsCertificate, &TBSCertificate::extensions>(certificate, place);
 }
 
 // Removes the old extension before the new value is made: a failure of `make` leaves the certificate without it.
 template <class Make>
 Status MakeExtension(X509Extensions extensions, const uint8_t* oid, Make make) {
-    Status status = RemoveX509ExtensionsExtension2(extensions, oid);
-    if (status != StatusOk) return status;
+    if (const Status status = RemoveX509ExtensionsExtension2(extensions, oid)) return status;
     uint8_t value[kTextLimit];
     uint32_t length = sizeof value;
-    status = FromWorkBuffer(make(value, &length));
-    if (status != StatusOk) return status;
+    if (const Status status = FromWorkBuffer(make(value, &length))) return status;
     return AddX509ExtensionsExtension(extensions, oid, 0, value, length);
 }
 
@@ -35,9 +33,9 @@ Status MakeExtension(X509Extensions extensions, const uint8_t* oid, Make make) {
 Status GetCertificateExtensionValue(const Certificate* certificate, const uint8_t* oid, uint8_t* value,
                                     uint32_t* length) {
     if (AnyNull(certificate, oid, length)) return Fail(StatusBadArgument);
-    const X509Extensions extensions = ExtensionsOf(certificate);
-    if (extensions == nullptr) return Fail(StatusNotFound);
-    return GetX509ExtensionsExtensionValue(extensions, oid, value, length);
+    const Part<X509ExtensionsCell> extensions = ExtensionsOf(certificate);
+    if (!extensions) return Fail(StatusNotFound);
+    return GetX509ExtensionsExtensionValue(extensions.node, oid, value, length);
 }
 
 Status GetCertificateSubjectKeyIdentifier(const Certificate* certificate, uint8_t* keyId, uint32_t* length) {
@@ -55,12 +53,10 @@ Status SetCertificateSubjectKeyIdentifier(Certificate* certificate) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
     uint8_t key[512];
     uint32_t keyLength = sizeof key;
-    Status status = FromWorkBuffer(GetCertificatePublicKey(certificate, key, &keyLength));
-    if (status != StatusOk) return status;
+    if (const Status status = FromWorkBuffer(GetCertificatePublicKey(certificate, key, &keyLength))) return status;
     uint8_t keyId[20];
-    status = sha1(key, keyLength, keyId);
-    if (status != StatusOk) return status;
-    return MakeExtension(ExtensionsOf(certificate), Oid<2, 5, 29, 14>, [&](uint8_t* value, uint32_t* length) {
+    if (const Status status = sha1(key, keyLength, keyId)) return status;
+    return MakeExtension(ExtensionsOf(certificate).node, Oid<2, 5, 29, 14>, [&](uint8_t* value, uint32_t* length) {
         return EncodeExtensionSubjectKeyIdentifier(keyId, sizeof keyId, value, length);
     });
 }
@@ -71,9 +67,8 @@ Status GetCertificateAuthorityKeyIdentifier(const Certificate* certificate, uint
     if (issuer != nullptr) *issuer = nullptr;
     uint8_t value[kExtensionValueLimit];
     uint32_t valueLength = sizeof value;
-    const Status status =
-        FromWorkBuffer(GetCertificateExtensionValue(certificate, Oid<2, 5, 29, 35>, value, &valueLength));
-    if (status != StatusOk) return status;
+    const Status status = GetCertificateExtensionValue(certificate, Oid<2, 5, 29, 35>, value, &valueLength);
+    if (status != StatusOk) return FromWorkBuffer(status);
     return DecodeExtensionAuthorityKeyIdentifier(value, valueLength, keyId, keyIdLength, issuer, serial, serialLength);
 }
 
@@ -93,27 +88,26 @@ Status GetCertificateAuthorityKeyIdentifier2(const Certificate* certificate, uin
 Status SetCertificateAuthorityKeyIdentifier(Certificate* certificate, Certificate* issuerCertificate) {
     if (AnyNull(certificate, issuerCertificate)) return Fail(StatusBadArgument);
     AuthorityIdentity identity;
-    const Status status = identity.ReadFrom(issuerCertificate);
-    if (status != StatusOk) return status;
+    if (const Status status = identity.ReadFrom(issuerCertificate)) return status;
     return SetCertificateAuthorityKeyIdentifier2(certificate, identity.keyId, identity.keyIdLength, identity.issuer,
                                                  identity.serial, identity.serialLength);
 }
 
 Status SetCertificateAuthorityKeyIdentifier2(Certificate* certificate, const uint8_t* keyId, uint32_t keyIdLength,
                                              const X509Name* issuer, const uint8_t* serial, uint32_t serialLength) {
-    if (certificate == nullptr) return Fail(StatusBadArgument);
-    return SetAuthorityKeyIdentifier(ExtensionsOf(certificate), keyId, keyIdLength, issuer, serial, serialLength);
+    const AuthorityParts parts = {{keyId, keyIdLength}, issuer, {serial, serialLength}};
+    if (certificate == nullptr || !parts.AreGiven()) return Fail(StatusBadArgument);
+    return SetAuthorityKeyIdentifier(ExtensionsOf(certificate), parts);
 }
 
 Status SetCertificateZelcryptKeyIdentifier(Certificate* certificate, const char* text) {
     if (AnyNull(certificate, text)) return Fail(StatusBadArgument);
-    const X509Extensions extensions = ExtensionsOf(certificate);
-    if (extensions == nullptr) return Fail(StatusAbsent);
-    return MakeExtension(extensions, Oid<1, 2, 643, 3, 123, 3, 1>, [&](uint8_t* value, uint32_t* length) {
+    const Part<X509ExtensionsCell> extensions = ExtensionsOf(certificate);
+    if (!extensions) return extensions.Absent();
+    return MakeExtension(extensions.node, Oid<1, 2, 643, 3, 123, 3, 1>, [&](uint8_t* value, uint32_t* length) {
         char utf8[kTextLimit];
         uint32_t utf8Length = sizeof utf8;
-        const Status status = ConvertAnsiToUTF8(text, utf8, &utf8Length);
-        if (status != StatusOk) return status;
+        if (const Status status = ConvertAnsiToUTF8(text, utf8, &utf8Length)) return status;
         return EncodeAsn1UTF8String(reinterpret_cast<uint8_t*>(utf8), utf8Length, value, length);
     });
 }
@@ -137,10 +131,11 @@ Status IsCertificateCorrespondToAuthKeyIdent(Certificate* certificate, const uin
     const uint8_t* own = ptr_GetCertificateSerialNumber(certificate, &ownLength);
     if (own == nullptr) return Fail(StatusBadValue);
     if (!hasSerial) return Fail(StatusNotEqual);
-    Status status = IsArrayEquals(own, static_cast<int32_t>(ownLength), serial, static_cast<int32_t>(serialLength));
-    if (status != StatusOk) return status;
+    const auto signedLength = static_cast<int32_t>(ownLength);
+    if (const Status status = IsArrayEquals(own, signedLength, serial, static_cast<int32_t>(serialLength))) {
+        return status;
+    }
     X509Name* ownIssuer = nullptr;
-    status = GetCertificateIssuer(certificate, &ownIssuer);
-    if (status != StatusOk) return status;
+    if (const Status status = GetCertificateIssuer(certificate, &ownIssuer)) return status;
     return CompareX509Names(ownIssuer, issuer);
 }

@@ -1,6 +1,5 @@
 #include "tlvforge/certificate.h"
 
-#include "engine/nodes.h"
 #include "x509/certificate.schema.h"
 #include "x509/fields.h"
 
@@ -8,73 +7,30 @@ using namespace tlvforge;
 
 namespace {
 
-// A field of tbsCertificate; null too where the certificate has no tbsCertificate.
-template <class Field>
-Field* FieldOf(const Certificate* certificate, Field* TBSCertificate::*field) {
-    return certificate->tbsCertificate == nullptr ? nullptr : certificate->tbsCertificate->*field;
+// A field of tbsCertificate.
+template <auto... Members, class Record>
+auto Tbs(Record* certificate, Place place = Place::Here()) {
+    return At<&Certificate::tbsCertificate, Members...>(certificate, place);
 }
 
-using NameField = Name* TBSCertificate::*;
-using TimeField = Time* Validity::*;
-using BitStringField = Asn1BitString* TBSCertificate::*;
-
-Status GetName(Certificate* certificate, NameField field, X509Name** name, Place place = Place::Here()) {
-    if (AnyNull(certificate, name)) return Fail(StatusBadArgument, place);
-    return LendName(FieldOf(certificate, field), name, place);
+template <class Record>
+auto PublicKey(Record* certificate, Place place = Place::Here()) {
+    return Tbs<&TBSCertificate::subjectPublicKeyInfo, &SubjectPublicKeyInfo::subjectPublicKey>(certificate, place);
 }
 
-Status SetName(Certificate* certificate, NameField field, const X509Name* name, Place place = Place::Here()) {
-    if (AnyNull(certificate, name)) return Fail(StatusBadArgument, place);
-    return CopyNameInto(FieldOf(certificate, field), name, place);
-}
-
-Status AdoptName(Certificate* certificate, NameField field, X509Name* name, Place place = Place::Here()) {
-    if (AnyNull(certificate, name)) return Fail(StatusBadArgument, place);
-    return MoveNameInto(FieldOf(certificate, field), name, place);
-}
-
-Time* TimeOf(const Certificate* certificate, TimeField field) {
-    const Validity* validity = FieldOf(certificate, &TBSCertificate::validity);
-    return validity == nullptr ? nullptr : validity->*field;
-}
-
-Status GetTime(const Certificate* certificate, TimeField field, LibraryTime* time, Place place = Place::Here()) {
-    if (AnyNull(certificate, time)) return Fail(StatusBadArgument, place);
-    return GetTimeField(TimeOf(certificate, field), time, place);
-}
-
-// A null time is an invalid one (313), not a bad argument.
-Status SetTime(Certificate* certificate, TimeField field, const LibraryTime* time, Place place = Place::Here()) {
-    if (certificate == nullptr) return Fail(StatusBadArgument, place);
-    return SetTimeField(TimeOf(certificate, field), time, place);
-}
-
-Status GetUniqueId(const Certificate* certificate, BitStringField field, uint8_t* buffer, uint32_t* length,
-                   uint8_t* unusedBits, Place place = Place::Here()) {
-    if (AnyNull(certificate, length)) return Fail(StatusBadArgument, place);
-    const Asn1BitString* uniqueId = FieldOf(certificate, field);
-    if (uniqueId == nullptr) return Fail(StatusAbsent, place);
-    return GetAsn1BitString(uniqueId, unusedBits, buffer, length);
-}
-
-Status SetUniqueId(Certificate* certificate, BitStringField field, const uint8_t* bytes, uint32_t length,
-                   uint8_t unusedBits, Place place = Place::Here()) {
-    if (certificate == nullptr) return Fail(StatusBadArgument, place);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent, place);
-    Asn1BitString** uniqueId = &(certificate->tbsCertificate->*field);
-    if (bytes != nullptr) return ReplaceBitString(uniqueId, bytes, length, unusedBits, place);
-    FreeField(uniqueId);
-    return StatusOk;
-}
-
-SubjectPublicKeyInfo* KeyInfoOf(const Certificate* certificate) {
-    return FieldOf(certificate, &TBSCertificate::subjectPublicKeyInfo);
+Part<AlgorithmIdentifier> KeyAlgorithm(const Certificate* certificate, Place place = Place::Here()) {
+    return Tbs<&TBSCertificate::subjectPublicKeyInfo, &SubjectPublicKeyInfo::algorithm>(certificate, place);
 }
 
 template <class Set>
-Status SetSignatureAlgorithm(Certificate* certificate, Set set, Place place = Place::Here()) {
-    AlgorithmIdentifier* inner = FieldOf(certificate, &TBSCertificate::signature);
-    return SetSignatureAlgorithms(inner, certificate->signatureAlgorithm, set, place);
+Status SetSignatureAlgorithm(Certificate* certificate, const Set& set, Place place = Place::Here()) {
+    return SetSignatureAlgorithms(Tbs<&TBSCertificate::signature>(certificate, place),
+                                  At<&Certificate::signatureAlgorithm>(certificate, place), set);
+}
+
+// Null bytes leave no unique identifier.
+Status SetUniqueId(const Slot<Asn1BitString>& field, const uint8_t* bytes, uint32_t length, uint8_t unusedBits) {
+    return bytes != nullptr ? ReplaceBits(field, bytes, length, unusedBits) : Remove(field);
 }
 
 // The parameter sets that go with a GOST public key algorithm, as masks of their ids.
@@ -102,26 +58,29 @@ const GostKeyForm* FindGostKeyForm(uint32_t algorithmId) {
 
 constexpr bool Holds(uint32_t mask, uint32_t id) { return id < 32 && (mask >> id & 1) != 0; }
 
-// Reads and checks algorithm and parameter sets. What doesn't fit the work buffers is answered with 49 as it stands,
-// which is intended: the strict reader doesn't tell its own buffers from the caller's.
-Status ReadGostKeyForm(const AlgorithmIdentifier* algorithm, uint32_t* publicKeyParamSet, uint32_t* digestParamSet,
-                       uint32_t* encryptionParamSet) {
+// Reads and checks algorithm and parameter sets. What doesn't fit the work buffers is answered with
+// StatusBufferTooSmall as it stands: see docs/oddities.md.
+Status ReadGostKeyForm(const Part<AlgorithmIdentifier>& algorithm, uint32_t* publicKeyParamSet,
+                       uint32_t* digestParamSet, uint32_t* encryptionParamSet) {
+    if (!algorithm) return algorithm.Absent();
     uint8_t oid[100];
     uint8_t parameters[100];
     uint32_t oidLength = sizeof oid;
     uint32_t parametersLength = sizeof parameters;
-    Status status = GetAlgorithmIdentifierOid(algorithm, oid, &oidLength);
-    if (status == StatusOk) status = GetAlgorithmIdentifierParameters(algorithm, parameters, &parametersLength);
     uint32_t algorithmId = 0;
-    if (status == StatusOk) status = FindAlgIdByOid(oid, &algorithmId);
-    if (status != StatusOk) return status;
+    if (const Status status = GetAlgorithmIdentifierOid(algorithm.node, {oid, &oidLength})) return status;
+    if (const Status status = GetAlgorithmIdentifierParameters(algorithm.node, {parameters, &parametersLength})) {
+        return status;
+    }
+    if (const Status status = FindAlgIdByOid(oid, &algorithmId)) return status;
     const GostKeyForm* form = FindGostKeyForm(algorithmId);
     if (form == nullptr) return Fail(StatusBadKeyForm);
 
     uint8_t parametersForm = 0;
-    status = DecodeAlgorithmGostR34102001Parameters(parameters, parametersLength, &parametersForm, publicKeyParamSet,
-                                                    digestParamSet, encryptionParamSet);
-    if (status != StatusOk) return status;
+    if (const Status status = DecodeAlgorithmGostR34102001Parameters(
+            parameters, parametersLength, &parametersForm, publicKeyParamSet, digestParamSet, encryptionParamSet)) {
+        return status;
+    }
     if (parametersForm != ParametersFormGost) return Fail(StatusBadKeyForm);
     const bool fits =
         Holds(form->publicKeyParamSets, *publicKeyParamSet) && Holds(form->digestParamSets, *digestParamSet);
@@ -132,137 +91,141 @@ Status ReadGostKeyForm(const AlgorithmIdentifier* algorithm, uint32_t* publicKey
 
 Status GetCertificateVersion(const Certificate* certificate, int32_t* version) {
     if (AnyNull(certificate, version)) return Fail(StatusBadArgument);
-    const Asn1Value* value = FieldOf(certificate, &TBSCertificate::version);
-    if (value == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Int32(value, version);
+    return GetInt32(Tbs<&TBSCertificate::version>(certificate), version);
 }
 
 Status SetCertificateVersion(Certificate* certificate, uint32_t version) {
     if (certificate == nullptr || version > 2) return Fail(StatusBadArgument);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    return SetAsn1Int32Field(&certificate->tbsCertificate->version, static_cast<int32_t>(version));
+    return SetInt32(Tbs<&TBSCertificate::version>(certificate), static_cast<int32_t>(version));
 }
 
 Status GetCertificateSerialNumber(const Certificate* certificate, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    const Asn1Value* serial = FieldOf(certificate, &TBSCertificate::serialNumber);
-    if (serial == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Value(serial, buffer, length);
+    return GetBytes(Tbs<&TBSCertificate::serialNumber>(certificate), buffer, length);
 }
 
 uint8_t* ptr_GetCertificateSerialNumber(const Certificate* certificate, uint32_t* length) {
     if (AnyNull(certificate, length)) return nullptr;
-    const Asn1Value* serial = FieldOf(certificate, &TBSCertificate::serialNumber);
-    if (serial == nullptr || HasLostBytes(serial)) return nullptr;
+    const Part<Asn1Value> serial = Tbs<&TBSCertificate::serialNumber>(certificate);
+    if (!serial || HasLostBytes(serial.node)) return nullptr;
     *length = serial->length;
     return serial->data;
 }
 
 Status SetCertificateSerialNumber(Certificate* certificate, const uint8_t* bytes, uint32_t length) {
     if (AnyNull(certificate, bytes) || length == 0) return Fail(StatusBadArgument);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    return SetAsn1ValueField(&certificate->tbsCertificate->serialNumber, Asn1KindInteger, bytes, length);
+    return SetBytes(Tbs<&TBSCertificate::serialNumber>(certificate), Asn1KindInteger, bytes, length);
 }
 
 Status GetCertificateIssuer(Certificate* certificate, X509Name** name) {
-    return GetName(certificate, &TBSCertificate::issuer, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    return GetName(Tbs<&TBSCertificate::issuer>(certificate), name);
 }
 
 Status GetCertificateSubject(Certificate* certificate, X509Name** name) {
-    return GetName(certificate, &TBSCertificate::subject, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    return GetName(Tbs<&TBSCertificate::subject>(certificate), name);
 }
 
 Status SetCertificateIssuer(Certificate* certificate, const X509Name* name) {
-    return SetName(certificate, &TBSCertificate::issuer, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    return CopyName(Tbs<&TBSCertificate::issuer>(certificate), name);
 }
 
 Status SetCertificateSubject(Certificate* certificate, const X509Name* name) {
-    return SetName(certificate, &TBSCertificate::subject, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    return CopyName(Tbs<&TBSCertificate::subject>(certificate), name);
 }
 
 Status SetCertificateIssuer_i(Certificate* certificate, X509Name* name, int32_t copy) {
-    return copy != 0 ? SetName(certificate, &TBSCertificate::issuer, name)
-                     : AdoptName(certificate, &TBSCertificate::issuer, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    const Part<Name> issuer = Tbs<&TBSCertificate::issuer>(certificate);
+    return copy != 0 ? CopyName(issuer, name) : MoveName(issuer, name);
 }
 
 Status SetCertificateSubject_i(Certificate* certificate, X509Name* name, int32_t copy) {
-    return copy != 0 ? SetName(certificate, &TBSCertificate::subject, name)
-                     : AdoptName(certificate, &TBSCertificate::subject, name);
+    if (AnyNull(certificate, name)) return Fail(StatusBadArgument);
+    const Part<Name> subject = Tbs<&TBSCertificate::subject>(certificate);
+    return copy != 0 ? CopyName(subject, name) : MoveName(subject, name);
 }
 
 Status GetCertificateValidNotBefore(const Certificate* certificate, LibraryTime* time) {
-    return GetTime(certificate, &Validity::notBefore, time);
+    if (AnyNull(certificate, time)) return Fail(StatusBadArgument);
+    return GetTime(Tbs<&TBSCertificate::validity, &Validity::notBefore>(certificate), time);
 }
 
 Status GetCertificateValidNotAfter(const Certificate* certificate, LibraryTime* time) {
-    return GetTime(certificate, &Validity::notAfter, time);
+    if (AnyNull(certificate, time)) return Fail(StatusBadArgument);
+    return GetTime(Tbs<&TBSCertificate::validity, &Validity::notAfter>(certificate), time);
 }
 
+// A null time is StatusBadTime, not a bad argument.
 Status SetCertificateValidNotBefore(Certificate* certificate, const LibraryTime* time) {
-    return SetTime(certificate, &Validity::notBefore, time);
+    if (certificate == nullptr) return Fail(StatusBadArgument);
+    return SetTime(Tbs<&TBSCertificate::validity, &Validity::notBefore>(certificate), time);
 }
 
 Status SetCertificateValidNotAfter(Certificate* certificate, const LibraryTime* time) {
-    return SetTime(certificate, &Validity::notAfter, time);
+    if (certificate == nullptr) return Fail(StatusBadArgument);
+    return SetTime(Tbs<&TBSCertificate::validity, &Validity::notAfter>(certificate), time);
 }
 
 Status GetCertificateIssuerUniqueId(const Certificate* certificate, uint8_t* buffer, uint32_t* length,
                                     uint8_t* unusedBits) {
-    return GetUniqueId(certificate, &TBSCertificate::issuerUniqueID, buffer, length, unusedBits);
+    if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
+    return GetBits(Tbs<&TBSCertificate::issuerUniqueID>(certificate), buffer, length, unusedBits);
 }
 
 Status GetCertificateSubjectUniqueId(const Certificate* certificate, uint8_t* buffer, uint32_t* length,
                                      uint8_t* unusedBits) {
-    return GetUniqueId(certificate, &TBSCertificate::subjectUniqueID, buffer, length, unusedBits);
+    if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
+    return GetBits(Tbs<&TBSCertificate::subjectUniqueID>(certificate), buffer, length, unusedBits);
 }
 
 Status SetCertificateIssuerUniqueId(Certificate* certificate, const uint8_t* bytes, uint32_t length,
                                     uint8_t unusedBits) {
-    return SetUniqueId(certificate, &TBSCertificate::issuerUniqueID, bytes, length, unusedBits);
+    if (certificate == nullptr) return Fail(StatusBadArgument);
+    return SetUniqueId(Tbs<&TBSCertificate::issuerUniqueID>(certificate), bytes, length, unusedBits);
 }
 
 Status SetCertificateSubjectUniqueId(Certificate* certificate, const uint8_t* bytes, uint32_t length,
                                      uint8_t unusedBits) {
-    return SetUniqueId(certificate, &TBSCertificate::subjectUniqueID, bytes, length, unusedBits);
+    if (certificate == nullptr) return Fail(StatusBadArgument);
+    return SetUniqueId(Tbs<&TBSCertificate::subjectUniqueID>(certificate), bytes, length, unusedBits);
 }
 
 Status GetCertificateExtensions(const Certificate* certificate, X509Extensions* extensions) {
     if (AnyNull(certificate, extensions)) return Fail(StatusBadArgument);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    *extensions = &certificate->tbsCertificate->extensions;
-    return StatusOk;
+    return Borrow(Tbs<&TBSCertificate::extensions>(certificate), extensions);
 }
 
 Status SetCertificateExtensions(Certificate* certificate, X509Extensions source) {
     if (AnyNull(certificate, source)) return Fail(StatusBadArgument);
-    if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    // Copied first: the source may be the certificate's own.
-    Tree<X509ExtensionList> copy;
-    const Status status = source->list == nullptr ? StatusOk : copy.CopyOf(source->list);
-    X509ExtensionList** list = &certificate->tbsCertificate->extensions.list;
-    FreeField(list);
-    *list = copy.Take();
-    return status;
+    const Part<X509ExtensionsCell> extensions = Tbs<&TBSCertificate::extensions>(certificate);
+    if (!extensions) return extensions.Absent();
+    if (source->list != nullptr) return CopyList(source->list, &extensions->list);
+    FreeField(&extensions->list);
+    return StatusOk;
 }
 
 Status GetCertificatePublicKey(const Certificate* certificate, uint8_t* key, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    return GetPublicKey(KeyInfoOf(certificate), key, length);
+    return GetBits(PublicKey(certificate), key, length);
 }
 
 Status SetCertificatePublicKey(Certificate* certificate, const uint8_t* key, uint32_t length) {
     if (AnyNull(certificate, key)) return Fail(StatusBadArgument);
-    return SetPublicKey(KeyInfoOf(certificate), key, length);
+    return ReplaceBits(PublicKey(certificate), key, length);
 }
 
 Status SetCertificateGostR34102001PublicKey(Certificate* certificate, const uint8_t* key, uint32_t length) {
     if (AnyNull(certificate, key)) return Fail(StatusBadArgument);
-    return SetGostPublicKey(KeyInfoOf(certificate), key, length);
+    return SetGostPublicKey(PublicKey(certificate), key, length);
 }
 
 Status GetCertificatePublicKeyGostR3410(const Certificate* certificate, uint8_t* key, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    return GetGostPublicKey(KeyInfoOf(certificate), key, length);
+    return GetGostPublicKey(PublicKey(certificate), key, length);
 }
 
 Status GetCertificateDecodedPublicKeyGostR34102012(const Certificate* certificate, uint8_t* key, uint32_t* length,
@@ -271,14 +234,13 @@ Status GetCertificateDecodedPublicKeyGostR34102012(const Certificate* certificat
     if (AnyNull(certificate, length, publicKeyParamSet, digestParamSet, encryptionParamSet)) {
         return Fail(StatusBadArgument);
     }
-    const SubjectPublicKeyInfo* info = KeyInfoOf(certificate);
-    if (AlgorithmOf(info) == nullptr) return Fail(StatusAbsent);
-    Status status = ReadGostKeyForm(info->algorithm, publicKeyParamSet, digestParamSet, encryptionParamSet);
-    if (status != StatusOk) return status;
+    const Part<AlgorithmIdentifier> algorithm = KeyAlgorithm(certificate);
+    if (const Status status = ReadGostKeyForm(algorithm, publicKeyParamSet, digestParamSet, encryptionParamSet)) {
+        return status;
+    }
     uint8_t wrapped[168];
     uint32_t wrappedLength = sizeof wrapped;
-    status = GetPublicKey(info, wrapped, &wrappedLength);
-    if (status != StatusOk) return status;
+    if (const Status status = GetBits(PublicKey(certificate), wrapped, &wrappedLength)) return status;
     return DecodeAsn1PrimitiveValue(Asn1KindOctetString, wrapped, wrappedLength, key, length);
 }
 
@@ -286,21 +248,19 @@ Status GetCertificatePublicKeyAlgorithmOidAndParameters(const Certificate* certi
                                                         uint32_t* oidLength, uint8_t* parameters,
                                                         uint32_t* parametersLength) {
     if (AnyNull(certificate, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(KeyAlgorithm(certificate), {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status SetCertificatePublicKeyAlgorithmOidAndParameters(Certificate* certificate, const uint8_t* oid,
                                                         const uint8_t* parameters, uint32_t length) {
     if (AnyNull(certificate, oid)) return Fail(StatusBadArgument);
-    return SetAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), oid, parameters, length);
+    return SetAlgorithm(KeyAlgorithm(certificate), oid, {parameters, length});
 }
 
 Status SetCertificatePublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t id, const uint8_t* parameters,
                                                        uint32_t length) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
-    AlgorithmIdentifier* algorithm = AlgorithmOf(KeyInfoOf(certificate));
-    if (algorithm == nullptr) return Fail(StatusAbsent);
-    return SetAlgorithmIdentifierIdAndParameters(algorithm, id, parameters, length);
+    return SetAlgorithmById(KeyAlgorithm(certificate), id, {parameters, length});
 }
 
 Status SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters(Certificate* certificate, uint32_t algorithmId,
@@ -308,33 +268,33 @@ Status SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters(Certificate*
                                                                     uint32_t digestParamSet,
                                                                     uint32_t encryptionParamSet) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
-    return SetGostAlgorithm(AlgorithmOf(KeyInfoOf(certificate)), algorithmId, parametersForm, publicKeyParamSet,
-                            digestParamSet, encryptionParamSet);
+    const GostSets sets = {parametersForm, publicKeyParamSet, digestParamSet, encryptionParamSet};
+    return SetGostAlgorithm(KeyAlgorithm(certificate), algorithmId, sets);
 }
 
 Status GetCertificateSignature(const Certificate* certificate, uint8_t* signature, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
     if (certificate->tbsCertificate == nullptr) return Fail(StatusAbsent);
-    return GetBitStringField(certificate->signature, signature, length);
+    return GetBits(At<&Certificate::signature>(certificate), signature, length);
 }
 
 Status SetCertificateSignature(Certificate* certificate, const uint8_t* signature, uint32_t length) {
     if (AnyNull(certificate, signature)) return Fail(StatusBadArgument);
-    return SetAsn1BitStringField(&certificate->signature, signature, length);
+    return SetBits(At<&Certificate::signature>(certificate), signature, length);
 }
 
 Status GetCertificateSignatureAlgorithmOidAndParameters(const Certificate* certificate, uint8_t* oid,
                                                         uint32_t* oidLength, uint8_t* parameters,
                                                         uint32_t* parametersLength) {
     if (AnyNull(certificate, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(FieldOf(certificate, &TBSCertificate::signature), oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(Tbs<&TBSCertificate::signature>(certificate), {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status SetCertificateSignatureAlgorithmOidAndParameters(Certificate* certificate, const uint8_t* oid,
                                                         const uint8_t* parameters, uint32_t length) {
     if (AnyNull(certificate, oid)) return Fail(StatusBadArgument);
-    return SetSignatureAlgorithm(certificate, [=](AlgorithmIdentifier* algorithm) {
-        return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
+    return SetSignatureAlgorithm(certificate, [=](const auto& algorithm) {
+        return SetAlgorithm(algorithm, oid, {parameters, length});
     });
 }
 
@@ -343,10 +303,9 @@ Status SetCertificateGostR34102001SignatureAlgorithmIDAndParameters(Certificate*
                                                                     uint32_t digestParamSet,
                                                                     uint32_t encryptionParamSet) {
     if (certificate == nullptr) return Fail(StatusBadArgument);
-    return SetSignatureAlgorithm(certificate, [=](AlgorithmIdentifier* algorithm) {
-        return SetAlgorithmGostR34102001AndParameters(algorithm, algorithmId, parametersForm, publicKeyParamSet,
-                                                      digestParamSet, encryptionParamSet);
-    });
+    const GostSets sets = {parametersForm, publicKeyParamSet, digestParamSet, encryptionParamSet};
+    return SetSignatureAlgorithm(certificate,
+                                 [&](const auto& algorithm) { return SetGostAlgorithm(algorithm, algorithmId, sets); });
 }
 
 Status SetCertificateGostR34102001SignatureAlgorithmID(Certificate* certificate, uint32_t algorithmId,

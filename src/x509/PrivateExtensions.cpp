@@ -1,5 +1,6 @@
 #include "tlvforge/private_extensions.h"
 
+#include "engine/alias.h"
 #include "engine/outputs.h"
 #include "tlvforge/oid.h"
 #include "x509/extension_codecs.h"
@@ -399,43 +400,25 @@ EncodeText EncodeExtensionOcspRequestGuid __attribute__((alias("EncodeExtensionS
 EncodeText EncodeExtensionOcspRequestPerson __attribute__((alias("EncodeExtensionSubjectSignTool")));
 EncodeText EncodeExtensionOcspRequestBsnProdCode __attribute__((alias("EncodeExtensionSubjectSignTool")));
 
-decltype(DecodeExtensionOcspRequestCertificates) DecodeExtensionOcspRequestPrivateKeyContexts
-    __attribute__((alias("DecodeExtensionOcspRequestCertificates")));
-decltype(EncodeExtensionOcspRequestCertificates) EncodeExtensionOcspRequestPrivateKeyContexts
-    __attribute__((alias("EncodeExtensionOcspRequestCertificates")));
-decltype(DecodeExtensionKeyStorage) DecodeExtensionExtendedResult __attribute__((alias("DecodeExtensionKeyStorage")));
-decltype(EncodeExtensionKeyStorage) EncodeExtensionExtendedResult __attribute__((alias("EncodeExtensionKeyStorage")));
+TLVFORGE_ALIAS(DecodeExtensionOcspRequestPrivateKeyContexts, DecodeExtensionOcspRequestCertificates);
+TLVFORGE_ALIAS(EncodeExtensionOcspRequestPrivateKeyContexts, EncodeExtensionOcspRequestCertificates);
+TLVFORGE_ALIAS(DecodeExtensionExtendedResult, DecodeExtensionKeyStorage);
+TLVFORGE_ALIAS(EncodeExtensionExtendedResult, EncodeExtensionKeyStorage);
 
 // The types of the other stores are never completed: their lists are those of the first.
-decltype(CreateExtensionStorePrivateKeyContexts) CreateExtensionStorePrivateKeyContexts
-    __attribute__((alias("CreateExtensionStoreCertificates")));
-decltype(DecodeExtensionStorePrivateKeyContexts) DecodeExtensionStorePrivateKeyContexts
-    __attribute__((alias("DecodeExtensionStoreCertificates")));
-decltype(EncodeExtensionStorePrivateKeyContexts) EncodeExtensionStorePrivateKeyContexts
-    __attribute__((alias("EncodeExtensionStoreCertificates")));
-decltype(FreeExtensionStorePrivateKeyContexts) FreeExtensionStorePrivateKeyContexts
-    __attribute__((alias("FreeExtensionStoreCertificates")));
-decltype(AddExtensionStorePrivateKeyContexts) AddExtensionStorePrivateKeyContexts
-    __attribute__((alias("AddExtensionStoreCertificates")));
-decltype(GetExtensionStorePrivateKeyContexts) GetExtensionStorePrivateKeyContexts
-    __attribute__((alias("GetExtensionStoreCertificates")));
-decltype(GetExtensionStorePrivateKeyContextsCount) GetExtensionStorePrivateKeyContextsCount
-    __attribute__((alias("GetExtensionStoreCertificatesCount")));
-decltype(RemoveExtensionStorePrivateKeyContexts) RemoveExtensionStorePrivateKeyContexts
-    __attribute__((alias("RemoveExtensionStoreCertificates")));
-decltype(CreateExtensionStoreOcspRequestDocuments) CreateExtensionStoreOcspRequestDocuments
-    __attribute__((alias("CreateExtensionStoreCertificates")));
-decltype(DecodeExtensionStoreOcspRequestDocuments) DecodeExtensionStoreOcspRequestDocuments
-    __attribute__((alias("DecodeExtensionStoreCertificates")));
-decltype(EncodeExtensionStoreOcspRequestDocuments) EncodeExtensionStoreOcspRequestDocuments
-    __attribute__((alias("EncodeExtensionStoreCertificates")));
-decltype(FreeExtensionStoreOcspRequestDocuments) FreeExtensionStoreOcspRequestDocuments
-    __attribute__((alias("FreeExtensionStoreCertificates")));
-decltype(AddExtensionStoreOcspRequestDocuments) AddExtensionStoreOcspRequestDocuments
-    __attribute__((alias("AddExtensionStoreCertificates")));
-decltype(GetExtensionStoreOcspRequestDocuments) GetExtensionStoreOcspRequestDocuments
-    __attribute__((alias("GetExtensionStoreCertificates")));
-decltype(GetExtensionStoreOcspRequestDocumentsCount) GetExtensionStoreOcspRequestDocumentsCount
-    __attribute__((alias("GetExtensionStoreCertificatesCount")));
-decltype(RemoveExtensionStoreOcspRequestDocuments) RemoveExtensionStoreOcspRequestDocuments
-    __attribute__((alias("RemoveExtensionStoreCertificates")));
+TLVFORGE_ALIAS_OF_HANDLE(CreateExtensionStorePrivateKeyContexts, CreateExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(DecodeExtensionStorePrivateKeyContexts, DecodeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(EncodeExtensionStorePrivateKeyContexts, EncodeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(FreeExtensionStorePrivateKeyContexts, FreeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(AddExtensionStorePrivateKeyContexts, AddExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(GetExtensionStorePrivateKeyContexts, GetExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(GetExtensionStorePrivateKeyContextsCount, GetExtensionStoreCertificatesCount);
+TLVFORGE_ALIAS_OF_HANDLE(RemoveExtensionStorePrivateKeyContexts, RemoveExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(CreateExtensionStoreOcspRequestDocuments, CreateExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(DecodeExtensionStoreOcspRequestDocuments, DecodeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(EncodeExtensionStoreOcspRequestDocuments, EncodeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(FreeExtensionStoreOcspRequestDocuments, FreeExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(AddExtensionStoreOcspRequestDocuments, AddExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(GetExtensionStoreOcspRequestDocuments, GetExtensionStoreCertificates);
+TLVFORGE_ALIAS_OF_HANDLE(GetExtensionStoreOcspRequestDocumentsCount, GetExtensionStoreCertificatesCount);
+TLVFORGE_ALIAS_OF_HANDLE(RemoveExtensionStoreOcspRequestDocuments, RemoveExtensionStoreCertificates);

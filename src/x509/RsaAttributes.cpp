@@ -1,33 +1,29 @@
 #include "tlvforge/attributes.h"
 
-#include "engine/nodes.h"
-#include "engine/oids.h"
+#include "engine/list_cells.h"
 #include "x509/attribute.schema.h"
-#include "x509/list_cells.h"
 
 using namespace tlvforge;
 
 namespace {
 
-// A member, for the functions that answer an empty cell with 311.
-Status GetAttribute(RsaAttributes attributes, uint32_t index, RsaAttribute** attribute, Place place = Place::Here()) {
-    if (attributes->list == nullptr) return Fail(StatusAbsent, place);
-    return GetListMember(attributes->list, index, attribute, place);
-}
-
 // An attribute without values.
 Status MakeAttribute(const uint8_t* oid, Tree<RsaAttribute>* attribute) {
-    const Status status = attribute->Create();
-    return status == StatusOk ? ReplaceOidField(&attribute->Get()->type, oid) : status;
+    if (const Status status = attribute->Create()) return status;
+    return ReplaceOidField(&attribute->Get()->type, oid);
 }
 
 }  // namespace
 
-Status CreateRsaAttributes(RsaAttributes* out) { return CreateCell(out); }
+Status CreateRsaAttributes(RsaAttributes* out) {
+    if (out == nullptr) return Fail(StatusBadArgument);
+    return CreateCell(out);
+}
 
 Status FreeRsaAttributes(RsaAttributes attributes) { return FreeCell(attributes); }
 
 Status DecodeRsaAttributes(const uint8_t* data, uint32_t length, RsaAttributes* out) {
+    if (AnyNull(data, out)) return Fail(StatusBadArgument);
     return DecodeCell(data, length, out);
 }
 
@@ -46,25 +42,27 @@ Status GetRsaAttributesAttributesCount(RsaAttributes attributes, uint32_t* count
 }
 
 Status GetRsaAttributesAttributeOid(RsaAttributes attributes, uint32_t index, uint8_t* oid, uint32_t* length) {
-    if (AnyNull(attributes, length)) return Fail(StatusBadArgument);
+    if (AnyNull(attributes, length) || !HasIndex(attributes->list, index)) return Fail(StatusBadArgument);
     RsaAttribute* attribute = nullptr;
-    const Status status = GetListMember(attributes->list, index, &attribute);
-    return status == StatusOk ? GetRsaAttributeOid(attribute, oid, length) : status;
+    if (const Status status = Borrow(MemberAt(attributes->list, index), &attribute)) return status;
+    return GetRsaAttributeOid(attribute, oid, length);
 }
 
 Status GetRsaAttributesAttributeValuesCount(RsaAttributes attributes, uint32_t index, uint32_t* count) {
     if (AnyNull(attributes, count)) return Fail(StatusBadArgument);
+    const auto list = At<&RsaAttributesCell::list>(attributes);
     RsaAttribute* attribute = nullptr;
-    const Status status = GetAttribute(attributes, index, &attribute);
-    return status == StatusOk ? GetRsaAttributeValuesCount(attribute, count) : status;
+    if (const Status status = GetMember(list, index, &attribute)) return status;
+    return GetRsaAttributeValuesCount(attribute, count);
 }
 
 Status GetRsaAttributesAttributeValue(RsaAttributes attributes, uint32_t index, uint32_t valueIndex, uint8_t* buffer,
                                       uint32_t* length) {
     if (AnyNull(attributes, length)) return Fail(StatusBadArgument);
+    const auto list = At<&RsaAttributesCell::list>(attributes);
     RsaAttribute* attribute = nullptr;
-    const Status status = GetAttribute(attributes, index, &attribute);
-    return status == StatusOk ? GetRsaAttributeValue(attribute, valueIndex, buffer, length) : status;
+    if (const Status status = GetMember(list, index, &attribute)) return status;
+    return GetRsaAttributeValue(attribute, valueIndex, buffer, length);
 }
 
 Status FindRsaAttributesAttribute(RsaAttributes attributes, const uint8_t* oid, uint32_t* index) {
@@ -76,25 +74,26 @@ Status FindRsaAttributesAttribute(RsaAttributes attributes, const uint8_t* oid, 
 Status AddRsaAttributesAttribute(RsaAttributes attributes, const uint8_t* oid, uint32_t* index) {
     if (AnyNull(attributes, oid, index)) return Fail(StatusBadArgument);
     Tree<RsaAttribute> attribute;
-    Status status = NeedList(&attributes->list);
-    if (status == StatusOk) status = MakeAttribute(oid, &attribute);
-    if (status == StatusOk) status = attribute.MoveTo(attributes->list);
-    if (status == StatusOk) *index = attributes->list->count - 1;
-    return status;
+    if (const Status status = Ensure(&attributes->list)) return status;
+    if (const Status status = MakeAttribute(oid, &attribute)) return status;
+    if (const Status status = attribute.MoveTo(attributes->list)) return status;
+    *index = attributes->list->count - 1;
+    return StatusOk;
 }
 
 Status AddRsaAttributesAttributeValue(RsaAttributes attributes, uint32_t index, const uint8_t* value, uint32_t length) {
     if (AnyNull(attributes, value)) return Fail(StatusBadArgument);
+    const auto list = At<&RsaAttributesCell::list>(attributes);
     RsaAttribute* attribute = nullptr;
-    const Status status = GetAttribute(attributes, index, &attribute);
-    return status == StatusOk ? AddRsaAttributeValue(attribute, value, length) : status;
+    if (const Status status = GetMember(list, index, &attribute)) return status;
+    return AddRsaAttributeValue(attribute, value, length);
 }
 
 Status AddRsaAttributesAttributeWithValue(RsaAttributes attributes, const uint8_t* oid, uint32_t* index,
                                           const uint8_t* value, uint32_t length) {
     if (AnyNull(attributes, oid, index, value)) return Fail(StatusBadArgument);
-    const Status status = AddRsaAttributesAttribute(attributes, oid, index);
-    return status == StatusOk ? AddRsaAttributesAttributeValue(attributes, *index, value, length) : status;
+    if (const Status status = AddRsaAttributesAttribute(attributes, oid, index)) return status;
+    return AddRsaAttributesAttributeValue(attributes, *index, value, length);
 }
 
 Status AppendRsaAttributes(RsaAttributes attributes, RsaAttributes source) {
@@ -105,9 +104,8 @@ Status AppendRsaAttributes(RsaAttributes attributes, RsaAttributes source) {
     const uint32_t count = source->list->count;
     for (uint32_t i = 0; i < count; ++i) {
         Tree<RsaAttribute> copy;
-        Status status = copy.CopyOf(static_cast<const RsaAttribute*>(source->list->items[i]));
-        if (status == StatusOk) status = copy.MoveTo(attributes->list);
-        if (status != StatusOk) return status;
+        if (const Status status = copy.CopyOf(source->list->At(i))) return status;
+        if (const Status status = copy.MoveTo(attributes->list)) return status;
     }
     return StatusOk;
 }
@@ -117,8 +115,7 @@ Status RemoveRsaAttributesAttribute2(RsaAttributes attributes, const uint8_t* oi
     if (attributes->list == nullptr) return Fail(StatusAbsent);
     for (uint32_t i = attributes->list->count; i-- > 0;) {
         if (!HasOid(attributes->list, i, &RsaAttribute::type, oid)) continue;
-        const Status status = RemoveMember(attributes->list, i);
-        if (status != StatusOk) return status;
+        if (const Status status = RemoveMember(attributes->list, i)) return status;
     }
     return StatusOk;
 }
@@ -144,28 +141,26 @@ Status EncodeRsaAttribute(const RsaAttribute* attribute, uint8_t* buffer, uint32
 
 Status GetRsaAttributeOid(const RsaAttribute* attribute, uint8_t* oid, uint32_t* length) {
     if (AnyNull(attribute, length)) return Fail(StatusBadArgument);
-    if (attribute->type == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Oid(attribute->type, oid, length);
+    return GetOid(At<&RsaAttribute::type>(attribute), oid, length);
 }
 
 Status GetRsaAttributeValuesCount(const RsaAttribute* attribute, uint32_t* count) {
     if (AnyNull(attribute, count)) return Fail(StatusBadArgument);
-    if (attribute->values == nullptr) return Fail(StatusAbsent);
-    return GetListCount(attribute->values, count);
+    return GetCount(At<&RsaAttribute::values>(attribute), count);
 }
 
 Status GetRsaAttributeValue(const RsaAttribute* attribute, uint32_t index, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(attribute, length)) return Fail(StatusBadArgument);
-    if (attribute->values == nullptr) return Fail(StatusAbsent);
+    const auto values = At<&RsaAttribute::values>(attribute);
     Asn1Any* value = nullptr;
-    const Status status = GetListMember(attribute->values, index, &value);
-    return status == StatusOk ? GetAsn1AnyValue(value, buffer, length) : status;
+    if (const Status status = GetMember(values, index, &value)) return status;
+    return GetAsn1AnyValue(value, buffer, length);
 }
 
 Status AddRsaAttributeValue(RsaAttribute* attribute, const uint8_t* value, uint32_t length) {
     if (AnyNull(attribute, value)) return Fail(StatusBadArgument);
-    const Status status = NeedList(&attribute->values);
-    if (status != StatusOk) return status;
+    if (attribute->values == nullptr) attribute->values = AllocList<ListOf<Asn1Any>>();
+    if (attribute->values == nullptr) return Fail(StatusOutOfMemory);
     // The type is that of the low tag form, also where the value has another form or no bytes at all.
     Tree<schema::Any> any(AllocAsn1Any(length == 0 ? 0 : value[0] & 31u, value, length));
     return any ? any.MoveTo(attribute->values) : Fail(StatusOutOfMemory);

@@ -1,6 +1,7 @@
 #include "tlvforge/extensions.h"
 
 #include "common/times.h"
+#include "engine/alias.h"
 #include "engine/oids.h"
 #include "engine/outputs.h"
 #include "tlvforge/certificate.h"
@@ -675,13 +676,9 @@ Status RemoveExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32
 
 // --- One function under several names ---
 
-decltype(DecodeExtensionKeyUsage) DecodeExtensionNetscapeCertificateType
-    __attribute__((alias("DecodeExtensionKeyUsage")));
-decltype(EncodeExtensionKeyUsage) EncodeExtensionNetscapeCertificateType
-    __attribute__((alias("EncodeExtensionKeyUsage")));
-decltype(DecodeExtensionSubjectKeyIdentifier) DecodeExtensionOcspNonce
-    __attribute__((alias("DecodeExtensionSubjectKeyIdentifier")));
-decltype(EncodeExtensionSubjectKeyIdentifier) EncodeExtensionOcspNonce
-    __attribute__((alias("EncodeExtensionSubjectKeyIdentifier")));
-decltype(DecodeExtensionCrlNumber) DecodeExtensionDeltaCrlIndicator __attribute__((alias("DecodeExtensionCrlNumber")));
-decltype(EncodeExtensionCrlNumber) EncodeExtensionDeltaCrlIndicator __attribute__((alias("EncodeExtensionCrlNumber")));
+TLVFORGE_ALIAS(DecodeExtensionNetscapeCertificateType, DecodeExtensionKeyUsage);
+TLVFORGE_ALIAS(EncodeExtensionNetscapeCertificateType, EncodeExtensionKeyUsage);
+TLVFORGE_ALIAS(DecodeExtensionOcspNonce, DecodeExtensionSubjectKeyIdentifier);
+TLVFORGE_ALIAS(EncodeExtensionOcspNonce, EncodeExtensionSubjectKeyIdentifier);
+TLVFORGE_ALIAS(DecodeExtensionDeltaCrlIndicator, DecodeExtensionCrlNumber);
+TLVFORGE_ALIAS(EncodeExtensionDeltaCrlIndicator, EncodeExtensionCrlNumber);

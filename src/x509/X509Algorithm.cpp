@@ -2,11 +2,8 @@
 
 #include <string.h>
 
-#include "engine/failure.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/outputs.h"
-#include "tlvforge/asn1.h"
+#include "engine/alias.h"
+#include "engine/views.h"
 #include "tlvforge/oid.h"
 #include "x509/algorithm.h"
 
@@ -69,21 +66,19 @@ uint8_t FormOf(const uint8_t* bytes, uint32_t length) {
 
 // Whatever the decoder finds wrong, the parameters are not the GOST ones.
 template <class Parameters>
-Status DecodeGostParameters(Tree<Parameters>* parameters, const uint8_t* bytes, uint32_t length) {
-    return parameters->Decode(bytes, length) == StatusOk ? StatusOk : Fail(StatusBadEncoding);
+Status DecodeGostParameters(Tree<Parameters>* parameters, Bytes bytes) {
+    return parameters->Decode(bytes.data, bytes.length) == StatusOk ? StatusOk : Fail(StatusBadEncoding);
 }
 
-// The last failure is the result.
 template <class Parameters>
-Status DecodeParameterOids(const uint8_t* bytes, uint32_t length, Output publicKey, Output digest, Output encryption) {
+Status DecodeParameterOids(Bytes bytes, Output publicKey, Output digest, Output encryption) {
     Tree<Parameters> parameters;
-    const Status decoded = DecodeGostParameters(&parameters, bytes, length);
-    if (decoded != StatusOk) return decoded;
-    const Status first = GetAsn1Oid(parameters->publicKeyParamSet, publicKey.buffer, publicKey.length);
-    const Status second = GetAsn1Oid(parameters->digestParamSet, digest.buffer, digest.length);
-    const Status third = GetAsn1Oid(parameters->encryptionParamSet, encryption.buffer, encryption.length);
-    if (third != StatusOk) return third;
-    return second != StatusOk ? second : first;
+    if (const Status status = DecodeGostParameters(&parameters, bytes)) return status;
+    return ReadOutputs(
+        OutputRule::kAllLast,
+        [&] { return GetAsn1Oid(parameters->publicKeyParamSet, publicKey.buffer, publicKey.length); },
+        [&] { return GetAsn1Oid(parameters->digestParamSet, digest.buffer, digest.length); },
+        [&] { return GetAsn1Oid(parameters->encryptionParamSet, encryption.buffer, encryption.length); });
 }
 
 bool Is2001(uint32_t algorithmId) { return algorithmId == AlgorithmGostR34102001; }
@@ -103,36 +98,22 @@ Status FindIdOfValue(const OidId (&table)[Count], const Asn1Value* oid, uint32_t
     return Fail(StatusUnknownOid);
 }
 
-// A record over the caller's bytes, for the encoder, which only reads.
-Asn1Value ViewOid(const uint8_t* oid) { return {Asn1KindObjectIdentifier, oid[0], const_cast<uint8_t*>(oid + 1)}; }
-
 }  // namespace
 
 namespace tlvforge {
 
-Status GetAlgorithmIdentifierOid(const AlgorithmIdentifier* record, uint8_t* oid, uint32_t* length) {
+Status GetAlgorithmIdentifierOid(const AlgorithmIdentifier* record, Output oid) {
     if (record == nullptr) return Fail(StatusBadArgument);
-    if (length == nullptr) return oid == nullptr ? StatusOk : Fail(StatusBadArgument);
-    if (record->algorithm == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Oid(record->algorithm, oid, length);
+    if (oid.length == nullptr) return oid.buffer == nullptr ? StatusOk : Fail(StatusBadArgument);
+    return GetOid(At<&AlgorithmIdentifier::algorithm>(record), oid.buffer, oid.length);
 }
 
-Status GetAlgorithmIdentifierParameters(const AlgorithmIdentifier* record, uint8_t* parameters, uint32_t* length) {
+Status GetAlgorithmIdentifierParameters(const AlgorithmIdentifier* record, Output parameters) {
     if (record == nullptr) return Fail(StatusBadArgument);
-    if (length == nullptr) return parameters == nullptr ? StatusOk : Fail(StatusBadArgument);
-    if (record->parameters != nullptr) return GetAsn1AnyValue(record->parameters, parameters, length);
-    *length = 0;
+    if (parameters.length == nullptr) return parameters.buffer == nullptr ? StatusOk : Fail(StatusBadArgument);
+    if (record->parameters != nullptr) return GetAsn1AnyValue(record->parameters, parameters.buffer, parameters.length);
+    *parameters.length = 0;
     return StatusOk;
-}
-
-Status GetAlgorithmIdentifierOidAndParameters(const AlgorithmIdentifier* record, uint8_t* oid, uint32_t* oidLength,
-                                              uint8_t* parameters, uint32_t* parametersLength) {
-    if (record == nullptr) return Fail(StatusAbsent);
-    const Status first = GetAlgorithmIdentifierOid(record, oid, oidLength);
-    const Status second = GetAlgorithmIdentifierParameters(record, parameters, parametersLength);
-    // Every higher status counts as "too small", an absent OID too: callers expect this one number.
-    if (first >= StatusBufferTooSmall || second >= StatusBufferTooSmall) return Fail(StatusBufferTooSmall);
-    return first != StatusOk ? first : second;
 }
 
 Status SetAlgorithmIdentifierOid(AlgorithmIdentifier* record, const uint8_t* oid) {
@@ -144,37 +125,59 @@ Status SetAlgorithmIdentifierById(AlgorithmIdentifier* record, uint32_t id) {
     if (record == nullptr) return Fail(StatusBadArgument);
     FreeField(&record->algorithm);
     const uint8_t* oid = nullptr;
-    const Status status = FindOid(kAlgorithmIds, id, &oid);
-    return status != StatusOk ? status : ReplaceOidField(&record->algorithm, oid);
+    if (const Status status = FindOid(kAlgorithmIds, id, &oid)) return status;
+    return ReplaceOidField(&record->algorithm, oid);
 }
 
-Status SetAlgorithmIdentifierParameters(AlgorithmIdentifier* record, const uint8_t* parameters, uint32_t length) {
+Status SetAlgorithmIdentifierParameters(AlgorithmIdentifier* record, Bytes parameters) {
     if (record == nullptr) return Fail(StatusBadArgument);
-    const bool given = parameters != nullptr && length != 0;
-    Asn1Any* copy = given ? AllocAsn1Any(parameters[0] & 31, parameters, length) : nullptr;
+    const bool given = parameters.data != nullptr && parameters.length != 0;
+    // Copied first: the parameters may be the record's own.
+    Asn1Any* copy = given ? AllocAsn1Any(parameters.data[0] & 31, parameters.data, parameters.length) : nullptr;
     FreeField(&record->parameters);
     record->parameters = copy;
     return given && copy == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
 }
 
-Status SetAlgorithmIdentifierOidAndParameters(AlgorithmIdentifier* record, const uint8_t* oid,
-                                              const uint8_t* parameters, uint32_t length) {
-    const Status status = SetAlgorithmIdentifierOid(record, oid);
-    return status != StatusOk ? status : SetAlgorithmIdentifierParameters(record, parameters, length);
+Status GetAlgorithm(const Part<AlgorithmIdentifier>& field, Output oid, Output parameters) {
+    if (!field) return field.Absent();
+    const Status first = GetAlgorithmIdentifierOid(field.node, oid);
+    const Status second = GetAlgorithmIdentifierParameters(field.node, parameters);
+    // Every higher status counts as a small buffer, an absent OID too: see docs/oddities.md.
+    if (first >= StatusBufferTooSmall || second >= StatusBufferTooSmall) return Fail(StatusBufferTooSmall);
+    return first != StatusOk ? first : second;
 }
 
-Status SetAlgorithmIdentifierIdAndParameters(AlgorithmIdentifier* record, uint32_t id, const uint8_t* parameters,
-                                             uint32_t length) {
-    const Status status = SetAlgorithmIdentifierById(record, id);
-    return status != StatusOk ? status : SetAlgorithmIdentifierParameters(record, parameters, length);
+Status SetAlgorithm(const Part<AlgorithmIdentifier>& field, const uint8_t* oid, Bytes parameters) {
+    if (!field) return field.Absent();
+    if (const Status status = SetAlgorithmIdentifierOid(field.node, oid)) return status;
+    return SetAlgorithmIdentifierParameters(field.node, parameters);
+}
+
+Status SetAlgorithmById(const Part<AlgorithmIdentifier>& field, uint32_t id, Bytes parameters) {
+    if (!field) return field.Absent();
+    if (const Status status = SetAlgorithmIdentifierById(field.node, id)) return status;
+    return SetAlgorithmIdentifierParameters(field.node, parameters);
+}
+
+Status SetGostAlgorithm(const Part<AlgorithmIdentifier>& field, uint32_t algorithmId, const GostSets& sets) {
+    if (!field) return field.Absent();
+    return SetAlgorithmGostR34102001AndParameters(field.node, algorithmId, sets.parametersForm, sets.publicKeyParamSet,
+                                                  sets.digestParamSet, sets.encryptionParamSet);
 }
 
 }  // namespace tlvforge
 
-Status FindAlgIdByOid(const uint8_t* oid, uint32_t* id) { return FindId(kAlgorithmIds, oid, id); }
+Status FindAlgIdByOid(const uint8_t* oid, uint32_t* id) {
+    if (AnyNull(oid, id)) return Fail(StatusBadArgument);
+    return FindId(kAlgorithmIds, oid, id);
+}
 
 Status GetPublicKeyAlgorithmOid(uint32_t id, uint8_t* oid, uint32_t* length) {
-    return GiveOid(kAlgorithmIds, id, oid, length);
+    if (length == nullptr) return Fail(StatusBadArgument);
+    const uint8_t* found = nullptr;
+    if (const Status status = FindOid(kAlgorithmIds, id, &found)) return status;
+    return CopyOutOid(found, oid, length);
 }
 
 Status DecodeAlgorithmGostR34102001Parameters(const uint8_t* bytes, uint32_t length, uint8_t* parametersForm,
@@ -186,13 +189,12 @@ Status DecodeAlgorithmGostR34102001Parameters(const uint8_t* bytes, uint32_t len
     if (AnyNull(publicKeyParamSet, digestParamSet, encryptionParamSet)) return Fail(StatusBadArgument);
     // Keys of 2012 are read with the default of 2001 as well: a missing encryption set is number 1 for all of them.
     Tree<GostR34102001Parameters> parameters;
-    Status status = DecodeGostParameters(&parameters, bytes, length);
-    if (status != StatusOk) return status;
-    status = FindIdOfValue(kPublicKeyParamSets, parameters->publicKeyParamSet, publicKeyParamSet);
-    if (status != StatusOk) return status;
-    status = FindIdOfValue(kDigestParamSets, parameters->digestParamSet, digestParamSet);
-    if (status != StatusOk) return status;
-    return FindIdOfValue(kEncryptionParamSets, parameters->encryptionParamSet, encryptionParamSet);
+    if (const Status status = DecodeGostParameters(&parameters, {bytes, length})) return status;
+    return ReadOutputs(
+        OutputRule::kUntilFailure,
+        [&] { return FindIdOfValue(kPublicKeyParamSets, parameters->publicKeyParamSet, publicKeyParamSet); },
+        [&] { return FindIdOfValue(kDigestParamSets, parameters->digestParamSet, digestParamSet); },
+        [&] { return FindIdOfValue(kEncryptionParamSets, parameters->encryptionParamSet, encryptionParamSet); });
 }
 
 Status EncodeAlgorithmGostR34102001Parameters(uint8_t parametersForm, uint32_t publicKeyParamSet,
@@ -202,13 +204,11 @@ Status EncodeAlgorithmGostR34102001Parameters(uint8_t parametersForm, uint32_t p
     const uint8_t* publicKeyOid = nullptr;
     const uint8_t* digestOid = nullptr;
     const uint8_t* encryptionOid = nullptr;
-    Status status = StatusOk;
     if (parametersForm == ParametersFormGost) {
-        status = FindOid(kPublicKeyParamSets, publicKeyParamSet, &publicKeyOid);
-        if (status == StatusOk) status = FindOid(kDigestParamSets, digestParamSet, &digestOid);
-        if (status == StatusOk) status = FindOid(kEncryptionParamSets, encryptionParamSet, &encryptionOid);
+        if (const Status status = FindOid(kPublicKeyParamSets, publicKeyParamSet, &publicKeyOid)) return status;
+        if (const Status status = FindOid(kDigestParamSets, digestParamSet, &digestOid)) return status;
+        if (const Status status = FindOid(kEncryptionParamSets, encryptionParamSet, &encryptionOid)) return status;
     }
-    if (status != StatusOk) return status;
     return EncodeAlgorithmGostR34102001ParametersOid(parametersForm, publicKeyOid, digestOid, encryptionOid, buffer,
                                                      length);
 }
@@ -229,7 +229,7 @@ Status DecodeAlgorithmGostR3410ParameterOids(uint32_t algorithmId, const uint8_t
     }
     const auto decode = Is2001(algorithmId) ? DecodeParameterOids<GostR34102001Parameters>
                                             : DecodeParameterOids<GostR34102012Parameters>;
-    return decode(bytes, length, {publicKeyOid, publicKeyOidLength}, {digestOid, digestOidLength},
+    return decode({bytes, length}, {publicKeyOid, publicKeyOidLength}, {digestOid, digestOidLength},
                   {encryptionOid, encryptionOidLength});
 }
 
@@ -256,16 +256,14 @@ Status EncodeAlgorithmGostR3410ParametersOid(uint32_t algorithmId, uint8_t param
                                              uint32_t* length) {
     if (length == nullptr || !HasGostParameters(algorithmId)) return Fail(StatusBadArgument);
     if (parametersForm == ParametersFormNull) {
-        return GiveBytes(kNullParameters, sizeof kNullParameters, buffer, length);
+        return CopyOut(kNullParameters, sizeof kNullParameters, buffer, length);
     }
     if (parametersForm == ParametersFormAbsent) {
         *length = 0;
         return StatusOk;
     }
     if (parametersForm != ParametersFormGost || AnyNull(publicKeyOid, digestOid)) return Fail(StatusBadArgument);
-    Asn1Value publicKey = ViewOid(publicKeyOid);
-    Asn1Value digest = ViewOid(digestOid);
-    Asn1Value encryption = encryptionOid != nullptr ? ViewOid(encryptionOid) : Asn1Value{};
+    Asn1Value publicKey = ViewOfOid(publicKeyOid), digest = ViewOfOid(digestOid), encryption = ViewOfOid(encryptionOid);
     Asn1Value* const given = encryptionOid != nullptr ? &encryption : nullptr;
     const GostR34102001Parameters of2001 = {&publicKey, &digest, given};
     const GostR34102012Parameters of2012 = {&publicKey, &digest, given};
@@ -292,10 +290,12 @@ Status SetAlgorithmGostR34102001AndParameters(AlgorithmIdentifier* record, uint3
     if (record == nullptr) return Fail(StatusBadArgument);
     uint8_t parameters[128];  // three OIDs of the tables need less than 40
     uint32_t length = sizeof parameters;
-    const Status status = EncodeAlgorithmGostR34102001Parameters(parametersForm, publicKeyParamSet, digestParamSet,
-                                                                 encryptionParamSet, parameters, &length);
-    if (status != StatusOk) return status;
-    return SetAlgorithmIdentifierIdAndParameters(record, algorithmId, parameters, length);
+    if (const Status status = EncodeAlgorithmGostR34102001Parameters(parametersForm, publicKeyParamSet, digestParamSet,
+                                                                     encryptionParamSet, parameters, &length)) {
+        return status;
+    }
+    if (const Status status = SetAlgorithmIdentifierById(record, algorithmId)) return status;
+    return SetAlgorithmIdentifierParameters(record, {parameters, length});
 }
 
 Status EncodeGostR34102001PublicKey(const uint8_t* key, uint32_t keyLength, uint8_t* buffer, uint32_t* length) {
@@ -310,23 +310,23 @@ Status DecodeSubjectPublicKeyInfo(const uint8_t* bytes, uint32_t length, uint8_t
                                   uint8_t* key, uint32_t* keyLength, uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(bytes, oidLength, keyLength, parametersLength)) return Fail(StatusBadArgument);
     Tree<SubjectPublicKeyInfo> info;
-    const Status decoded = info.Decode(bytes, length);
-    if (decoded != StatusOk) return decoded;
-    const Status oidStatus = GetAlgorithmIdentifierOid(info->algorithm, oid, oidLength);
-    const Status keyStatus = GetSubjectPublicKeyInfoPublicKey(info.Get(), key, keyLength);
-    const Status parametersStatus = GetAlgorithmIdentifierParameters(info->algorithm, parameters, parametersLength);
-    if (keyStatus != StatusOk) return keyStatus;
-    return parametersStatus != StatusOk ? parametersStatus : oidStatus;
+    if (const Status status = info.Decode(bytes, length)) return status;
+    return ReadOutputs(
+        OutputRule::kAllLast,
+        [&] {
+            return GetAlgorithmIdentifierOid(info->algorithm, {oid, oidLength});
+        },
+        [&] {
+            return GetAlgorithmIdentifierParameters(info->algorithm, {parameters, parametersLength});
+        },
+        [&] { return GetSubjectPublicKeyInfoPublicKey(info.Get(), key, keyLength); });
 }
 
 Status GetSubjectPublicKeyInfoPublicKey(const SubjectPublicKeyInfo* info, uint8_t* key, uint32_t* length) {
     if (AnyNull(info, length)) return Fail(StatusBadArgument);
-    if (info->subjectPublicKey == nullptr) return Fail(StatusAbsent);
-    return GetAsn1BitString(info->subjectPublicKey, nullptr, key, length);
+    return GetBits(At<&SubjectPublicKeyInfo::subjectPublicKey>(info), key, length);
 }
 
 // The two generations of keys are wrapped alike.
-decltype(EncodeGostR34102001PublicKey) EncodeGostR34102012PublicKey
-    __attribute__((alias("EncodeGostR34102001PublicKey")));
-decltype(DecodePublicKeyGostR34102001) DecodePublicKeyGostR34102012
-    __attribute__((alias("DecodePublicKeyGostR34102001")));
+TLVFORGE_ALIAS(EncodeGostR34102012PublicKey, EncodeGostR34102001PublicKey);
+TLVFORGE_ALIAS(DecodePublicKeyGostR34102012, DecodePublicKeyGostR34102001);

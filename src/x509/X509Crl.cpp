@@ -1,6 +1,6 @@
 #include "tlvforge/crl.h"
 
-#include "engine/nodes.h"
+#include "common/times.h"
 #include "x509/crl.schema.h"
 #include "x509/fields.h"
 
@@ -8,11 +8,8 @@ using namespace tlvforge;
 
 namespace {
 
-Status FindEntry(const X509Crl* crl, uint32_t index, X509RevokedCertificate** entry, Place place = Place::Here()) {
-    if (crl->tbsCertList == nullptr || crl->tbsCertList->revokedCertificates == nullptr) {
-        return Fail(StatusAbsent, place);
-    }
-    return GetListMember(crl->tbsCertList->revokedCertificates, index, entry, place);
+Part<X509RevokedCertificates> EntriesOf(const X509Crl* crl, Place place = Place::Here()) {
+    return At<&X509Crl::tbsCertList, &TBSCertList::revokedCertificates>(crl, place);
 }
 
 }  // namespace
@@ -48,12 +45,14 @@ Status AddX509CrlToX509Crls(X509Crls* crls, X509Crl* crl) {
 
 Status GetX509CrlsCount(const X509Crls* crls, uint32_t* count) { return GetListCount(crls, count); }
 
-Status GetX509CrlsCrl(const X509Crls* crls, uint32_t index, X509Crl** crl) { return GetListMember(crls, index, crl); }
+Status GetX509CrlsCrl(const X509Crls* crls, uint32_t index, X509Crl** crl) {
+    if (AnyNull(crl) || !HasIndex(crls, index)) return Fail(StatusBadArgument);
+    return Borrow(MemberAt(crls, index), crl);
+}
 
 Status GetX509CrlToBeSignedPart(const X509Crl* crl, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(crl, length)) return Fail(StatusBadArgument);
-    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    return EncodeTree(crl->tbsCertList, buffer, length);
+    return Encode(At<&X509Crl::tbsCertList>(crl), buffer, length);
 }
 
 Status AddX509CrlRevokedCertificate(X509Crl* crl, const uint8_t* serial, uint32_t serialLength,
@@ -61,8 +60,7 @@ Status AddX509CrlRevokedCertificate(X509Crl* crl, const uint8_t* serial, uint32_
     if (AnyNull(crl, serial, revocationDate)) return Fail(StatusBadArgument);
     if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
     X509RevokedCertificates** list = &crl->tbsCertList->revokedCertificates;
-    const Status status = *list == nullptr ? CreateX509RevokedCertificates(list) : StatusOk;
-    if (status != StatusOk) return status;
+    if (const Status status = Ensure(list)) return status;
     return AddX509RevokedCertificatesRevokedCertificate(*list, serial, serialLength, revocationDate, index);
 }
 
@@ -75,26 +73,26 @@ Status GetX509CrlRevokedCertificateCount(const X509Crl* crl, uint32_t* count) {
 
 Status GetX509CrlRevokedCertificateSerialNumber(const X509Crl* crl, uint32_t index, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(crl, length)) return Fail(StatusBadArgument);
+    const auto entries = EntriesOf(crl);
     X509RevokedCertificate* entry = nullptr;
-    const Status status = FindEntry(crl, index, &entry);
-    if (status != StatusOk) return status;
-    if (entry->userCertificate == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Value(entry->userCertificate, buffer, length);
+    if (const Status status = GetMember(entries, index, &entry)) return status;
+    return GetBytes(At<&X509RevokedCertificate::userCertificate>(entry), buffer, length);
 }
 
 Status GetX509CrlRevokedCertificateRevokationDate(const X509Crl* crl, uint32_t index, LibraryTime* revocationDate) {
     if (AnyNull(crl, revocationDate)) return Fail(StatusBadArgument);
+    const auto entries = EntriesOf(crl);
     X509RevokedCertificate* entry = nullptr;
-    const Status status = FindEntry(crl, index, &entry);
-    return status == StatusOk ? GetTimeField(entry->revocationDate, revocationDate) : status;
+    if (const Status status = GetMember(entries, index, &entry)) return status;
+    return GetTime(At<&X509RevokedCertificate::revocationDate>(entry), revocationDate);
 }
 
 Status GetX509CrlRevokedCertificateExtensions(const X509Crl* crl, uint32_t index, X509Extensions* extensions) {
     if (AnyNull(crl, extensions)) return Fail(StatusBadArgument);
+    const auto entries = EntriesOf(crl);
     X509RevokedCertificate* entry = nullptr;
-    const Status status = FindEntry(crl, index, &entry);
-    if (status == StatusOk) *extensions = &entry->crlEntryExtensions;
-    return status;
+    if (const Status status = GetMember(entries, index, &entry)) return status;
+    return Borrow(At<&X509RevokedCertificate::crlEntryExtensions>(entry), extensions);
 }
 
 Status ClearX509CrlRevokedCertificates(X509Crl* crl) {
@@ -119,23 +117,22 @@ Status AddX509RevokedCertificatesRevokedCertificate(X509RevokedCertificates* lis
                                                     uint32_t* index) {
     if (AnyNull(list, serial, revocationDate)) return Fail(StatusBadArgument);
     Tree<X509RevokedCertificate> entry;
-    Status status = entry.Create();
-    if (status != StatusOk) return status;
-    status = SetAsn1ValueField(&entry->userCertificate, Asn1KindInteger, serial, serialLength);
-    if (status == StatusOk) status = SetTimeField(entry->revocationDate, revocationDate);
-    if (status == StatusOk) status = ReserveAsn1ListItem(list);  // a failed add loses no entries
-    if (status == StatusOk) status = entry.MoveTo(list);
-    if (status == StatusOk && index != nullptr) *index = list->count - 1;
-    return status;
+    if (const Status status = entry.Create()) return status;
+    if (const Status status = SetAsn1ValueField(&entry->userCertificate, Asn1KindInteger, serial, serialLength)) {
+        return status;
+    }
+    if (const Status status = LibraryTimeToAsn1Time(revocationDate, entry->revocationDate)) return status;
+    if (const Status status = ReserveAsn1ListItem(list)) return status;  // a failed add loses no entries
+    if (const Status status = entry.MoveTo(list)) return status;
+    if (index != nullptr) *index = list->count - 1;
+    return StatusOk;
 }
 
 Status GetX509RevokedCertificatesRevokedCertificateExtensions(const X509RevokedCertificates* list, uint32_t index,
                                                               X509Extensions* extensions) {
-    if (AnyNull(list, extensions)) return Fail(StatusBadArgument);
-    X509RevokedCertificate* entry = nullptr;
-    const Status status = GetListMember(list, index, &entry);
-    if (status == StatusOk) *extensions = &entry->crlEntryExtensions;
-    return status;
+    if (AnyNull(extensions) || !HasIndex(list, index)) return Fail(StatusBadArgument);
+    const auto entry = MemberAt(list, index);
+    return Borrow(At<&X509RevokedCertificate::crlEntryExtensions>(entry.node), extensions);
 }
 
 Status EncodeX509RevokedCertificates(const X509RevokedCertificates* list, uint8_t* buffer, uint32_t* length) {

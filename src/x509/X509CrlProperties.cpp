@@ -1,7 +1,6 @@
 #include "tlvforge/crl.h"
 
-#include "engine/items.h"
-#include "engine/nodes.h"
+#include "common/times.h"
 #include "x509/crl.schema.h"
 #include "x509/fields.h"
 
@@ -9,15 +8,16 @@ using namespace tlvforge;
 
 namespace {
 
-// A field of tbsCertList; null too where the CRL has no tbsCertList.
-template <class Field>
-Field* FieldOf(const X509Crl* crl, Field* TBSCertList::*field) {
-    return crl->tbsCertList == nullptr ? nullptr : crl->tbsCertList->*field;
+// A field of tbsCertList.
+template <auto... Members, class Record>
+auto Tbs(Record* crl, Place place = Place::Here()) {
+    return At<&X509Crl::tbsCertList, Members...>(crl, place);
 }
 
 template <class Set>
-Status SetSignatureAlgorithm(X509Crl* crl, Set set, Place place = Place::Here()) {
-    return SetSignatureAlgorithms(FieldOf(crl, &TBSCertList::signature), crl->signatureAlgorithm, set, place);
+Status SetSignatureAlgorithm(X509Crl* crl, const Set& set, Place place = Place::Here()) {
+    return SetSignatureAlgorithms(Tbs<&TBSCertList::signature>(crl, place),
+                                  At<&X509Crl::signatureAlgorithm>(crl, place), set);
 }
 
 // ---- Lookup --------------------------------------------------------------------------------------------------------
@@ -28,12 +28,7 @@ constexpr uint32_t kSerialLimit = 150;
 // 2.5.29.29
 constexpr const Asn1Value& kCertificateIssuer = schema::ConstantValue<Asn1KindObjectIdentifier, 0x55, 0x1D, 0x1D>;
 
-struct Span {
-    const uint8_t* data;
-    uint32_t length;
-};
-
-Status Read(const Asn1Value* value, uint32_t limit, Span* bytes) {
+Status Read(const Asn1Value* value, uint32_t limit, Bytes* bytes) {
     if (value == nullptr || HasLostBytes(value)) return Fail(StatusAbsent);
     if (value->length > limit) return Fail(StatusBufferTooSmall);
     *bytes = {value->data, value->length};
@@ -42,7 +37,7 @@ Status Read(const Asn1Value* value, uint32_t limit, Span* bytes) {
 
 // Takes an element with a one-octet identifier off the front of the bytes, if one stands there. An indefinite length,
 // and one of more octets than the limits above need, is left to the decoder.
-bool TakeElement(Span* bytes, uint8_t identifier, Span* content) {
+bool TakeElement(Bytes* bytes, uint8_t identifier, Bytes* content) {
     const uint8_t* at = bytes->data;
     if (bytes->length < 2 || at[0] != identifier || at[1] == 0x80) return false;
     const uint32_t octets = at[1] < 0x80 ? 0 : at[1] - 0x80;
@@ -61,9 +56,9 @@ class IssuerInForce {
 public:
     Status Begin(const X509Name* own) { return EncodeX509Name(own, own_, &length_); }
 
-    Status Follow(const Asn1List* extensions) {
-        for (uint32_t i = 0; extensions != nullptr && i < extensions->count; ++i) {
-            const auto* extension = static_cast<const X509Extension*>(extensions->items[i]);
+    Status Follow(const X509ExtensionList* extensions) {
+        for (uint32_t i = 0; i < GetAsn1ListLength(extensions); ++i) {
+            const X509Extension* extension = extensions->At(i);
             if (extension == nullptr || extension->extnID == nullptr) continue;
             if (EqualRecords(*extension->extnID, kCertificateIssuer)) return ReadNames(extension->extnValue);
         }
@@ -74,20 +69,19 @@ public:
 
 private:
     Status ReadNames(const Asn1Value* extnValue) {
-        Span value{};
-        const Status status = Read(extnValue, kNameLimit, &value);
-        if (status != StatusOk) return status;
+        Bytes value{};
+        if (const Status status = Read(extnValue, kNameLimit, &value)) return status;
         return TakeDirectoryNames(value) ? StatusOk : DecodeNames(value);
     }
 
     // False for a value with anything but directory names in the definite form, or with bytes behind a name. What was
     // taken of it until then is taken again by DecodeNames.
-    bool TakeDirectoryNames(Span value) {
-        Span names{}, name{};
+    bool TakeDirectoryNames(Bytes value) {
+        Bytes names{}, name{};
         if (!TakeElement(&value, 0x30, &names)) return false;
         while (names.length != 0) {
             if (!TakeElement(&names, 0xA0 | X509GeneralNameDirectoryName, &name)) return false;
-            Span rest = name, rdns{};
+            Bytes rest = name, rdns{};
             if (!TakeElement(&rest, 0x30, &rdns) || rest.length != 0) return false;
             memcpy(carried_, name.data, name.length);
             Carry(name.length);
@@ -97,7 +91,7 @@ private:
 
     // Each name is read over the one before it, and only a directory name sets the length. A name of another type
     // thereby spoils a carried issuer that is in force. This is intended.
-    Status DecodeNames(const Span& value) {
+    Status DecodeNames(const Bytes& value) {
         Tree<X509GeneralNames> names;
         Status status = value.length == 0 ? Fail(StatusBadEncoding) : names.Decode(value.data, value.length);
         for (uint32_t i = 0; status == StatusOk && i < GetAsn1ListLength(names.Get()); ++i) {
@@ -123,83 +117,74 @@ private:
 
 Status GetX509CrlVersion(const X509Crl* crl, int32_t* version) {
     if (AnyNull(crl, version)) return Fail(StatusBadArgument);
-    const Asn1Value* value = FieldOf(crl, &TBSCertList::version);
-    if (value == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Int32(value, version);
+    return GetInt32(Tbs<&TBSCertList::version>(crl), version);
 }
 
 Status SetX509CrlVersion(X509Crl* crl, uint32_t version) {
     if (crl == nullptr || version > 1) return Fail(StatusBadArgument);
-    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    return SetAsn1Int32Field(&crl->tbsCertList->version, static_cast<int32_t>(version));
+    return SetInt32(Tbs<&TBSCertList::version>(crl), static_cast<int32_t>(version));
 }
 
 Status GetX509CrlIssuer(X509Crl* crl, X509Name** name) {
     if (AnyNull(crl, name)) return Fail(StatusBadArgument);
-    return LendName(FieldOf(crl, &TBSCertList::issuer), name);
+    return GetName(Tbs<&TBSCertList::issuer>(crl), name);
 }
 
 Status SetX509CrlIssuer(X509Crl* crl, const X509Name* name) {
     if (AnyNull(crl, name)) return Fail(StatusBadArgument);
-    return CopyNameInto(FieldOf(crl, &TBSCertList::issuer), name);
+    return CopyName(Tbs<&TBSCertList::issuer>(crl), name);
 }
 
 Status GetX509CrlThisUpdate(const X509Crl* crl, LibraryTime* time) {
     if (AnyNull(crl, time)) return Fail(StatusBadArgument);
-    return GetTimeField(FieldOf(crl, &TBSCertList::thisUpdate), time);
+    return GetTime(Tbs<&TBSCertList::thisUpdate>(crl), time);
 }
 
 Status GetX509CrlNextUpdate(const X509Crl* crl, LibraryTime* time) {
     if (AnyNull(crl, time)) return Fail(StatusBadArgument);
-    return GetTimeField(FieldOf(crl, &TBSCertList::nextUpdate), time);
+    return GetTime(Tbs<&TBSCertList::nextUpdate>(crl), time);
 }
 
 Status SetX509CrlThisUpdate(X509Crl* crl, const LibraryTime* time) {
     if (crl == nullptr) return Fail(StatusBadArgument);
-    return SetTimeField(FieldOf(crl, &TBSCertList::thisUpdate), time);
+    return SetTime(Tbs<&TBSCertList::thisUpdate>(crl), time);
 }
 
 Status SetX509CrlNextUpdate(X509Crl* crl, const LibraryTime* time) {
     if (crl == nullptr) return Fail(StatusBadArgument);
-    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    Time** field = &crl->tbsCertList->nextUpdate;
-    if (*field != nullptr) return SetTimeField(*field, time);
+    const Slot<Time> field = Tbs<&TBSCertList::nextUpdate>(crl);
+    if (field || field.cell == nullptr) return SetTime(field, time);
     Tree<Time> choice(AllocChoice<Time>());
     if (!choice) return Fail(StatusOutOfMemory);
-    const Status status = SetTimeField(choice.Get(), time);
-    if (status == StatusOk) *field = choice.Take();
-    return status;
+    if (const Status status = LibraryTimeToAsn1Time(time, choice.Get())) return status;
+    *field.cell = choice.Take();
+    return StatusOk;
 }
 
 Status RemoveX509CrlNextUpdate(X509Crl* crl) {
     if (crl == nullptr) return Fail(StatusBadArgument);
-    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    FreeField(&crl->tbsCertList->nextUpdate);
-    return StatusOk;
+    return Remove(Tbs<&TBSCertList::nextUpdate>(crl));
 }
 
 Status GetX509CrlExtensions(const X509Crl* crl, X509Extensions* extensions) {
     if (AnyNull(crl, extensions)) return Fail(StatusBadArgument);
-    if (crl->tbsCertList == nullptr) return Fail(StatusAbsent);
-    *extensions = &crl->tbsCertList->crlExtensions;
-    return StatusOk;
+    return Borrow(Tbs<&TBSCertList::crlExtensions>(crl), extensions);
 }
 
 Status SetX509CrlAuthorityKeyIdentifier(X509Crl* crl, Certificate* issuerCertificate) {
     if (AnyNull(crl, issuerCertificate)) return Fail(StatusBadArgument);
     AuthorityIdentity identity;
-    const Status status = identity.ReadFrom(issuerCertificate);
-    if (status != StatusOk) return status;
+    if (const Status status = identity.ReadFrom(issuerCertificate)) return status;
     return SetX509CrlAuthorityKeyIdentifier2(crl, identity.keyId, identity.keyIdLength, identity.issuer,
                                              identity.serial, identity.serialLength);
 }
 
 Status SetX509CrlAuthorityKeyIdentifier2(X509Crl* crl, const uint8_t* keyId, uint32_t keyIdLength,
                                          const X509Name* issuer, const uint8_t* serial, uint32_t serialLength) {
-    // Unlike in certificates, a key identifier can't stand alone. This is intended.
-    if (AnyNull(crl, issuer)) return Fail(StatusBadArgument);
-    const X509Extensions extensions = crl->tbsCertList == nullptr ? nullptr : &crl->tbsCertList->crlExtensions;
-    return SetAuthorityKeyIdentifier(extensions, keyId, keyIdLength, issuer, serial, serialLength);
+    const AuthorityParts parts = {{keyId, keyIdLength}, issuer, {serial, serialLength}};
+    // Unlike in certificates, a key identifier can't stand alone: see docs/oddities.md.
+    if (AnyNull(crl, issuer) || !parts.AreGiven()) return Fail(StatusBadArgument);
+    return SetAuthorityKeyIdentifier(Tbs<&TBSCertList::crlExtensions>(crl), parts);
 }
 
 Status FindX509CrlFind(X509Crl* crl, const X509Name* issuer, const uint8_t* serial, uint32_t serialLength,
@@ -209,20 +194,18 @@ Status FindX509CrlFind(X509Crl* crl, const X509Name* issuer, const uint8_t* seri
     uint32_t nameLength = 0;
     X509Name* own = nullptr;
     IssuerInForce inForce;
-    Status status = Asn1Encode(issuer, &itemOf<X509Name>, name.Slot(), &nameLength);
-    if (status == StatusOk) status = GetX509CrlIssuer(crl, &own);
-    if (status == StatusOk) status = inForce.Begin(own);
-    if (status != StatusOk) return status;
+    if (const Status status = Asn1Encode(issuer, &itemOf<X509Name>, name.Slot(), &nameLength)) return status;
+    if (const Status status = GetX509CrlIssuer(crl, &own)) return status;
+    if (const Status status = inForce.Begin(own)) return status;
 
-    const Asn1List* entries = crl->tbsCertList->revokedCertificates;
+    const X509RevokedCertificates* entries = crl->tbsCertList->revokedCertificates;
     const uint32_t count = GetAsn1ListLength(entries);
     for (uint32_t i = 0; i < count; ++i) {
-        const auto* entry = static_cast<const X509RevokedCertificate*>(entries->items[i]);
+        const X509RevokedCertificate* entry = entries->At(i);
         if (entry == nullptr) return Fail(StatusAbsent);
-        Span number{};
-        status = inForce.Follow(entry->crlEntryExtensions.list);
-        if (status == StatusOk) status = Read(entry->userCertificate, kSerialLimit, &number);
-        if (status != StatusOk) return status;
+        Bytes number{};
+        if (const Status status = inForce.Follow(entry->crlEntryExtensions.list)) return status;
+        if (const Status status = Read(entry->userCertificate, kSerialLimit, &number)) return status;
         if (!SameBytes(serial, serialLength, number.data, number.length)) continue;
         if (!inForce.Is(name.Bytes(), nameLength)) continue;
         *index = i;
@@ -233,25 +216,25 @@ Status FindX509CrlFind(X509Crl* crl, const X509Name* issuer, const uint8_t* seri
 
 Status GetX509CrlSignature(const X509Crl* crl, uint8_t* signature, uint32_t* length) {
     if (AnyNull(crl, length)) return Fail(StatusBadArgument);
-    return GetBitStringField(crl->signature, signature, length);
+    return GetBits(At<&X509Crl::signature>(crl), signature, length);
 }
 
 Status SetX509CrlSignature(X509Crl* crl, const uint8_t* signature, uint32_t length) {
     if (AnyNull(crl, signature)) return Fail(StatusBadArgument);
-    return SetAsn1BitStringField(&crl->signature, signature, length);
+    return SetBits(At<&X509Crl::signature>(crl), signature, length);
 }
 
 Status GetX509CrlSignatureAlgorithmOidAndParameters(const X509Crl* crl, uint8_t* oid, uint32_t* oidLength,
                                                     uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(crl, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(FieldOf(crl, &TBSCertList::signature), oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(Tbs<&TBSCertList::signature>(crl), {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status SetX509CrlSignatureAlgorithmOidAndParameters(X509Crl* crl, const uint8_t* oid, const uint8_t* parameters,
                                                     uint32_t length) {
     if (AnyNull(crl, oid)) return Fail(StatusBadArgument);
-    return SetSignatureAlgorithm(crl, [=](AlgorithmIdentifier* algorithm) {
-        return SetAlgorithmIdentifierOidAndParameters(algorithm, oid, parameters, length);
+    return SetSignatureAlgorithm(crl, [=](const auto& algorithm) {
+        return SetAlgorithm(algorithm, oid, {parameters, length});
     });
 }
 
@@ -259,15 +242,14 @@ Status SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters(X509Crl* crl, ui
                                                                 uint8_t parametersForm, uint32_t publicKeyParamSet,
                                                                 uint32_t digestParamSet, uint32_t encryptionParamSet) {
     if (crl == nullptr) return Fail(StatusBadArgument);
-    return SetSignatureAlgorithm(crl, [=](AlgorithmIdentifier* algorithm) {
-        return SetAlgorithmGostR34102001AndParameters(algorithm, algorithmId, parametersForm, publicKeyParamSet,
-                                                      digestParamSet, encryptionParamSet);
-    });
+    const GostSets sets = {parametersForm, publicKeyParamSet, digestParamSet, encryptionParamSet};
+    return SetSignatureAlgorithm(crl,
+                                 [&](const auto& algorithm) { return SetGostAlgorithm(algorithm, algorithmId, sets); });
 }
 
 Status SetX509CrlGostR34102001SignatureAlgorithmID(X509Crl* crl, uint32_t algorithmId, uint32_t parametersForm) {
-    // Only the low byte counts. This is intended.
-    const uint8_t form = static_cast<uint8_t>(parametersForm);
+    // The low byte alone counts: see docs/oddities.md.
+    const auto form = static_cast<uint8_t>(parametersForm);
     if (form != ParametersFormNull && form != ParametersFormAbsent) return Fail(StatusBadArgument);
     return SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters(crl, algorithmId, form, 0, 0, 0);
 }

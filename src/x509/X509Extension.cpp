@@ -1,9 +1,7 @@
 #include "tlvforge/extensions.h"
 
-#include "engine/nodes.h"
-#include "engine/oids.h"
+#include "engine/list_cells.h"
 #include "x509/extension.schema.h"
-#include "x509/list_cells.h"
 
 using namespace tlvforge;
 
@@ -20,9 +18,8 @@ Status CreateX509Extension(X509Extension** out, const uint8_t* oid, uint32_t cri
 Status SetX509Extension(X509Extension* extension, const uint8_t* oid, uint32_t critical, const uint8_t* value,
                         uint32_t valueLength) {
     if (AnyNull(extension, oid, value)) return Fail(StatusBadArgument);
-    Status status = ReplaceOidField(&extension->extnID, oid);
-    if (status == StatusOk) status = SetAsn1BooleanField(&extension->critical, critical != 0);
-    if (status != StatusOk) return status;
+    if (const Status status = ReplaceOidField(&extension->extnID, oid)) return status;
+    if (const Status status = SetAsn1BooleanField(&extension->critical, critical != 0)) return status;
     return SetAsn1ValueField(&extension->extnValue, Asn1KindOctetString, value, valueLength);
 }
 
@@ -30,13 +27,10 @@ Status GetX509Extension(const X509Extension* extension, uint8_t* oid, uint32_t* 
                         uint8_t* value, uint32_t* valueLength) {
     if (AnyNull(extension, oidLength, valueLength)) return Fail(StatusBadArgument);
     if (AnyNull(extension->extnID, extension->extnValue)) return Fail(StatusAbsent);
-    const Status oidStatus = GetAsn1Oid(extension->extnID, oid, oidLength);
-    if (oidStatus != StatusOk && oidStatus != StatusBufferTooSmall) return oidStatus;
-    const Status valueStatus = GetAsn1Value(extension->extnValue, value, valueLength);
-    if (valueStatus != StatusOk && valueStatus != StatusBufferTooSmall) return valueStatus;
-    const Status criticalStatus = GetAsn1Boolean(extension->critical, critical);
-    if (criticalStatus != StatusOk) return criticalStatus;
-    return oidStatus != StatusOk ? oidStatus : valueStatus;
+    return ReadOutputs(
+        OutputRule::kPastSmallBuffers, [&] { return GetAsn1Oid(extension->extnID, oid, oidLength); },
+        [&] { return GetAsn1Value(extension->extnValue, value, valueLength); },
+        [&] { return GetAsn1Boolean(extension->critical, critical); });
 }
 
 Status DecodeX509Extension(const uint8_t* data, uint32_t length, X509Extension** out) {
@@ -49,9 +43,13 @@ Status EncodeX509Extension(const X509Extension* extension, uint8_t* buffer, uint
 
 Status FreeX509Extension(X509Extension* extension) { return FreeTree(extension); }
 
-Status CreateX509Extensions(X509Extensions* out) { return CreateCell(out); }
+Status CreateX509Extensions(X509Extensions* out) {
+    if (out == nullptr) return Fail(StatusBadArgument);
+    return CreateCell(out);
+}
 
 Status DecodeX509Extensions(const uint8_t* data, uint32_t length, X509Extensions* out) {
+    if (AnyNull(data, out)) return Fail(StatusBadArgument);
     return DecodeCell(data, length, out);
 }
 
@@ -68,11 +66,12 @@ Status RemoveX509Extensions(X509Extensions extensions) { return EmptyCell(extens
 Status AddX509ExtensionsExtension(X509Extensions extensions, const uint8_t* oid, int32_t critical, const uint8_t* value,
                                   uint32_t valueLength) {
     if (AnyNull(extensions, oid, value)) return Fail(StatusBadArgument);
-    Status status = NeedList(&extensions->list);
-    if (status != StatusOk) return status;
-    X509Extension* extension = nullptr;
-    status = CreateX509Extension(&extension, oid, critical != 0, value, valueLength);
-    return status == StatusOk ? Tree<X509Extension>(extension).MoveTo(extensions->list) : status;
+    if (const Status status = Ensure(&extensions->list)) return status;
+    Tree<X509Extension> extension;
+    if (const Status status = CreateX509Extension(extension.Slot(), oid, critical != 0, value, valueLength)) {
+        return status;
+    }
+    return extension.MoveTo(extensions->list);
 }
 
 Status FindX509Extension(X509Extensions extensions, const uint8_t* oid, uint32_t* index) {
@@ -87,21 +86,18 @@ Status GetX509ExtensionsExtensionsCount(X509Extensions extensions, uint32_t* cou
 Status GetX509ExtensionsExtension(X509Extensions extensions, uint32_t index, uint8_t* oid, uint32_t* oidLength,
                                   uint32_t* critical, uint8_t* value, uint32_t* valueLength) {
     if (AnyNull(extensions, oidLength, valueLength)) return Fail(StatusBadArgument);
-    if (extensions->list == nullptr) return Fail(StatusAbsent);
+    const auto list = At<&X509ExtensionsCell::list>(extensions);
     X509Extension* extension = nullptr;
-    const Status status = GetListMember(extensions->list, index, &extension);
-    return status == StatusOk ? GetX509Extension(extension, oid, oidLength, critical, value, valueLength) : status;
+    if (const Status status = GetMember(list, index, &extension)) return status;
+    return GetX509Extension(extension, oid, oidLength, critical, value, valueLength);
 }
 
 Status GetX509ExtensionsExtensionValue(X509Extensions extensions, const uint8_t* oid, uint8_t* value,
                                        uint32_t* valueLength) {
     if (valueLength == nullptr) return Fail(StatusBadArgument);
     uint32_t index = 0;
-    const Status status = FindX509Extension(extensions, oid, &index);
-    if (status != StatusOk) return status;
-    const auto* extension = static_cast<const X509Extension*>(extensions->list->items[index]);
-    if (extension->extnValue == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Value(extension->extnValue, value, valueLength);
+    if (const Status status = FindX509Extension(extensions, oid, &index)) return status;
+    return GetBytes(At<&X509Extension::extnValue>(extensions->list->At(index)), value, valueLength);
 }
 
 Status RemoveX509ExtensionsExtension(X509Extensions extensions, uint32_t index) {
@@ -116,8 +112,7 @@ Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* 
     // the setters of the documents replace an extension with the effect that it has on neighbours of the same OID.
     for (uint32_t i = 0; i < GetAsn1ListLength(extensions->list); ++i) {
         if (!HasOid(extensions->list, i, &X509Extension::extnID, oid)) continue;
-        const Status status = RemoveMember(extensions->list, i);
-        if (status != StatusOk) return status;
+        if (const Status status = RemoveMember(extensions->list, i)) return status;
     }
     return StatusOk;
 }

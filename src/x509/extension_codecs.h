@@ -4,6 +4,7 @@
 #include "engine/nodes.h"
 #include "tlvforge/time.h"
 #include "x509/standard_extensions.schema.h"
+#include "x509/transition.h"
 
 namespace tlvforge {
 

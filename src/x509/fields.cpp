@@ -1,8 +1,6 @@
 #include "x509/fields.h"
 
 #include "common/times.h"
-#include "engine/oids.h"
-#include "engine/output.h"
 #include "tlvforge/certificate.h"
 
 namespace tlvforge {
@@ -12,145 +10,96 @@ namespace {
 constexpr uint32_t kGostKeyWriteLimit = 256;
 constexpr uint32_t kGostKeyReadLimit = 270;
 
-void StoreName(Name* slot, X509Name* name) {
-    (void)ClearAsn1Choice(itemOf<Name>, slot);
-    slot->selected = 0;
-    slot->value = name;
+void StoreName(Name* field, X509Name* name) {
+    (void)ClearAsn1Choice(itemOf<Name>, field);
+    field->selected = 0;
+    field->value = name;
 }
 
 Status AddDirectoryName(X509GeneralNames* names, const X509Name* name) {
     Block encoded;
     uint32_t length = 0;
-    const Status status = Asn1Encode(name, &itemOf<X509Name>, encoded.Slot(), &length);
-    if (status != StatusOk) return status;
+    if (const Status status = Asn1Encode(name, &itemOf<X509Name>, encoded.Slot(), &length)) return status;
     return AddX509GeneralName(names, X509GeneralNameDirectoryName, encoded.Bytes(), length);
 }
 
 }  // namespace
 
-Status LendName(Name* slot, X509Name** name, Place place) {
-    if (slot == nullptr) return Fail(StatusAbsent, place);
-    if (slot->value == nullptr) {
-        slot->value = AllocAsn1List();
-        if (slot->value == nullptr) return Fail(StatusOutOfMemory, place);
-        slot->selected = 0;
+Status GetName(const Part<Name>& field, X509Name** name) {
+    if (!field) return field.Absent();
+    if (field->value == nullptr) {
+        field->value = AllocList<X509Name>();
+        if (field->value == nullptr) return Fail(StatusOutOfMemory, field.place);
+        field->selected = 0;
     }
-    *name = static_cast<X509Name*>(slot->value);
+    *name = static_cast<X509Name*>(field->value);
     return StatusOk;
 }
 
-Status CopyNameInto(Name* slot, const X509Name* name, Place place) {
-    if (slot == nullptr) return Fail(StatusAbsent, place);
+Status CopyName(const Part<Name>& field, const X509Name* name) {
+    if (!field) return field.Absent();
     Tree<X509Name> copy;
     const Status status = copy.CopyOf(name);
-    StoreName(slot, copy.Take());
+    StoreName(field.node, copy.Take());
     return status;
 }
 
-Status MoveNameInto(Name* slot, X509Name* name, Place place) {
-    if (slot == nullptr) return Fail(StatusAbsent, place);
-    if (slot->value != name) StoreName(slot, name);
+Status MoveName(const Part<Name>& field, X509Name* name) {
+    if (!field) return field.Absent();
+    if (field->value != name) StoreName(field.node, name);
     return StatusOk;
 }
 
-Status GetTimeField(const Time* slot, LibraryTime* time, Place place) {
-    return slot == nullptr ? Fail(StatusAbsent, place) : Asn1TimeToLibraryTime(slot, time);
+Status GetTime(const Part<Time>& field, LibraryTime* time) {
+    return field ? Asn1TimeToLibraryTime(field.node, time) : field.Absent();
 }
 
-Status SetTimeField(Time* slot, const LibraryTime* time, Place place) {
-    return slot == nullptr ? Fail(StatusAbsent, place) : LibraryTimeToAsn1Time(time, slot);
+Status SetTime(const Part<Time>& field, const LibraryTime* time) {
+    return field ? LibraryTimeToAsn1Time(time, field.node) : field.Absent();
 }
 
-Status GetBitStringField(const Asn1BitString* field, uint8_t* buffer, uint32_t* length, Place place) {
-    return field == nullptr ? Fail(StatusAbsent, place) : GetAsn1BitString(field, nullptr, buffer, length);
-}
-
-Status ReplaceBitString(Asn1BitString** field, const uint8_t* bytes, uint32_t length, uint8_t unusedBits, Place place) {
-    Asn1BitString* replacement = AllocAsn1BitString(bytes, length, unusedBits);
-    ReleaseRecord(*field);
-    *field = replacement;
-    return replacement == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
-}
-
-Status GetPublicKey(const SubjectPublicKeyInfo* info, uint8_t* key, uint32_t* length, Place place) {
-    return GetBitStringField(info == nullptr ? nullptr : info->subjectPublicKey, key, length, place);
-}
-
-Status SetPublicKey(SubjectPublicKeyInfo* info, const uint8_t* key, uint32_t length, Place place) {
-    if (info == nullptr) return Fail(StatusAbsent, place);
-    return ReplaceBitString(&info->subjectPublicKey, key, length, 0, place);
-}
-
-Status GetGostPublicKey(const SubjectPublicKeyInfo* info, uint8_t* key, uint32_t* length, Place place) {
+Status GetGostPublicKey(const Part<Asn1BitString>& field, uint8_t* key, uint32_t* length) {
     uint8_t wrapped[kGostKeyReadLimit] = {};
     uint32_t wrappedLength = sizeof wrapped;
-    const Status status = GetPublicKey(info, wrapped, &wrappedLength, place);
-    if (status == StatusBufferTooSmall) return FromWorkBuffer(status, place);
+    const Status status = GetBits(field, wrapped, &wrappedLength);
+    if (status == StatusBufferTooSmall) return FromWorkBuffer(status);
     if (status != StatusOk) wrappedLength = 0;
     return DecodeAsn1PrimitiveValue(Asn1KindOctetString, wrapped, wrappedLength, key, length);
 }
 
-Status SetGostPublicKey(SubjectPublicKeyInfo* info, const uint8_t* key, uint32_t length, Place place) {
+Status SetGostPublicKey(const Slot<Asn1BitString>& field, const uint8_t* key, uint32_t length) {
     uint8_t wrapped[kGostKeyWriteLimit];
     uint32_t wrappedLength = sizeof wrapped;
     const Status status = EncodeAsn1PrimitiveValue(Asn1KindOctetString, key, length, wrapped, &wrappedLength);
-    if (status != StatusOk) return FromWorkBuffer(status, place);
-    return SetPublicKey(info, wrapped, wrappedLength, place);
+    if (status != StatusOk) return FromWorkBuffer(status);
+    return ReplaceBits(field, wrapped, wrappedLength);
 }
 
-Status ReplaceExtension(X509Extensions extensions, const uint8_t* oid, const uint8_t* value, uint32_t length) {
-    const Status status = RemoveX509ExtensionsExtension2(extensions, oid);
-    return status != StatusOk ? status : AddX509ExtensionsExtension(extensions, oid, 0, value, length);
+Status ReplaceExtension(X509Extensions extensions, const uint8_t* oid, Bytes value) {
+    if (const Status status = RemoveX509ExtensionsExtension2(extensions, oid)) return status;
+    return AddX509ExtensionsExtension(extensions, oid, 0, value.data, value.length);
 }
 
-Status GetAlgorithm(const AlgorithmIdentifier* field, uint8_t* oid, uint32_t* oidLength, uint8_t* parameters,
-                    uint32_t* parametersLength, Place place) {
-    if (field == nullptr) return Fail(StatusAbsent, place);
-    return GetAlgorithmIdentifierOidAndParameters(field, oid, oidLength, parameters, parametersLength);
-}
-
-Status SetAlgorithm(AlgorithmIdentifier* field, const uint8_t* oid, const uint8_t* parameters, uint32_t length,
-                    Place place) {
-    if (field == nullptr) return Fail(StatusAbsent, place);
-    return SetAlgorithmIdentifierOidAndParameters(field, oid, parameters, length);
-}
-
-Status SetGostAlgorithm(AlgorithmIdentifier* field, uint32_t algorithmId, uint8_t parametersForm,
-                        uint32_t publicKeyParamSet, uint32_t digestParamSet, uint32_t encryptionParamSet, Place place) {
-    if (field == nullptr) return Fail(StatusAbsent, place);
-    return SetAlgorithmGostR34102001AndParameters(field, algorithmId, parametersForm, publicKeyParamSet, digestParamSet,
-                                                  encryptionParamSet);
-}
-
-Status SetAuthorityKeyIdentifier(X509Extensions extensions, const uint8_t* keyId, uint32_t keyIdLength,
-                                 const X509Name* issuer, const uint8_t* serial, uint32_t serialLength, Place place) {
-    if (keyId == nullptr && AnyNull(issuer, serial)) return Fail(StatusBadArgument, place);
+Status SetAuthorityKeyIdentifier(const Part<X509ExtensionsCell>& extensions, const AuthorityParts& parts) {
     Tree<X509GeneralNames> names;
-    if (issuer != nullptr) {
-        Status status = names.Create();
-        if (status == StatusOk) status = AddDirectoryName(names.Get(), issuer);
-        if (status != StatusOk) return status;
+    if (parts.issuer != nullptr) {
+        if (const Status status = names.Create()) return status;
+        if (const Status status = AddDirectoryName(names.Get(), parts.issuer)) return status;
     }
+    Block value;
     uint32_t length = 0;
-    const auto encode = [&](uint8_t* buffer) {
-        return EncodeExtensionAuthorityKeyIdentifier(keyId, keyIdLength, names.Get(), serial, serialLength, buffer,
-                                                     &length);
+    const auto encode = [&](uint8_t* buffer, uint32_t* size) {
+        return EncodeExtensionAuthorityKeyIdentifier(parts.keyId.data, parts.keyId.length, names.Get(),
+                                                     parts.serial.data, parts.serial.length, buffer, size);
     };
-    Status status = encode(nullptr);
-    if (status != StatusOk) return status;
-    Block value(length);
-    if (!value) return Fail(StatusOutOfMemory, place);
-    status = encode(value.Bytes());
-    if (status != StatusOk) return status;
-
-    if (extensions == nullptr) return Fail(StatusAbsent, place);
-    return ReplaceExtension(extensions, Oid<2, 5, 29, 35>, value.Bytes(), length);
+    if (const Status status = MakeBytes(encode, &value, &length)) return status;
+    if (!extensions) return extensions.Absent();
+    return ReplaceExtension(extensions.node, Oid<2, 5, 29, 35>, {value.Bytes(), length});
 }
 
 Status AuthorityIdentity::ReadFrom(Certificate* issuerCertificate, Place place) {
     if (GetCertificateSubjectKeyIdentifier(issuerCertificate, keyIdBytes, &keyIdLength) == StatusOk) keyId = keyIdBytes;
-    const Status status = GetCertificateIssuer(issuerCertificate, &issuer);
-    if (status != StatusOk) return status;
+    if (const Status status = GetCertificateIssuer(issuerCertificate, &issuer)) return status;
     return FromWorkBuffer(GetCertificateSerialNumber(issuerCertificate, serial, &serialLength), place);
 }
 
