@@ -120,7 +120,7 @@ TLVFORGE_STATUS EncodeRsaAttributeSigningTimeValue(const LibraryTime* time, uint
 TLVFORGE_STATUS DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, LibraryTime* notBefore,
                                                 LibraryTime* notAfter);
 /**
- * EncodeRsaAttributeValidityValue writes each below the year 2050 as UTCTime. StatusBadTime for null and null times.
+ * EncodeRsaAttributeValidityValue writes each below the year 2050 as UTCTime. StatusBadTime for the null time.
  */
 TLVFORGE_STATUS EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const LibraryTime* notAfter,
                                                 uint8_t* buffer, uint32_t* length);
@@ -290,7 +290,8 @@ TLVFORGE_STATUS AddESSCertIDv2ToList(ESSCertIDsV2* list, const uint8_t* oid, con
                                      uint32_t parametersLength, const uint8_t* hash, uint32_t hashLength,
                                      const X509GeneralNames* issuer, const uint8_t* serial, uint32_t serialLength);
 /**
- * GetESSCertIDV2Information reads a member.
+ * GetESSCertIDV2Information reads a member. StatusAbsent, with nothing stored, for one that lacks its algorithm or
+ * hash.
  * @param issuer, serial as GetESSCertIDInformation.
  */
 TLVFORGE_STATUS GetESSCertIDV2Information(const ESSCertIDsV2* list, uint32_t index, uint8_t* oid, uint32_t* oidLength,

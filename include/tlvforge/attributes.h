@@ -106,7 +106,8 @@ TLVFORGE_STATUS AddRsaAttributesAttributeWithValue(RsaAttributes attributes, con
 
 /**
  * AppendRsaAttributes appends copies of all attributes of another set, which may be the same one. StatusOk for a null
- * source. StatusAbsent if either cell is empty. After a failure the copies made so far stay.
+ * source and for one without attributes, whatever the target holds; otherwise StatusAbsent if either cell is empty.
+ * After a failure the copies made so far stay.
  */
 TLVFORGE_STATUS AppendRsaAttributes(RsaAttributes attributes, RsaAttributes source);
 

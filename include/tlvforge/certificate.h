@@ -206,7 +206,8 @@ TLVFORGE_STATUS GetCertificateAuthorityKeyIdentifier(const Certificate* certific
 /**
  * GetCertificateAuthorityKeyIdentifier2 is the same with the first directory name of the issuer's general names.
  * @param issuer required here; the caller owns the name (FreeX509Name), also with StatusBufferTooSmall. Null without
- *     general names; StatusNotFound when none of them is a directory name.
+ *     general names, and after every other failure, StatusBadArgument too; StatusNotFound when none of them is a
+ *     directory name.
  */
 TLVFORGE_STATUS GetCertificateAuthorityKeyIdentifier2(const Certificate* certificate, uint8_t* keyId,
                                                       uint32_t* keyIdLength, X509Name** issuer, uint8_t* serial,

@@ -285,9 +285,10 @@ TLVFORGE_STATUS GetCmsSignerInfoEncodedSignedAttributes(const CmsSignerInfo* sig
 
 /**
  * GetCmsSignerInfoSignerIdentifier reads the identifier of the signer's certificate in either form. Issuer and serial
- * number: *issuer is lent and never null; serial gets the content bytes, big-endian; the length of keyId becomes 0. Key
- * identifier: *issuer and the length of serial become null and 0; keyId gets it. issuer, and the length of the form's
- * bytes, may be null with the other form only (StatusBadArgument). StatusAbsent without an identifier.
+ * number: the length of keyId becomes 0, also where one of the two is missing (StatusAbsent); *issuer is lent and never
+ * null; serial gets the content bytes, big-endian. Key identifier: *issuer and the length of serial become null and 0;
+ * keyId gets it. issuer, and the length of the form's bytes, may be null with the other form only (StatusBadArgument).
+ * StatusAbsent without an identifier.
  */
 TLVFORGE_STATUS GetCmsSignerInfoSignerIdentifier(CmsSignerInfo* signer, X509Name** issuer, uint8_t* serial,
                                                  uint32_t* serialLength, uint8_t* keyId, uint32_t* keyIdLength);

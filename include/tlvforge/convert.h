@@ -38,7 +38,7 @@ TLVFORGE_STATUS ConvertX509SignatureToZelcrypt(const uint8_t* signature, uint32_
  * ConvertAnsiToUTF8 turns zero-terminated text of code page 1251 into UTF-8. Cyrillic letters and the signs of Russian
  * business text are exact; other bytes above 0x7F become the character of that number plus 0x350.
  * @param buffer required, there is no size query. It needs 10 free bytes before each character, however many that
- *     takes.
+ *     takes. An empty text always fits; its zero is written where there is room.
  * @param length in, size of the buffer, below 2^31; out, bytes of the result, with a terminating zero after them that
  *     isn't counted. With StatusBufferTooSmall a suggested size: 20 and twice the source length; bytes may have been
  *     written by then. Signs of three bytes can make a second suggestion necessary: enlarge it further.

@@ -197,10 +197,11 @@ TLVFORGE_STATUS SetKeyTransVersion(KeyTrans* recipient, uint32_t version);
 
 /**
  * GetKeyTransRecipientIdentifier reads by which of two forms the recipient is named. Parameters of the other form may
- * be null. StatusAbsent while the recipient isn't named. Issuer and serial number: *issuer is lent, *keyIdLength
- * becomes 0. There is no size query in this form: serial is required (StatusBadArgument), with room for one byte more
- * than the number (StatusBufferTooSmall, with the length and *issuer stored). Key identifier: *issuer becomes null and
- * *serialLength 0; keyId and keyIdLength are an output buffer.
+ * be null. StatusAbsent while the recipient isn't named. Issuer and serial number: *keyIdLength becomes 0, also
+ * where one of the two is missing (StatusAbsent); *issuer is lent. There is no size query in this form: serial is
+ * required (StatusBadArgument), with room for one byte more than the number (StatusBufferTooSmall, with the length and
+ * *issuer stored). Key identifier: *issuer becomes null and *serialLength 0; keyId and keyIdLength are an output
+ * buffer.
  */
 TLVFORGE_STATUS GetKeyTransRecipientIdentifier(KeyTrans* recipient, X509Name** issuer, uint8_t* serial,
                                                uint32_t* serialLength, uint8_t* keyId, uint32_t* keyIdLength);

@@ -78,14 +78,14 @@ TLVFORGE_STATUS GetOcspRequestCertRequestsCount(const OcspRequest* request, uint
 
 /**
  * GetOcspRequestCertRequest reads an entry, in the forms of AddOcspRequestCertRequest; a length of 0 for absent
- * parameters. All five lengths are required.
+ * parameters. All five lengths are required. StatusBadArgument also for a negative index.
  * @param extensions may be null; *lends* the handle of the entry's extensions, before anything is read. A short hashOid
  *     ends the call with StatusBufferTooSmall, no other length is stored then. Otherwise the outputs are tried in their
  *     order, and as soon as one has been too short, the first later one of nameHash, keyHash and serial that fits ends
  *     the call with StatusBufferTooSmall. Buffers that are all null are only measured, so one call is enough for all
  *     lengths.
  */
-TLVFORGE_STATUS GetOcspRequestCertRequest(const OcspRequest* request, uint32_t index, uint8_t* hashOid,
+TLVFORGE_STATUS GetOcspRequestCertRequest(const OcspRequest* request, int32_t index, uint8_t* hashOid,
                                           uint32_t* hashOidLength, uint8_t* parameters, uint32_t* parametersLength,
                                           uint8_t* nameHash, uint32_t* nameHashLength, uint8_t* keyHash,
                                           uint32_t* keyHashLength, uint8_t* serial, uint32_t* serialLength,
@@ -158,10 +158,10 @@ TLVFORGE_STATUS AddOcspRequestCertificate(OcspRequest* request, Certificate* cer
 TLVFORGE_STATUS GetOcspRequestCertificatesCount(const OcspRequest* request, uint32_t* count);
 
 /**
- * GetOcspRequestCertificate *lends* a certificate. StatusAbsent without certificates, but StatusBadArgument for an
- * index of 2^31 and above, and for one at or beyond the count.
+ * GetOcspRequestCertificate *lends* a certificate. StatusAbsent without certificates, but StatusBadArgument for a
+ * negative index then too, and for one at or beyond the count.
  */
-TLVFORGE_STATUS GetOcspRequestCertificate(const OcspRequest* request, uint32_t index, Certificate** certificate);
+TLVFORGE_STATUS GetOcspRequestCertificate(const OcspRequest* request, int32_t index, Certificate** certificate);
 
 /**
  * RemoveOcspRequestCertificates frees the certificates and leaves the rest of the signature. StatusOk where it is
@@ -262,8 +262,11 @@ TLVFORGE_STATUS SetOcspBasicResponseProducedAt(OcspBasicResponse* response, cons
 /** GetOcspBasicResponseSingleResponsesCount stores the number of answers. StatusAbsent without a list. */
 TLVFORGE_STATUS GetOcspBasicResponseSingleResponsesCount(const OcspBasicResponse* response, uint32_t* count);
 
-/** GetOcspBasicResponseSingleResponse *lends* an answer. StatusAbsent without a list. */
-TLVFORGE_STATUS GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, uint32_t index,
+/**
+ * GetOcspBasicResponseSingleResponse *lends* an answer. StatusAbsent without a list, otherwise StatusBadArgument for a
+ * negative index too.
+ */
+TLVFORGE_STATUS GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, int32_t index,
                                                    OcspSingleResponse** single);
 
 /** AddOcspBasicResponseSingleResponse appends an answer, which the response *adopts*. */
@@ -294,8 +297,11 @@ TLVFORGE_STATUS AddOcspBasicResponseCertificate(OcspBasicResponse* response, Cer
 /** GetOcspBasicResponseCertificatesCount stores the number of certificates; 0, with StatusOk, without any. */
 TLVFORGE_STATUS GetOcspBasicResponseCertificatesCount(const OcspBasicResponse* response, uint32_t* count);
 
-/** GetOcspBasicResponseCertificate *lends* a certificate. StatusAbsent without certificates. */
-TLVFORGE_STATUS GetOcspBasicResponseCertificate(const OcspBasicResponse* response, uint32_t index,
+/**
+ * GetOcspBasicResponseCertificate *lends* a certificate. StatusAbsent without certificates, otherwise StatusBadArgument
+ * for a negative index too.
+ */
+TLVFORGE_STATUS GetOcspBasicResponseCertificate(const OcspBasicResponse* response, int32_t index,
                                                 Certificate** certificate);
 
 /** RemoveOcspBasicResponseCertificates takes the certificates away. StatusOk where it is absent already. */

@@ -91,8 +91,8 @@ TLVFORGE_STATUS GetPKCS10CertReqExtensions(const PKCS10CertReq* request, X509Ext
 /**
  * SetPKCS10CertReqExtensions replaces all attributes 1.2.840.113549.1.9.14 by one with a copy of the source's
  * extensions. Microsoft's attribute is left alone; the reader prefers the new one. StatusBufferTooSmall for extensions
- * that encode to more than 1024 bytes, as intended (docs/oddities.md), and StatusBadArgument for an empty cell; the
- * request is unchanged then.
+ * that encode to more than 1024 bytes, as intended (docs/oddities.md), and StatusBadArgument for a null source
+ * and for an empty cell; the request is unchanged then. StatusAbsent, before these, for a request without attributes.
  */
 TLVFORGE_STATUS SetPKCS10CertReqExtensions(PKCS10CertReq* request, X509Extensions source);
 

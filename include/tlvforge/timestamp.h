@@ -65,10 +65,11 @@ TLVFORGE_STATUS EncodeTimeStampResp(uint32_t status, const PKIFreeText* statusSt
 
 /**
  * DecodeTimeStampResp reads the response at the start of the bytes. One that grants nothing is read with StatusOk too.
- * StatusBadArgument also for length 0.
+ * StatusBadArgument also for length 0. StatusBufferTooSmall for a status of more than four bytes: nothing is handed
+ * over then.
  * @param failInfo flag word of the first four bytes; 0 when absent.
- * @param statusString *owns* (FreePKIFreeText, FreeCmsContentInfo), also with StatusBufferTooSmall; null when absent.
- * @param token *owns* (FreePKIFreeText, FreeCmsContentInfo), also with StatusBufferTooSmall; null when absent.
+ * @param statusString *owns* (FreePKIFreeText); null when absent, and after a failure other than StatusBadArgument.
+ * @param token *owns* (FreeCmsContentInfo); null when absent, and after a failure other than StatusBadArgument.
  */
 TLVFORGE_STATUS DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* status, PKIFreeText** statusString,
                                     uint32_t* failInfo, CmsContentInfo** token);

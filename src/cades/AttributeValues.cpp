@@ -152,7 +152,7 @@ Status DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, Lib
 
 Status EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
                                        uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
+    if (AnyNull(notBefore, notAfter, length)) return Fail(StatusBadArgument);
     Tree<Validity> validity;
     Status status = validity.Create();
     if (status == StatusOk) status = LibraryTimeToAsn1Time(notBefore, validity->notBefore);

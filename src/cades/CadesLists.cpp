@@ -78,11 +78,11 @@ Status ReadHash(const Asn1Value* value, Output hash) {
 }
 
 Status ReadHashWithAlgorithm(const AlgorithmIdentifier* algorithm, const Asn1Value* hash, const HashOutputs& out) {
-    if (algorithm == nullptr) return Fail(StatusAbsent);
+    if (AnyNull(algorithm, hash)) return Fail(StatusAbsent);  // before an output is stored
     return ReadEach(
         [&] { return GetAlgorithmIdentifierOid(algorithm, out.oid.buffer, out.oid.length); },
         [&] { return GetAlgorithmIdentifierParameters(algorithm, out.parameters.buffer, out.parameters.length); },
-        [&] { return ReadHash(hash, out.hash); });
+        [&] { return GetAsn1Value(hash, out.hash.buffer, out.hash.length); });
 }
 
 Status ReadOtherHash(const Asn1Choice* choice, const HashOutputs& out) {

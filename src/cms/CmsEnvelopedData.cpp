@@ -232,14 +232,12 @@ Status GetKeyTransRecipientIdentifier(KeyTrans* recipient, X509Name** issuer, ui
                                       uint8_t* keyId, uint32_t* keyIdLength) {
     if (recipient == nullptr) return Fail(StatusBadArgument);
     IdentifierParts parts;
-    const Status status = parts.Of(recipient->rid);
+    const Status status = parts.Of(recipient->rid, serialLength, keyIdLength);
     if (status != StatusOk) return status;
     if (parts.keyId != nullptr) {
         if (issuer != nullptr) *issuer = nullptr;
-        if (serialLength != nullptr) *serialLength = 0;
         return GetAsn1Value(parts.keyId, keyId, keyIdLength);
     }
-    if (keyIdLength != nullptr) *keyIdLength = 0;
     if (AnyNull(issuer, serial, serialLength)) return Fail(StatusBadArgument);
     *issuer = parts.issuer;
     // The buffer has to have room for a byte more than the number. This margin is intended.

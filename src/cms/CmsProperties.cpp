@@ -270,10 +270,8 @@ Status GetCmsSignerInfoSignerIdentifier(CmsSignerInfo* signer, X509Name** issuer
                                         uint32_t* serialLength, uint8_t* keyId, uint32_t* keyIdLength) {
     if (signer == nullptr) return Fail(StatusBadArgument);
     IdentifierParts parts;
-    const Status status = parts.Of(signer->sid);
+    const Status status = parts.Of(signer->sid, serialLength, keyIdLength);
     if (status != StatusOk) return status;
-    uint32_t* otherLength = parts.keyId != nullptr ? serialLength : keyIdLength;
-    if (otherLength != nullptr) *otherLength = 0;
     if (issuer != nullptr) *issuer = parts.issuer;
     if (parts.keyId != nullptr) return GetAsn1Value(parts.keyId, keyId, keyIdLength);
     return issuer != nullptr ? GetAsn1Value(parts.serialNumber, serial, serialLength) : Fail(StatusBadArgument);

@@ -155,7 +155,8 @@ Status SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(GostR
                                                                            const uint8_t* parameters,
                                                                            uint32_t parametersLength) {
     return SetEphemeralKey(transport, oid, [=](SubjectPublicKeyInfo* key) {
-        return SetAlgorithm(key->algorithm, oid, parameters, parametersLength);
+        const Status status = Need(&key->algorithm);
+        return status == StatusOk ? SetAlgorithm(key->algorithm, oid, parameters, parametersLength) : status;
     });
 }
 

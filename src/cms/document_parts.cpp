@@ -64,13 +64,15 @@ Status NeedIssuerAndSerialNumber(EntityIdentifier* identifier, Place place) {
 
 }  // namespace
 
-Status IdentifierParts::Of(EntityIdentifier* identifier, Place place) {
+Status IdentifierParts::Of(EntityIdentifier* identifier, uint32_t* serialLength, uint32_t* keyIdLength, Place place) {
     if (identifier == nullptr || identifier->value == nullptr) return Fail(StatusAbsent, place);
     if (identifier->selected == kSubjectKeyIdentifier) {
+        if (serialLength != nullptr) *serialLength = 0;
         keyId = static_cast<const Asn1Value*>(identifier->value);
         return StatusOk;
     }
     if (identifier->selected != kIssuerAndSerialNumber) return Fail(StatusBadAlternative, place);
+    if (keyIdLength != nullptr) *keyIdLength = 0;
     const auto* parts = static_cast<const IssuerAndSerialNumber*>(identifier->value);
     if (AnyNull(parts->issuer, parts->serialNumber)) return Fail(StatusAbsent, place);
     serialNumber = parts->serialNumber;

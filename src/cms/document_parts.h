@@ -9,12 +9,13 @@ namespace tlvforge {
 
 // The two forms of an identifier; the one that isn't there is null. 311 for a null identifier or one without a value,
 // 306 for another alternative, 311 for a missing issuer or serialNumber. An issuer without a name gets an empty one.
+// The length that belongs to the other form, if it is given, becomes 0, before that 311 too.
 struct IdentifierParts {
     X509Name* issuer = nullptr;               // lent
     const Asn1Value* serialNumber = nullptr;  // with the issuer
     const Asn1Value* keyId = nullptr;
 
-    Status Of(EntityIdentifier* identifier, Place place = Place::Here());
+    Status Of(EntityIdentifier* identifier, uint32_t* serialLength, uint32_t* keyIdLength, Place place = Place::Here());
 };
 
 // The name may be the identifier's own. A null identifier is 311.

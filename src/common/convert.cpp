@@ -75,13 +75,13 @@ Status ConvertAnsiToUTF8(const char* text, char* buffer, uint32_t* length) {
     if (AnyNull(text, buffer, length)) return Fail(StatusBadArgument);
     // Sizes are signed here: from 2^31 on they are below every position.
     const int64_t lastStart = int64_t{static_cast<int32_t>(*length)} - 10;
-    if (*text == 0 && *length == 0) return RefuseBuffer(text, length);
     char* out = buffer;
     for (const char* in = text; *in != 0; ++in) {
         if (out - buffer > lastStart) return RefuseBuffer(text, length);
         out = PutUtf8(static_cast<uint8_t>(*in), out);
     }
-    *out = 0;
+    // An empty text needs no room, not even for its zero.
+    if (*length != 0) *out = 0;
     *length = static_cast<uint32_t>(out - buffer);
     return StatusOk;
 }

@@ -136,7 +136,7 @@ Status GetOcspRequestCertRequestsCount(const OcspRequest* request, uint32_t* cou
     return StatusOk;
 }
 
-Status GetOcspRequestCertRequest(const OcspRequest* request, uint32_t index, uint8_t* hashOid, uint32_t* hashOidLength,
+Status GetOcspRequestCertRequest(const OcspRequest* request, int32_t index, uint8_t* hashOid, uint32_t* hashOidLength,
                                  uint8_t* parameters, uint32_t* parametersLength, uint8_t* nameHash,
                                  uint32_t* nameHashLength, uint8_t* keyHash, uint32_t* keyHashLength, uint8_t* serial,
                                  uint32_t* serialLength, X509Extensions* extensions) {
@@ -146,7 +146,7 @@ Status GetOcspRequestCertRequest(const OcspRequest* request, uint32_t index, uin
     const auto* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
     if (list == nullptr) return Fail(StatusAbsent);
     OcspCertRequest* entry = nullptr;
-    const Status status = GetListMember(list, index, &entry);
+    const Status status = GetListMember(list, static_cast<uint32_t>(index), &entry);
     if (status != StatusOk) return status;
     if (extensions != nullptr) *extensions = &entry->singleRequestExtensions;
     return ReadCertID(entry->reqCert, {hashOid, hashOidLength}, {parameters, parametersLength},
@@ -237,10 +237,10 @@ Status GetOcspRequestCertificatesCount(const OcspRequest* request, uint32_t* cou
     return StatusOk;
 }
 
-Status GetOcspRequestCertificate(const OcspRequest* request, uint32_t index, Certificate** certificate) {
-    // What is negative as a signed number is refused before the list is looked for.
-    if (AnyNull(request, certificate) || index > INT32_MAX) return Fail(StatusBadArgument);
-    return LendCertificate(CertificatesOf(request), index, certificate);
+Status GetOcspRequestCertificate(const OcspRequest* request, int32_t index, Certificate** certificate) {
+    // A negative one is refused before the list is looked for.
+    if (AnyNull(request, certificate) || index < 0) return Fail(StatusBadArgument);
+    return LendCertificate(CertificatesOf(request), static_cast<uint32_t>(index), certificate);
 }
 
 Status RemoveOcspRequestCertificates(OcspRequest* request) {

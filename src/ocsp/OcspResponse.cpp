@@ -181,11 +181,11 @@ Status GetOcspBasicResponseSingleResponsesCount(const OcspBasicResponse* respons
     return list == nullptr ? Fail(StatusAbsent) : GetListCount(list, count);
 }
 
-Status GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, uint32_t index,
+Status GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, int32_t index,
                                           OcspSingleResponse** single) {
     if (AnyNull(response, single)) return Fail(StatusBadArgument);
     const auto* list = SingleResponsesOf(response);
-    return list == nullptr ? Fail(StatusAbsent) : GetListMember(list, index, single);
+    return list == nullptr ? Fail(StatusAbsent) : GetListMember(list, static_cast<uint32_t>(index), single);
 }
 
 Status AddOcspBasicResponseSingleResponse(OcspBasicResponse* response, OcspSingleResponse* single) {
@@ -245,9 +245,9 @@ Status GetOcspBasicResponseCertificatesCount(const OcspBasicResponse* response, 
     return StatusOk;
 }
 
-Status GetOcspBasicResponseCertificate(const OcspBasicResponse* response, uint32_t index, Certificate** certificate) {
+Status GetOcspBasicResponseCertificate(const OcspBasicResponse* response, int32_t index, Certificate** certificate) {
     if (AnyNull(response, certificate)) return Fail(StatusBadArgument);
-    return LendCertificate(response->certs, index, certificate);
+    return LendCertificate(response->certs, static_cast<uint32_t>(index), certificate);
 }
 
 Status RemoveOcspBasicResponseCertificates(OcspBasicResponse* response) {

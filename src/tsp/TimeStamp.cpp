@@ -1,5 +1,7 @@
 #include "tlvforge/timestamp.h"
 
+#include <utility>
+
 #include "common/times.h"
 #include "engine/list_cells.h"
 #include "engine/nodes.h"
@@ -178,15 +180,15 @@ Status DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* statu
     *statusString = nullptr;
     *token = nullptr;
     Tree<TimeStampResp> response;
-    const Status result = response.Decode(bytes, length);
+    Status result = response.Decode(bytes, length);
     if (result != StatusOk) return result;
     PKIStatusInfo* info = response->status;
-    FieldOutputs outputs;
-    outputs.Read(GetAsn1Int32, info->status, status);
-    outputs.Then(MoveOut<PKIFreeText>, &info->statusString, statusString);
+    result = GetAsn1Int32(info->status, status);
+    if (result != StatusOk) return result;
     *failInfo = info->failInfo == nullptr ? 0 : FlagsOfAsn1BitString(info->failInfo);
-    outputs.Then(MoveOut<CmsContentInfo>, &response->timeStampToken, token);
-    return outputs.Result();
+    *statusString = std::exchange(info->statusString, nullptr);
+    *token = std::exchange(response->timeStampToken, nullptr);
+    return StatusOk;
 }
 
 Status EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const uint8_t* hashOid, const uint8_t* parameters,

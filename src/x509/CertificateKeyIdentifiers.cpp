@@ -74,8 +74,8 @@ Status GetCertificateAuthorityKeyIdentifier(const Certificate* certificate, uint
 
 Status GetCertificateAuthorityKeyIdentifier2(const Certificate* certificate, uint8_t* keyId, uint32_t* keyIdLength,
                                              X509Name** issuer, uint8_t* serial, uint32_t* serialLength) {
+    if (issuer != nullptr) *issuer = nullptr;
     if (AnyNull(certificate, keyIdLength, issuer, serialLength)) return Fail(StatusBadArgument);
-    *issuer = nullptr;
     X509GeneralNames* names = nullptr;
     const Status status =
         GetCertificateAuthorityKeyIdentifier(certificate, keyId, keyIdLength, &names, serial, serialLength);

@@ -99,9 +99,10 @@ Status AddRsaAttributesAttributeWithValue(RsaAttributes attributes, const uint8_
 Status AppendRsaAttributes(RsaAttributes attributes, RsaAttributes source) {
     if (attributes == nullptr) return Fail(StatusBadArgument);
     if (source == nullptr) return StatusOk;
-    if (AnyNull(attributes->list, source->list)) return Fail(StatusAbsent);
-    // Counted first, and read anew for each member: the source may be the very list that grows.
+    if (source->list == nullptr) return Fail(StatusAbsent);
+    // Counted first, and read again for each member: the source may be the very list that grows.
     const uint32_t count = source->list->count;
+    if (count != 0 && attributes->list == nullptr) return Fail(StatusAbsent);
     for (uint32_t i = 0; i < count; ++i) {
         Tree<RsaAttribute> copy;
         if (const Status status = copy.CopyOf(source->list->At(i))) return status;

@@ -30,7 +30,9 @@ TEST(AttributeValue, ValidityWritesEachTimeByItsYear) {
     EXPECT_EQ(Fetch(EncodeRsaAttributeValidityValue, &kUtc, &kLater), Tlv(48, kUtcTlv + kLaterTlv));
     Check({{decode(Tlv(48, kUtcTlv + kLaterTlv)), 0}, {CompareTime(&from, &kUtc), 0}, {CompareTime(&to, &kLater), 0}});
     Check({{decode(Tlv(48, Tlv(23, Text("501231235958Z")) + Tlv(23, kNull))), 307}, {from.year, 1950}});
-    Check({{encode(&kNoTime), 313}, {encode(nullptr), 313}});
+    Check({{encode(&kNoTime), 313},
+           {encode(nullptr), 32},
+           {EncodeRsaAttributeValidityValue(&kUtc, nullptr, nullptr, &n), 32}});
 }
 
 TEST(AttributeValue, ExtSubjInfoTriesBothOutputs) {

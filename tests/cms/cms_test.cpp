@@ -170,6 +170,9 @@ TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
            {setIssuer(signer, issuer.get(), kAbc.data(), 3), 0}, {get(signer, nullptr, nullptr, &n, nullptr, &m), 32},
            {get(signer, &name, nullptr, nullptr, nullptr, &m), 32}});
     EXPECT_EQ(Fetch(EncodeCmsSignedData, c), whole);
+    void** const parts = static_cast<void**>(reinterpret_cast<Asn1Choice**>(signer)[1]->value);
+    void* const serial = std::exchange(parts[1], nullptr);
+    Check({{get(signer, &name, nullptr, &n, nullptr, &(m = 9)), 311}, {m, 0}, {(parts[1] = serial) == nullptr, 0}});
     Check({{GetCmsSignerInfoUnsignedAttributes(signer, &attributes), 0}, {ClearRsaAttributes(attributes), 0},
            {AddRsaAttributesAttribute(attributes, kA.data(), &n), 0}, {EncodeCmsSignedData(c, nullptr, &n), 0},
            {n, Size(whole) + 10}});

@@ -108,7 +108,11 @@ TEST_F(EnvelopedTest, RecipientIsNamedInOneOfTwoForms) {
            {Identify(2), 49}, {n, 2}, {out[1], 0}, {m, 0}, {issuer == nullptr, 0}, {Identify(3), 0}, {out[1], 0x81},
            {GetKeyTransRecipientIdentifier(key, &issuer, nullptr, &n, nullptr, nullptr), 32},
            {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, issuer, kSerial.data(), 2), 0},
-           {Identify(8), 0}, {CompareX509Names(issuer, name.get()), 0},
+           {Identify(8), 0}, {CompareX509Names(issuer, name.get()), 0}});
+    void** const parts = static_cast<void**>(reinterpret_cast<Asn1Choice**>(key)[1]->value);
+    void* const serial = std::exchange(parts[1], nullptr);
+    m = 9;
+    Check({{Identify(8), 311}, {m, 0}, {(parts[1] = serial) == nullptr, 0},
            {SetKeyTransRecipientIdentifierSubjectKeyIdentifier(key, kKey.data(), 3), 0},
            {Identify(8), 0}, {issuer != nullptr, 0}, {n, 0}, {m, 3}});
     // clang-format on
@@ -155,6 +159,12 @@ TEST(GostTransport, SettersBuildWhatTheyNeedAndReplaceWhatIsThere) {
     for (const Bytes& oid : {kOidTlv, Hex("0600"), kOidTlv}) expect(paramSet(t, &kOid[0]), parameters(oid));
     expect(key(t, &kKey[0], 3), parameters(kOidTlv + Tlv(0xA0, Hex("30020600") + bits)));
     Check({{algorithmOf(), 0}, {n, 1}, {m, 0}, {key(t, nullptr, 3), 0}, {algorithm(t, &kOid[0], &kNull[0], 2), 0}});
+    // A key that has lost its algorithm gets a new one.
+    void** const fields = reinterpret_cast<void****>(t)[1][1];
+    const Asn1Item oid = {0, 0, 0, 6, -1, 16, nullptr, 0, nullptr}, any = {0, 0, 0, 129, -1, 16, nullptr, 0, nullptr};
+    const Asn1Item *const children[] = {&oid, &any}, sequence = {0, 0x20, 0, 16, -1, 16, children, 2, nullptr};
+    Check(
+        {{FreeAsn1Object(&sequence, std::exchange(fields[0], nullptr)), 0}, {algorithm(t, &kOid[0], &kNull[0], 2), 0}});
     EXPECT_EQ(GetGostR3410KeyTransportEphemeralPublicKey(t, nullptr, &n), 311u) << "never set";
     const Bytes whole = parameters(kOidTlv + Tlv(0xA0, kAlgorithm + bits));
     expect(key(t, &kKey[0], 3), whole);

@@ -108,7 +108,8 @@ TEST(Convert, CodePageNeedsTenFreeBytesPerCharacter) {
         ASSERT_EQ(ConvertAnsiToUTF8(text.c_str(), exact.get(), &length), expected) << size;
         EXPECT_EQ(length, fits ? utf8.size() : 2 * text.size() + 20) << size;
         EXPECT_EQ(fits ? exact.get() : utf8, utf8);
-        EXPECT_EQ(ConvertAnsiToUTF8("", exact.get(), &(length = size)), size > 0 ? StatusOk : StatusBufferTooSmall);
+        if (size != 0) *exact.get() = 'x';
+        Check({{ConvertAnsiToUTF8("", exact.get(), &(length = size)), 0}, {length, 0}, {size != 0 && *exact.get(), 0}});
         EXPECT_EQ(ConvertAnsiToUTF8("x", exact.get(), &(length = 1u << 31)), StatusBufferTooSmall);
     }
 }

@@ -111,7 +111,7 @@ TEST_F(OcspTest, SignatureOfARequestIsOneBlock) {
 }
 
 TEST_F(OcspTest, EntriesAreCountedFromZero) {
-    const auto read = [&](uint32_t i, uint32_t size = 1) {
+    const auto read = [&](int32_t i, uint32_t size = 1) {
         return GetOcspRequestCertRequest(fresh, i, nullptr, &n, nullptr, &n, nullptr, &n, nullptr, &n, &byte, &size, 0);
     };
     for (uint8_t i = 0; i < 25; ++i) EXPECT_EQ(AddEntry(fresh, nullptr, {i}), 0u);
@@ -193,6 +193,7 @@ TEST_F(OcspTest, BasicResponseBuiltFromNothingHasItsBytes) {
     EXPECT_EQ(Tlv(0x30, Fetch(GetOcspBasicResponseToBeSignedPart, b) + kSigned), BasicTlv(kByName, kSingles));
     Expect(0, {AddOcspBasicResponseCertificate(b, NewCertificate()), GetOcspBasicResponseCertificatesCount(b, &n),
                n != 1, RemoveOcspBasicResponseCertificates(b), GetOcspBasicResponseCertificatesCount(b, &n), n,
+               GetOcspBasicResponseCertificate(b, -1, &certificate) != 311,
                GetOcspBasicResponseSingleResponse(b, -1, &lent) != 32, ClearOcspBasicResponseResponses(b),
                GetOcspBasicResponseSingleResponsesCount(b, &n), n});
 }

@@ -82,12 +82,13 @@ TEST(TimeStamps, DocumentsAreWrittenAsTheyWereRead) {
         {Hex("300A 020102 03050600000040"), 0, 0x40000000, false, Hex("300A 020102 03050600000040")},
         {Hex("300B 020102 0306000102030405"), 0, 0x04030201, false, Hex("300A 020102 03050201020304")},
         {Hex("3006 020102 030100"), 0, 0, false, Hex("3003 020102")},
-        {Tlv(48, kFiveBytes) + token, 49, 0, true, Bytes()},
+        {Tlv(48, kFiveBytes + Hex("30040C024142")) + token, 49, 9, false, Bytes()},
         {kNull, 302, 9, false, Bytes()}};
     for (const auto& [in, status, failInfo, handed, rebuilt] : rows) {
         Response response;
         const Bytes whole = Tlv(48, in);
         Check({{Read(whole, &response), status}, {response.failInfo, failInfo}, {response.token != nullptr, handed}});
+        EXPECT_TRUE(status == 0 || response.text == nullptr);
         EXPECT_EQ(Rebuild<Response>(whole), status ? Bytes() : Tlv(48, rebuilt));
     }
 }

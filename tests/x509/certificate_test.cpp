@@ -149,6 +149,9 @@ TEST_F(CertificateTest, AuthorityKeyIdentifierIsReadWithItsDirectoryName) {
     Expect(0, {read(Tlv(0x30, keyId), 9), read(Tlv(0x30, Tlv(0xA1, uri + directory)), 9, true)});
     Expect(49, {read(Tlv(0x30, keyId + Tlv(0xA1, directory)), 2, true)});
     Expect(338, {read(Tlv(0x30, Tlv(0x80, Bytes(1017))), 9)});
+    name = reinterpret_cast<X509Name*>(c);  // stale
+    Expect(32, {GetCertificateAuthorityKeyIdentifier2(nullptr, nullptr, nullptr, &name, nullptr, nullptr)});
+    EXPECT_EQ(name, nullptr);
 }
 
 TEST_F(CertificateTest, ZelcryptTextIsStoredAsUtf8OrRemoved) {

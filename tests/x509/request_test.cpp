@@ -81,7 +81,13 @@ TEST_F(RequestTest, ExtensionsAreReadFromBothAttributesAndWrittenToOne) {
     const auto set = [&](const auto& source) { return SetPKCS10CertReqExtensions(request.get(), source.get()); };
     Check({{RemoveX509Extensions(empty.get()), 0}, {set(empty), 32}, {set(ExtensionsOf(1008)), 49}});
     EXPECT_EQ(Fetch(EncodePKCS10CertReq, request.get()), WithAttributes(both)) << "unchanged";
-    Check({{set(largest), 0}, {Size(longest), 1024}});
+    Check({{set(largest), 0},
+           {Size(longest), 1024},
+           {SetPKCS10CertReqExtensions(request.get(), nullptr), 32},
+           {GetPKCS10CertReqAttributes(fresh, &attributes), 0},
+           {RemoveRsaAttributes(attributes), 0},
+           {SetPKCS10CertReqExtensions(fresh, nullptr), 311},
+           {SetPKCS10CertReqExtensions(nullptr, nullptr), 32}});
     EXPECT_EQ(Fetch(EncodePKCS10CertReq, request.get()), WithAttributes(microsoft + Pkcs9(longest)));
 }
 
@@ -152,7 +158,11 @@ TEST(AttributeSet, AnswersAnEmptyCellAndBadIndices) {
     };
     EXPECT_EQ(AddRsaAttributesAttribute(owner.get(), a.data(), &n), 0u);
     EXPECT_EQ(all(owner.get(), ~0u), (Numbers{0, 32, 32, 32, 32, 32, 0, 0, 0, 0, 0, 0}));
-    Check({{RemoveRsaAttributes(owner.get()), 0}, {AppendRsaAttributes(owner.get(), nullptr), 0}});
+    const auto none = Make<FreeRsaAttributes>(CreateRsaAttributes);
+    Check({{RemoveRsaAttributes(owner.get()), 0},
+           {AppendRsaAttributes(owner.get(), nullptr), 0},
+           {AppendRsaAttributes(owner.get(), none.get()), 0},
+           {AppendRsaAttributes(none.get(), owner.get()), 311}});
     EXPECT_EQ(all(owner.get(), 0), (Numbers{0, 32, 311, 311, 311, 311, 311, 32, 0, 311, 311, 0}));
     EXPECT_EQ(all(nullptr, 0), Numbers(12, 32));
 }
