@@ -59,7 +59,7 @@ public final class SignFile {
         OUT.println("EC P-256 with SHA-256");
         byte[] der = authority.certificate();
         root = SignedMessage.parse(der);
-        byte[] label = "CERTIFICATE\0".getBytes(StandardCharsets.US_ASCII); // texts for the library end in a zero
+        byte[] label = "CERTIFICATE".getBytes(StandardCharsets.US_ASCII);
         write(directory.resolve("root.pem"), Library.bytes((b, l) -> dll_EncodePem(der, der.length, label, b, l)));
     }
 

@@ -38,7 +38,8 @@ Status CheckTimeStampReq(const uint8_t* bytes, uint32_t length) {
     return status;
 }
 
-// Stores a text in a StringBuffer. Stops where the virtual machine gives no class or method, or throws.
+// Stores a text in a StringBuffer. Stops where the virtual machine has no class or method. Nothing here looks for
+// exceptions: what a method throws is the caller's.
 void Replace(JNIEnv* env, jobject buffer, jstring text) {
     const JNINativeInterface_* jni = env->functions;
     const jclass type = jni->GetObjectClass(env, buffer);
@@ -46,7 +47,6 @@ void Replace(JNIEnv* env, jobject buffer, jstring text) {
     const jmethodID setLength = jni->GetMethodID(env, type, "setLength", "(I)V");
     if (setLength == nullptr) return;
     jni->CallVoidMethod(env, buffer, setLength, 0);
-    if (jni->ExceptionCheck != nullptr && jni->ExceptionCheck(env)) return;
     const jmethodID append = jni->GetMethodID(env, type, "append", "(Ljava/lang/String;)Ljava/lang/StringBuffer;");
     if (append == nullptr) return;
     jni->CallObjectMethod(env, buffer, append, text);

@@ -40,6 +40,21 @@ template class Pinned<jbyteArray>;
 template class Pinned<jintArray>;
 template class Pinned<jlongArray>;
 
+void Text::Pin(JNIEnv* env) {
+    Bytes::Pin(env);
+    if (elements_ == nullptr) return;
+    const auto length = static_cast<size_t>(length_);
+    text_ = reinterpret_cast<const char*>(elements_);
+    if (memchr(text_, 0, length) != nullptr) return;
+    uint8_t* copy = static_cast<uint8_t*>(Allocate(length + 1));
+    if (copy != nullptr) {
+        memcpy(copy, text_, length);
+        copy[length] = 0;
+    }
+    *copy_.Slot() = copy;
+    text_ = reinterpret_cast<const char*>(copy);
+}
+
 void JavaText::PinText(JNIEnv* env) {
     if (text_ == nullptr) return;
     characters_ = env->GetStringUTFChars(text_, nullptr);

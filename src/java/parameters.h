@@ -21,6 +21,7 @@
 #include <concepts>
 #include <type_traits>
 
+#include "engine/tmalloc.h"
 #include "tlvforge/names.h"
 #include "tlvforge/status.h"
 
@@ -206,12 +207,16 @@ public:
     bool Fits() const { return value() == 0 || value() == 1; }
 };
 
-// Text up to a zero byte.
+// Text up to a zero byte, or to the end of the array: then a copy gets the zero. Without memory for that it is null.
 class Text : public Bytes {
 public:
     using Bytes::Bytes;
-    bool Fits() const { return elements_ == nullptr || memchr(elements_, 0, static_cast<size_t>(length_)) != nullptr; }
-    operator const char*() const { return reinterpret_cast<const char*>(elements_); }
+    void Pin(JNIEnv* env);
+    operator const char*() const { return text_; }
+
+private:
+    const char* text_ = nullptr;
+    tlvforge::Block copy_;
 };
 
 // Bytes to write, always `Size` of them.

@@ -174,8 +174,8 @@ TEST(Bridge, ArraysWithoutACountAreMeasured) {
            {oid({2, 42}), 49},
            {oid({1, 42}), 0},  //
            {oid({1, 42, 9}), 0},
-           {text({}), 49},
-           {text({'a', 'b'}), 49},
+           {text({}), 0},
+           {text({'a', 'b'}), 0},
            {text({'a', 0}), 0},  //
            {name(1, {9, 42}), 0},
            {name(8, {9, 42}), 49},
@@ -184,6 +184,13 @@ TEST(Bridge, ArraysWithoutACountAreMeasured) {
            {policy({1, 42}), 0},
            {found({200}), 49},
            {found({1, 42}), StatusUnknownOid}});
+
+    // A text ends at its zero byte or with its array.
+    for (const Bytes& label : {Bytes{'C', 'R', 'L'}, Bytes{'C', 'R', 'L', 0, 'x'}}) {
+        const jbyteArray pem = vm.Bytes(Bytes(100));
+        ASSERT_EQ(Call(vm, "EncodePem", vm.Bytes({1}), 1, vm.Bytes(label), pem, length()), 0);
+        EXPECT_EQ(std::string(reinterpret_cast<char*>(FakeVm::BytesOf(pem).data()), 21), "-----BEGIN CRL-----\r\n");
+    }
 
     EXPECT_EQ(Call(vm, "IsArrayEquals", vm.Bytes({1}), -1, vm.Bytes({2}), -1), 0) << "counts with their sign";
 

@@ -46,7 +46,6 @@ public:
         };
         table_.CallVoidMethod = CallVoidMethod;
         table_.CallObjectMethod = CallObjectMethod;
-        table_.ExceptionCheck = [](JNIEnv*) -> jboolean { return JNI_FALSE; };
         env_.functions = &table_;
     }
     ~FakeVm() {
