@@ -21,6 +21,7 @@
 #include "tlvforge/request.h"
 #include "tlvforge/sha1.h"
 #include "tlvforge/status.h"
+#include "tlvforge/status_text.h"
 #include "tlvforge/time.h"
 #include "tlvforge/timestamp.h"
 
