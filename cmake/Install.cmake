@@ -9,7 +9,7 @@ install(TARGETS tlvforge_64 tlvforge EXPORT tlvforge-targets
 install(FILES LICENSE CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 
 install(DIRECTORY include/tlvforge DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
-    FILES_MATCHING PATTERN "*.h")
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 install(EXPORT tlvforge-targets NAMESPACE tlvforge:: FILE tlvforge-config.cmake DESTINATION ${packageDir}
     COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/tlvforge-config-version.cmake COMPATIBILITY SameMajorVersion)

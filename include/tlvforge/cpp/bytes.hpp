@@ -18,8 +18,18 @@
 
 namespace tlvforge {
 
+// The types of these headers stand in a namespace of their own, so that a call of Get finds the function of tlvforge or
+// that of tlvforge::nothrow by what the program uses and never by its arguments. Both namespaces have them.
+namespace types {}
+using namespace types;
+namespace nothrow {
+using namespace types;
+}
+
 // What functions that write bytes are read into, unless the caller asks for another container.
+namespace types {
 using Bytes = std::vector<uint8_t>;
+}
 
 namespace detail {
 
@@ -33,6 +43,8 @@ inline constexpr bool kIsByteRange<
 inline constexpr uint8_t kNoBytes[1] = {};
 
 }  // namespace detail
+
+namespace types {
 
 // ByteView is what a call takes for a pointer and a length: any container or array of one-byte elements, or a text
 // without its terminating zero. It lends the bytes. Null, which is left out of a document, is nullptr; an empty
@@ -66,6 +78,8 @@ private:
     size_t size_ = 0;
 };
 
+}  // namespace types
+
 // ToHex writes bytes as upper-case hexadecimal digits.
 inline std::string ToHex(ByteView bytes) {
     std::string text;
@@ -76,6 +90,12 @@ inline std::string ToHex(ByteView bytes) {
     }
     return text;
 }
+
+namespace nothrow {
+using tlvforge::ToHex;
+}
+
+namespace types {
 
 // An object identifier, held in the length-prefixed form of the interface.
 //
@@ -205,6 +225,7 @@ inline std::string Oid::text() const {
     return text;
 }
 
+}  // namespace types
 }  // namespace tlvforge
 
 #endif

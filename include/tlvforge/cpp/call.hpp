@@ -68,9 +68,10 @@ inline constexpr bool kIsOptional = false;
 template <class T>
 inline constexpr bool kIsOptional<std::optional<T>> = true;
 
-// Arguments that stand for a pointer and a length where a function has both.
+// Arguments that stand for a pointer and a length where a function has both. An Oid tells its length itself.
 template <class A>
-inline constexpr bool kIsBytes = kIsByteRange<A> || std::is_convertible_v<const A&, const char*>;
+inline constexpr bool kIsBytes =
+    !std::is_same_v<A, Oid> && (kIsByteRange<A> || std::is_convertible_v<const A&, const char*>);
 
 // A time_point as the record that a function takes; lives as long as the call.
 template <class Record>

@@ -88,6 +88,8 @@ inline constexpr bool kIsCell = std::is_same_v<T, X509ExtensionsCell> || std::is
 
 }  // namespace detail
 
+namespace types {
+
 // Free calls the Free function of a type.
 struct Free {
     template <class T>
@@ -101,6 +103,10 @@ struct Free {
 // a pointer. Calls take it as it is; those that adopt an object take it by std::move, and leave it empty after success.
 template <class T>
 using Handle = std::unique_ptr<std::remove_pointer_t<T>, Free>;
+
+}  // namespace types
+
+using namespace types;
 
 }  // namespace tlvforge
 

@@ -11,6 +11,8 @@
 
 namespace tlvforge {
 
+namespace types {
+
 // Range is what the functions below return, for one loop over a list. The element is read into the range itself when
 // the loop comes to it, and keeps its memory from one to the next. A list must not change while it is read, and the
 // objects that it belongs to have to live as long.
@@ -127,6 +129,8 @@ struct DistributionPoint {
     uint32_t reasons = 0;
     X509GeneralNames* crlIssuer = nullptr;
 };
+
+}  // namespace types
 
 namespace detail {
 

@@ -9,6 +9,8 @@
 
 namespace tlvforge {
 
+namespace types {
+
 // An algorithm: its parameters are a whole element, or empty where there are none.
 struct Algorithm {
     Oid oid = {};
@@ -69,6 +71,8 @@ struct TimeStampInfo {
     Handle<X509GeneralName> tsa = {};
     Handle<X509Extensions> extensions = {};
 };
+
+}  // namespace types
 
 namespace detail {
 

@@ -11,6 +11,8 @@
 
 namespace tlvforge {
 
+namespace types {
+
 // An entry of a name: its type, and its value as content bytes under a tag.
 struct NameEntry {
     Oid oid;
@@ -23,6 +25,8 @@ struct NameEntry {
     // The value as UTF-8, whatever its string type is; nothing for other types and for text that is malformed.
     std::optional<std::string> text() const;
 };
+
+}  // namespace types
 
 // ShortName gives the usual short name of an attribute type, such as CN or O; empty for others.
 inline std::string_view ShortName(const Oid& oid) {
@@ -172,7 +176,7 @@ inline std::string ToLine(const NameEntry& entry) {
 
 }  // namespace detail
 
-inline std::optional<std::string> NameEntry::text() const {
+inline std::optional<std::string> types::NameEntry::text() const {
     if (tagClass != 0 || constructed != 0) return std::nullopt;
     switch (tag) {
         case Asn1KindUTF8String:
@@ -190,6 +194,8 @@ inline std::optional<std::string> NameEntry::text() const {
 }
 
 namespace nothrow {
+
+using tlvforge::ShortName;
 
 // Entries reads all entries of a name, in the order of the encoding. name: a Handle or a pointer, as for those below.
 template <class Name>

@@ -12,6 +12,8 @@
 
 namespace tlvforge {
 
+namespace types {
+
 // A block of a PEM text: "CERTIFICATE" or another label, header lines of RFC 1421 if there are any, and the content. A
 // header says more often than not that the content is encrypted.
 struct PemBlock {
@@ -19,6 +21,8 @@ struct PemBlock {
     std::string headers;
     Bytes bytes;
 };
+
+}  // namespace types
 
 namespace detail {
 

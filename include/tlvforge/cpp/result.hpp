@@ -17,6 +17,7 @@
 #include "tlvforge/status_text.h"
 
 namespace tlvforge {
+namespace types {
 
 // Failure says what failed and where.
 struct Failure {
@@ -115,6 +116,10 @@ public:
 private:
     Failure failure_;
 };
+
+}  // namespace types
+
+using namespace types;
 
 namespace detail {
 

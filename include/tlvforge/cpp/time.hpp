@@ -12,8 +12,10 @@ namespace tlvforge {
 
 // What the times of documents become: seconds, and microseconds for the precise ones. Calls that take a LibraryTime
 // take any time_point of the system clock too, without its fraction of a second.
+namespace types {
 using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::seconds>;
 using PreciseTime = std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
+}  // namespace types
 
 namespace detail {
 
@@ -71,6 +73,9 @@ inline std::string ToText(const LibraryTime& time) {
 }
 
 namespace nothrow {
+
+using tlvforge::ToChrono;
+using tlvforge::ToText;
 
 // ToLibraryTime and ToLibraryPreciseTime make the record of a time. Status 313 outside the years 1900 to 2100.
 template <class Duration>
