@@ -1,8 +1,6 @@
 #include "tlvforge/names.h"
 
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/access.h"
 #include "names/names.schema.h"
 
 using namespace tlvforge;
@@ -10,7 +8,7 @@ using namespace tlvforge;
 namespace {
 
 // The value record of an alternative, from the caller's form of it. Null when out of memory.
-void* NewValue(const Asn1Item& alternative, const uint8_t* value, uint32_t length) {
+void* AllocAlternative(const Asn1Item& alternative, const uint8_t* value, uint32_t length) {
     switch (alternative.kind) {
         case Asn1KindAny: return AllocAsn1Any(length != 0 ? value[0] : 0, value, length);
         case Asn1KindObjectIdentifier: return AllocAsn1OidFromOid(value);
@@ -18,18 +16,16 @@ void* NewValue(const Asn1Item& alternative, const uint8_t* value, uint32_t lengt
     }
 }
 
-Status Build(uint32_t alternative, const uint8_t* value, uint32_t length, Tree<X509GeneralName>* name) {
+Status MakeGeneralName(uint32_t alternative, const uint8_t* value, uint32_t length, Tree<X509GeneralName>* name) {
     if (alternative >= itemOf<X509GeneralName>.childCount) return Fail(StatusBadAlternative);
-    const Status status = name->Create();
-    if (status != StatusOk) return status;
+    if (const Status status = name->Create()) return status;
     (*name)->selected = alternative;
-    (*name)->value = NewValue(*itemOf<X509GeneralName>.children[alternative], value, length);
-    if ((*name)->value == nullptr) return Fail(StatusOutOfMemory);
-    return StatusOk;
+    (*name)->value = AllocAlternative(*itemOf<X509GeneralName>.children[alternative], value, length);
+    return (*name)->value != nullptr ? StatusOk : Fail(StatusOutOfMemory);
 }
 
-Status Read(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
-    if (name->value == nullptr) return Fail(StatusAbsent);
+Status ReadGeneralName(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
+    if (name == nullptr || name->value == nullptr) return Fail(StatusAbsent);
     *alternative = name->selected;
     if (name->selected >= itemOf<X509GeneralName>.childCount) return Fail(StatusBadAlternative);
     if (name->selected == X509GeneralNameRegisteredID) {
@@ -48,15 +44,16 @@ Status FreeX509GeneralName(X509GeneralName* name) { return FreeTree(name); }
 
 Status AllocX509GeneralNameValue(X509GeneralName** out, uint32_t alternative, const uint8_t* value, uint32_t length) {
     if (AnyNull(out, value)) return Fail(StatusBadArgument);
+    *out = nullptr;
     Tree<X509GeneralName> name;
-    const Status status = Build(alternative, value, length, &name);
-    *out = status == StatusOk ? name.Take() : nullptr;
-    return status;
+    if (const Status status = MakeGeneralName(alternative, value, length, &name)) return status;
+    *out = name.Take();
+    return StatusOk;
 }
 
 Status GetX509GeneralNameValue(const X509GeneralName* name, uint32_t* alternative, uint8_t* value, uint32_t* length) {
     if (AnyNull(name, alternative, length)) return Fail(StatusBadArgument);
-    return Read(name, alternative, value, length);
+    return ReadGeneralName(name, alternative, value, length);
 }
 
 Status CreateX509GeneralNames(X509GeneralNames** out) { return CreateTree(out); }
@@ -76,25 +73,23 @@ Status FreeX509GeneralNames(X509GeneralNames* names) { return FreeTree(names); }
 Status AddX509GeneralName(X509GeneralNames* names, uint32_t alternative, const uint8_t* value, uint32_t length) {
     if (AnyNull(names, value)) return Fail(StatusBadArgument);
     Tree<X509GeneralName> name;
-    const Status status = Build(alternative, value, length, &name);
-    return status == StatusOk ? name.MoveTo(names) : status;
+    if (const Status status = MakeGeneralName(alternative, value, length, &name)) return status;
+    return name.MoveTo(names);
 }
 
 Status GetX509GeneralNameCount(const X509GeneralNames* names, uint32_t* count) { return GetListCount(names, count); }
 
 Status GetX509GeneralName(const X509GeneralNames* names, uint32_t index, uint32_t* alternative, uint8_t* value,
                           uint32_t* length) {
-    if (AnyNull(names, alternative, length)) return Fail(StatusBadArgument);
-    X509GeneralName* name = nullptr;
-    const Status status = GetListMember(names, index, &name);
-    return status == StatusOk ? Read(name, alternative, value, length) : status;
+    if (AnyNull(alternative, length) || !HasIndex(names, index)) return Fail(StatusBadArgument);
+    return ReadGeneralName(MemberAt(names, index).node, alternative, value, length);
 }
 
 Status GetX509NameFromGeneralNames(const X509GeneralNames* names, X509Name** out) {
     if (AnyNull(names, out)) return Fail(StatusBadArgument);
     *out = nullptr;
     for (uint32_t i = 0; names->items != nullptr && i < names->count; ++i) {
-        const auto* name = static_cast<const X509GeneralName*>(names->items[i]);
+        const X509GeneralName* name = names->At(i);
         if (name == nullptr || name->value == nullptr || name->selected != X509GeneralNameDirectoryName) continue;
         const auto* element = static_cast<const Asn1Any*>(name->value);
         if (DecodeX509Name(element->data, element->length, out) == StatusOk) return StatusOk;

@@ -1,7 +1,6 @@
 #include "tlvforge/names.h"
 
-#include "engine/nodes.h"
-#include "engine/output.h"
+#include "engine/access.h"
 #include "names/names.schema.h"
 
 using namespace tlvforge;
@@ -36,10 +35,8 @@ Status AddPKIFreeTextString(PKIFreeText* texts, const uint8_t* text, uint32_t le
 }
 
 Status GetPKIFreeTextString(const PKIFreeText* texts, uint32_t index, uint8_t* text, uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
-    Asn1Value* value = nullptr;
-    const Status status = GetListMember(texts, index, &value);
-    return status == StatusOk ? GetAsn1Value(value, text, length) : status;
+    if (length == nullptr || !HasIndex(texts, index)) return Fail(StatusBadArgument);
+    return GetBytes(MemberAt(texts, index), text, length);
 }
 
 Status GetPKIFreeTextStringCount(const PKIFreeText* texts, uint32_t* count) { return GetListCount(texts, count); }
@@ -58,12 +55,10 @@ Status AddOctetStringsValue(OctetStrings* strings, const uint8_t* bytes, uint32_
 Status GetOctetStringsCount(const OctetStrings* strings, uint32_t* count) { return GetListCount(strings, count); }
 
 Status GetOctetStringsValue(const OctetStrings* strings, uint32_t index, uint8_t* bytes, uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
-    Asn1Value* value = nullptr;
-    const Status status = GetListMember(strings, index, &value);
-    if (status != StatusOk) return status;
-    if (HasLostBytes(value)) return Fail(StatusAbsent);
-    // The size that the caller offers is not looked at. That is intended: programs call this with any number in it.
+    if (length == nullptr || !HasIndex(strings, index)) return Fail(StatusBadArgument);
+    const Part<Asn1Value> value = MemberAt(strings, index);
+    if (!value || HasLostBytes(value.node)) return value.Absent();
+    // The size that the caller offers is not looked at: see docs/oddities.md.
     *length = value->length;
     if (bytes != nullptr && value->length != 0) memcpy(bytes, value->data, value->length);
     return StatusOk;

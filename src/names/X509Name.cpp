@@ -1,8 +1,6 @@
 #include "tlvforge/names.h"
 
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/access.h"
 #include "names/names.schema.h"
 
 using namespace tlvforge;
@@ -66,24 +64,17 @@ ValueHeader ReadValueHeader(const Asn1Any* value) {
     return header;
 }
 
-Status FindEntry(const X509Name* name, uint32_t rdnIndex, uint32_t entryIndex, AttributeTypeAndValue** entry) {
-    RelativeDistinguishedName* rdn = nullptr;
-    Status status = GetListMember(name, rdnIndex, &rdn);
-    if (status == StatusOk) status = GetListMember(rdn, entryIndex, entry);
-    return status;
-}
-
 // The RDN that a new entry goes to.
 Status ChooseRdn(X509Name* name, int32_t newRdn, RelativeDistinguishedName** rdn) {
-    if (newRdn == 0) return GetListMember(name, name->count - 1, rdn);
+    if (newRdn == 0 && name->count == 0) return Fail(StatusBadArgument);
+    if (newRdn == 0) return Borrow(MemberAt(name, name->count - 1), rdn);
     Tree<RelativeDistinguishedName> added(AllocList<RelativeDistinguishedName>());
     if (!added) return Fail(StatusOutOfMemory);
     *rdn = added.Get();
     return added.MoveTo(name);
 }
 
-// The first byte is left out, so that a PrintableString equals the same bytes as UTF8String. That is intended: chains
-// are built by it.
+// The first byte is left out, so that a PrintableString equals the same bytes as UTF8String: see docs/oddities.md.
 Status CompareValues(const Asn1Any* left, const Asn1Any* right) {
     if (left == right) return StatusOk;
     if (AnyNull(left, right) || left->length != right->length) return Fail(StatusNotEqual);
@@ -95,17 +86,15 @@ Status CompareValues(const Asn1Any* left, const Asn1Any* right) {
 
 // Walks two lists in step; compare takes two members, null ones included.
 template <class Member, class Compare>
-Status CompareLists(const Asn1List* left, const Asn1List* right, Compare compare) {
+Status CompareLists(const ListOf<Member>* left, const ListOf<Member>* right, Compare compare) {
     if (left->count != right->count) return Fail(StatusNotEqual);
     for (uint32_t i = 0; i < left->count; ++i) {
-        const Status status =
-            compare(static_cast<const Member*>(left->items[i]), static_cast<const Member*>(right->items[i]));
-        if (status != StatusOk) return status;
+        if (const Status status = compare(left->At(i), right->At(i))) return status;
     }
     return StatusOk;
 }
 
-// Attribute types don't count. That is intended, as with string types.
+// Attribute types don't count, as string types don't.
 Status CompareEntries(const AttributeTypeAndValue* left, const AttributeTypeAndValue* right) {
     if (left == right) return StatusOk;
     if (AnyNull(left, right)) return Fail(StatusNotEqual);
@@ -115,7 +104,7 @@ Status CompareEntries(const AttributeTypeAndValue* left, const AttributeTypeAndV
 Status CompareRdns(const RelativeDistinguishedName* left, const RelativeDistinguishedName* right) {
     if (left == right) return StatusOk;
     if (AnyNull(left, right)) return Fail(StatusNotEqual);
-    return CompareLists<AttributeTypeAndValue>(left, right, CompareEntries);
+    return CompareLists(left, right, CompareEntries);
 }
 
 bool IsDigitOrSpace(uint8_t byte) { return (byte >= '0' && byte <= '9') || byte == ' '; }
@@ -148,30 +137,29 @@ Status ClearX509Name(X509Name* name) {
 Status GetX509NameRdnCount(const X509Name* name, uint32_t* count) { return GetListCount(name, count); }
 
 Status GetX509NameEntryCount(const X509Name* name, uint32_t rdnIndex, uint32_t* count) {
-    if (count == nullptr) return Fail(StatusBadArgument);
-    RelativeDistinguishedName* rdn = nullptr;
-    const Status status = GetListMember(name, rdnIndex, &rdn);
-    if (status == StatusOk) *count = rdn->count;
-    return status;
+    if (count == nullptr || !HasIndex(name, rdnIndex)) return Fail(StatusBadArgument);
+    return GetCount(MemberAt(name, rdnIndex), count);
 }
 
 Status GetX509NameEntryExt(const X509Name* name, uint32_t rdnIndex, uint32_t entryIndex, uint8_t* value,
                            uint32_t* valueLength, uint8_t* tagClass, uint8_t* constructed, uint8_t* tag, uint8_t* oid,
                            uint32_t* oidLength) {
-    if (AnyNull(name, valueLength, tagClass, constructed, tag, oidLength)) return Fail(StatusBadArgument);
+    if (AnyNull(valueLength, tagClass, constructed, tag, oidLength) || !HasIndex(name, rdnIndex)) {
+        return Fail(StatusBadArgument);
+    }
+    const Part<RelativeDistinguishedName> rdn = MemberAt(name, rdnIndex);
     AttributeTypeAndValue* entry = nullptr;
-    Status status = FindEntry(name, rdnIndex, entryIndex, &entry);
-    if (status != StatusOk) return status;
+    if (const Status status = GetMember(rdn, entryIndex, &entry)) return status;
     if (AnyNull(entry->type, entry->value) || HasLostBytes(entry->value)) return Fail(StatusAbsent);
 
     const ValueHeader header = ReadValueHeader(entry->value);
     *tagClass = header.tagClass;
     *constructed = header.constructedBit;
     const uint32_t offered = *valueLength;
-    status = GetAsn1Oid(entry->type, oid, oidLength);
+    const Status status = GetAsn1Oid(entry->type, oid, oidLength);
     if (status != StatusOk && status != StatusBufferTooSmall) return status;
     // Both buffers or none: with one of them missing this is no size query but a failure, and the tag is kept back.
-    // That is intended; programs tell by it that they got the whole entry.
+    // See docs/oddities.md.
     *valueLength = header.contentLength;
     if (status != StatusOk) return status;
     if (value == nullptr && oid == nullptr) return StatusOk;
@@ -193,13 +181,11 @@ Status AddX509NameEntryExt(X509Name* name, const uint8_t* value, uint32_t valueL
                            uint8_t constructed, uint8_t tag, const uint8_t* oid, int32_t newRdn) {
     if (AnyNull(name, value, oid)) return Fail(StatusBadArgument);
     RelativeDistinguishedName* rdn = nullptr;
-    Status status = ChooseRdn(name, newRdn, &rdn);
-    if (status != StatusOk) return status;
+    if (const Status status = ChooseRdn(name, newRdn, &rdn)) return status;
     // From here on a failure leaves a new RDN in the name, empty.
     Tree<AttributeTypeAndValue> entry(NewRecord<AttributeTypeAndValue>());
     if (!entry) return Fail(StatusOutOfMemory);
-    status = ReplaceOidField(&entry->type, oid);
-    if (status != StatusOk) return status;
+    if (const Status status = ReplaceOidField(&entry->type, oid)) return status;
     entry->value = AllocAsn1AnyFromContent(tagClass, constructed, tag, value, valueLength);
     if (entry->value == nullptr) return Fail(StatusOutOfMemory);
     return entry.MoveTo(rdn);
@@ -211,22 +197,21 @@ Status AddX509NameEntry(X509Name* name, const uint8_t* value, uint32_t valueLeng
 }
 
 Status DeleteX509NameEntry(X509Name* name, uint32_t rdnIndex, uint32_t entryIndex) {
-    RelativeDistinguishedName* rdn = nullptr;
-    Status status = GetListMember(name, rdnIndex, &rdn);
-    if (status != StatusOk) return status;
-    // The index is held against the last RDN too. That is intended: programs count on what this refuses.
-    RelativeDistinguishedName* last = nullptr;
-    status = GetListMember(name, name->count - 1, &last);
-    if (status != StatusOk) return status;
+    if (!HasIndex(name, rdnIndex)) return Fail(StatusBadArgument);
+    const Part<RelativeDistinguishedName> rdn = MemberAt(name, rdnIndex);
+    const Part<RelativeDistinguishedName> last = MemberAt(name, name->count - 1);
+    if (!rdn) return rdn.Absent();
+    // The index is held against the last RDN too: see docs/oddities.md.
+    if (!last) return last.Absent();
     if (entryIndex >= last->count || entryIndex >= rdn->count) return Fail(StatusBadArgument);
     if (rdn->count == 1) return RemoveMember(name, rdnIndex);
-    return RemoveMember(rdn, entryIndex);
+    return RemoveMember(rdn.node, entryIndex);
 }
 
 Status CompareX509Names(const X509Name* first, const X509Name* second) {
     if (AnyNull(first, second)) return Fail(StatusBadArgument);
     if (AnyNull(first->items, second->items)) return Fail(StatusAbsent);
-    return CompareLists<RelativeDistinguishedName>(first, second, CompareRdns);
+    return CompareLists(first, second, CompareRdns);
 }
 
 Status DetermineSuitableStringType(const uint8_t* text, uint32_t length, uint32_t* stringType) {
