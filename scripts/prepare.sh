@@ -138,9 +138,7 @@ build() {
 run_tests() {
     local preset=$1 log=$root/build/$1/Testing/Temporary/LastTest.log
     (cd "$root" && ctest --preset "$preset" --parallel "$(nproc)") | progress tested
-    awk '/^Output:$/ { reason = "for a reason that it does not name" }
-        sub(/^Skipped: /, "") { reason = $0 }
-        / Skipped$|^Skipped$/ { getline reason }
-        /^Test Skipped\.$/ { ++count[reason] }
+    awk '/ Skipped$/ { getline; ++count[$0] }
+        sub(/^Skipped: /, "") { ++count[$0] }
         END { for (reason in count) printf "%d skipped: %s\n", count[reason], reason }' "$log"
 }
