@@ -89,13 +89,13 @@ void PrintMembersField(Outline& outline, const std::string& title, Function getC
 }
 
 // A list that lends its members.
-template <class List, class Member, class Print>
+template <class List, class Index, class Member, class Print>
 void PrintLentMembers(Outline& outline, const std::string& title, Status (*getCount)(const List*, uint32_t*),
-                      Status (*get)(const List*, uint32_t, Member**), std::type_identity_t<const List*> list,
+                      Status (*get)(const List*, Index, Member**), std::type_identity_t<const List*> list,
                       Print&& print) {
     PrintMembersField(outline, title, getCount, list, [&](uint32_t index) {
         Member* member = nullptr;
-        const Status status = get(list, index, &member);
+        const Status status = get(list, static_cast<Index>(index), &member);
         if (status != StatusOk) return outline.Failed("member", status);
         print(outline, member);
     });
