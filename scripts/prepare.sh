@@ -53,7 +53,7 @@ progress() {
             shown=$SECONDS
         fi
     done
-    if [ "$of" -eq 0 ]; then printf '  nothing to do\n'; fi
+    if [ "$at" -eq 0 ]; then printf '  nothing to do\n'; fi
 }
 
 installed() {
