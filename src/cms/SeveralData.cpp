@@ -1,8 +1,7 @@
 #include "tlvforge/cms.h"
 
 #include "cms/cms.schema.h"
-#include "engine/nodes.h"
-#include "x509/extension_codecs.h"
+#include "engine/access.h"
 
 using namespace tlvforge;
 

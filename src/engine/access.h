@@ -92,6 +92,11 @@ inline Status GetInt32(const Part<Asn1Value>& field, int32_t* number) {
     return field ? GetAsn1Int32(field.node, number) : field.Absent();
 }
 
+// An absent number leaves what is there.
+inline Status GetOptionalInt32(const Asn1Value* field, int32_t* number) {
+    return field != nullptr ? GetAsn1Int32(field, number) : StatusOk;
+}
+
 // Content bytes of a value, or a whole captured element, by the output-buffer rule.
 template <class Node>
 Status GetBytes(const Part<Node>& field, uint8_t* buffer, uint32_t* length) {
@@ -170,10 +175,24 @@ Status Remove(const Slot<Node>& field) {
     return StatusOk;
 }
 
+// Makes an empty list of a type without a name where there is none.
+template <class List>
+Status EnsureList(List** cell, Place place = Place::Here()) {
+    if (*cell == nullptr) *cell = AllocList<List>();
+    return *cell != nullptr ? StatusOk : Fail(StatusOutOfMemory, place);
+}
+
 // Makes an empty list, or a record with empty required fields, where there is none.
 template <class Node>
 Status Ensure(Node** cell, uint32_t fill = 1) {
     return *cell != nullptr ? StatusOk : CreateTree(cell, fill);
+}
+
+// The remove function of a list: a null list and a bad index are StatusBadArgument.
+template <class Node>
+Status RemoveListMember(ListOf<Node>* list, uint32_t index, Place place = Place::Here()) {
+    if (list == nullptr) return Fail(StatusBadArgument, place);
+    return RemoveMember(list, index);
 }
 
 // Frees the members of a list that has to be there.

@@ -218,6 +218,13 @@ Status DecodeTree(const uint8_t* data, uint32_t length, Node** out) {
     return Asn1DecodeItem(data, length, &itemOf<Node>, Untyped(out), &consumed);
 }
 
+// For decoders that refuse an empty input as an argument, where the engine would call it bad encoding.
+template <class Node>
+Status DecodeNonEmpty(const uint8_t* data, uint32_t length, Node** out, Place place = Place::Here()) {
+    if (AnyNull(data, out) || length == 0) return Fail(StatusBadArgument, place);
+    return DecodeTree(data, length, out);
+}
+
 template <class Node>
 Status EncodeTree(const Node* node, uint8_t* buffer, uint32_t* length) {
     return GetAsn1EncodedValue(node, &itemOf<Node>, buffer, length);
@@ -233,6 +240,14 @@ template <class Node>
 void FreeField(Node** field) {
     FreeTree(*field);
     *field = nullptr;
+}
+
+// Empties a field whose node becomes the caller's.
+template <class Node>
+Node* TakeField(Node** field) {
+    Node* node = *field;
+    *field = nullptr;
+    return node;
 }
 
 // Frees what a field holds, and puts a node in its place. Null is a failed allocation: 1, and the field is empty.
@@ -272,11 +287,7 @@ public:
     }
 
     // Hands the tree over.
-    Node* Take() {
-        Node* node = node_;
-        node_ = nullptr;
-        return node;
-    }
+    Node* Take() { return TakeField(&node_); }
     // Adds the tree to a list, which owns it on success.
     Status MoveTo(ListOf<Node>* list) {
         const Status status = AddAsn1ListItem(list, itemOf<Element>, node_);

@@ -22,6 +22,11 @@ inline Status GetOptionalBytes(const void* value, Output out) {
     return value != nullptr ? GetAsn1Value(value, out.buffer, out.length) : CopyOut(nullptr, 0, out.buffer, out.length);
 }
 
+// The same as a function for ReadOutputs.
+inline auto BytesInto(const void* value, uint8_t* buffer, uint32_t* length) {
+    return [=] { return GetOptionalBytes(value, {buffer, length}); };
+}
+
 // What becomes of the other outputs after one has failed, and which failure is the result.
 enum class OutputRule {
     kUntilFailure,      // the first failure ends the reading

@@ -1,7 +1,7 @@
 #include "tlvforge/private_extensions.h"
 
 #include "engine/alias.h"
-#include "engine/outputs.h"
+#include "engine/views.h"
 #include "tlvforge/oid.h"
 #include "x509/extension_codecs.h"
 #include "x509/private_extensions.schema.h"
@@ -10,87 +10,38 @@ using namespace tlvforge;
 
 namespace {
 
-// --- Fields of a decoded structure ---
-
-// A field and where it goes: bytes by the output-buffer rule, length 0 when it is absent; or a code, with a flag that
-// tells whether it is there. A null code or flag isn't asked for.
-class FieldOutput {
-public:
-    FieldOutput(const Asn1Value* field, uint8_t* buffer, uint32_t* length)
-        : field_(field), isCode_(false), buffer_(buffer), length_(length) {}
-    FieldOutput(const Asn1Value* field, int32_t* code, uint32_t* has = nullptr)
-        : field_(field), isCode_(true), code_(code), has_(has) {}
-
-    bool IsCode() const { return isCode_; }
-
-    Status Read() const {
-        if (has_ != nullptr) *has_ = field_ != nullptr ? 1 : 0;
-        if (isCode_) return AnyNull(field_, code_) ? StatusOk : GetAsn1Int32(field_, code_);
-        return GetOptionalValue(field_, buffer_, length_);
-    }
-
-private:
-    const Asn1Value* field_;
-    bool isCode_;
-    uint8_t* buffer_ = nullptr;
-    uint32_t* length_ = nullptr;
-    int32_t* code_ = nullptr;
-    uint32_t* has_ = nullptr;
-};
-
-// The failures after which the outputs behind are read all the same.
-enum class GoOn { kNever, kAfterSmallBuffer, kAlways };
-
-// Reads in order. The last failure is the result.
-template <size_t Count>
-Status ReadFields(const FieldOutput (&outputs)[Count], GoOn goOn = GoOn::kNever) {
-    Status result = StatusOk;
-    for (const FieldOutput& output : outputs) {
-        const Status status = output.Read();
-        if (status == StatusOk) continue;
-        result = status;
-        const bool smallBuffer = status == StatusBufferTooSmall && !output.IsCode();
-        if (goOn == GoOn::kNever || (goOn == GoOn::kAfterSmallBuffer && !smallBuffer)) break;
-    }
-    return result;
+// A number of a decoded structure as a function for ReadOutputs, with a flag that says whether it is there. Neither the
+// number nor the flag has to be asked for.
+auto CodeInto(const Asn1Value* field, int32_t* code, uint32_t* has = nullptr) {
+    return [=]() -> Status {
+        if (has != nullptr) *has = field != nullptr ? 1 : 0;
+        return code != nullptr ? GetOptionalInt32(field, code) : StatusOk;
+    };
 }
 
-// --- Arguments as the fields of a structure that is encoded or copied at once ---
-
-// Null bytes, and a code that isn't given, leave their field out.
-struct Argument {
+// Arguments as the fields of a structure that is encoded or copied at once. Null bytes, and a code that isn't given,
+// leave their field out.
+struct FieldView {
     Asn1Value value;
 
     operator Asn1Value*() { return value.data != nullptr ? &value : nullptr; }
 };
 
-// Bytes of the caller, which are only read.
-struct Octets : Argument {
-    Octets(const uint8_t* data, uint32_t length)
-        : Argument{{Asn1KindOctetString, length, const_cast<uint8_t*>(data)}} {}
-};
+FieldView Octets(const uint8_t* data, uint32_t length) { return {ViewOf(Asn1KindOctetString, {data, length})}; }
 
-struct Text : Argument {
-    Text(const uint8_t* data, uint32_t length) : Argument{{Asn1KindUTF8String, length, const_cast<uint8_t*>(data)}} {}
-};
+FieldView Text(const uint8_t* data, uint32_t length) { return {ViewOf(Asn1KindUTF8String, {data, length})}; }
 
-struct Code : Argument {
+struct Code : FieldView {
     uint8_t element[6];
 
-    explicit Code(uint32_t number, bool given = true) : Argument{} {
+    explicit Code(uint32_t number, bool given = true) : FieldView{} {
         uint32_t size = sizeof element;
         (void)EncodeAsn1Int32(static_cast<int32_t>(number), element, &size);  // every number fits
-        if (given) value = {Asn1KindEnumerated, size - 2, element + 2};
+        if (given) value = ViewOf(Asn1KindEnumerated, {element + 2, size - 2});
     }
     Code(const Code&) = delete;
     Code& operator=(const Code&) = delete;
 };
-
-// Lets a structure of such fields be written where it is handed over: all of them live until that call is over.
-template <class Record>
-const Record* AddressOf(const Record& record) {
-    return &record;
-}
 
 }  // namespace
 
@@ -137,29 +88,33 @@ Status EncodeExtensionOcspCheckTime(const LibraryTime* time, uint8_t* buffer, ui
 }
 
 Status DecodeExtensionOcspRequestCertificates(const uint8_t* data, uint32_t length, int32_t* value) {
-    return length != 0 ? DecodeEnumerated(data, length, value) : Fail(StatusBadArgument);
+    if (AnyNull(data, value) || length == 0) return Fail(StatusBadArgument);
+    return DecodeEnumerated({data, length}, value);
 }
 
 Status EncodeExtensionOcspRequestCertificates(uint32_t value, uint8_t* buffer, uint32_t* length) {
-    return EncodeEnumerated(value, buffer, length);
+    if (length == nullptr) return Fail(StatusBadArgument);
+    return EncodeEnumerated(value, {buffer, length});
 }
 
 Status DecodeExtensionOcspRequestDocuments(const uint8_t* data, uint32_t length, int32_t* value) {
     return DecodeAsn1Enumerated(data, length, value);
 }
 
-// An INTEGER, whatever the name says, and unlike the neighbours: intended, the format depends on it.
+// An INTEGER, whatever the name says, and unlike the neighbours: see docs/oddities.md.
 Status EncodeExtensionOcspRequestDocuments(uint32_t value, uint8_t* buffer, uint32_t* length) {
     return EncodeAsn1Enumerated(static_cast<int32_t>(value), buffer, length);
 }
 
 Status DecodeExtensionRequestBlockingDate(const uint8_t* data, uint32_t length, LibraryTime* from, LibraryTime* to) {
-    return DecodeTimePair(data, length, from, to);
+    if (AnyNull(data, from, to)) return Fail(StatusBadArgument);
+    return DecodeTimePair({data, length}, from, to);
 }
 
 Status EncodeExtensionRequestBlockingDate(const LibraryTime* from, const LibraryTime* to, uint8_t* buffer,
                                           uint32_t* length) {
-    return EncodeTimePair(from, to, buffer, length);
+    if (length == nullptr) return Fail(StatusBadArgument);
+    return EncodeTimePair(from, to, {buffer, length});
 }
 
 // --- Several fields ---
@@ -167,18 +122,16 @@ Status EncodeExtensionRequestBlockingDate(const LibraryTime* from, const Library
 Status DecodeExtensionIssuerSignTool(const uint8_t* data, uint32_t length, uint8_t* signTool, uint32_t* signToolLength,
                                      uint8_t* cATool, uint32_t* cAToolLength, uint8_t* signToolCert,
                                      uint32_t* signToolCertLength, uint8_t* cAToolCert, uint32_t* cAToolCertLength) {
-    // Of the third text the buffer is required and not the length: intended, callers depend on what the rest gives.
+    // Of the third text the buffer is required and not the length: see docs/oddities.md.
     if (AnyNull(data, signToolLength, cAToolLength, signToolCert, cAToolCertLength) || length == 0) {
         return Fail(StatusBadArgument);
     }
     Tree<IssuerSignTool> tools;
-    const Status status = tools.Decode(data, length);
-    if (status != StatusOk) return status;
-    return ReadFields({{tools->signTool, signTool, signToolLength},
-                       {tools->cATool, cATool, cAToolLength},
-                       {tools->signToolCert, signToolCert, signToolCertLength},
-                       {tools->cAToolCert, cAToolCert, cAToolCertLength}},
-                      GoOn::kAlways);
+    if (const Status status = tools.Decode(data, length)) return status;
+    return ReadOutputs(OutputRule::kAllLast, BytesInto(tools->signTool, signTool, signToolLength),
+                       BytesInto(tools->cATool, cATool, cAToolLength),
+                       BytesInto(tools->signToolCert, signToolCert, signToolCertLength),
+                       BytesInto(tools->cAToolCert, cAToolCert, cAToolCertLength));
 }
 
 Status EncodeExtensionIssuerSignTool(const uint8_t* signTool, uint32_t signToolLength, const uint8_t* cATool,
@@ -196,9 +149,9 @@ Status DecodeExtensionKeyStorage(const uint8_t* data, uint32_t length, int32_t* 
                                  uint32_t* textLength) {
     if (AnyNull(data, code, textLength)) return Fail(StatusBadArgument);
     Tree<KeyStorage> storage;
-    const Status status = storage.Decode(data, length);
-    if (status != StatusOk) return status;
-    return ReadFields({{storage->code, code}, {storage->text, text, textLength}});
+    if (const Status status = storage.Decode(data, length)) return status;
+    return ReadOutputs(OutputRule::kUntilFailure, CodeInto(storage->code, code),
+                       BytesInto(storage->text, text, textLength));
 }
 
 Status EncodeExtensionKeyStorage(uint32_t code, const uint8_t* text, uint32_t textLength, uint8_t* buffer,
@@ -210,20 +163,19 @@ Status EncodeExtensionKeyStorage(uint32_t code, const uint8_t* text, uint32_t te
 Status DecodeExtensionOcspCheckTime2(const uint8_t* data, uint32_t length, int32_t* code, LibraryTime* time) {
     if (AnyNull(data, time)) return Fail(StatusBadArgument);
     Tree<OcspCheckTime2> check;
-    const Status status = check.Decode(data, length);
-    if (status != StatusOk) return status;
+    if (const Status status = check.Decode(data, length)) return status;
     const Status codeStatus = GetAsn1Int32(check->code, code);
-    // The status of a time takes the place of the code's: intended, callers that only want the time depend on it.
+    // The status of a time takes the place of the code's: see docs/oddities.md.
     return check->time != nullptr ? GetOptionalTime(check->time, time) : codeStatus;
 }
 
 Status EncodeExtensionOcspCheckTime2(uint32_t code, const LibraryTime* time, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
     Tree<OcspCheckTime2> check;
-    Status status = check.Create();
-    if (status == StatusOk) status = SetAsn1Int32Field(&check->code, static_cast<int32_t>(code));
-    if (status == StatusOk) status = SetOptionalTime(&check->time, time);
-    return status == StatusOk ? check.Encode(buffer, length) : status;
+    if (const Status status = check.Create()) return status;
+    if (const Status status = SetAsn1Int32Field(&check->code, static_cast<int32_t>(code))) return status;
+    if (const Status status = SetOptionalTime(&check->time, time)) return status;
+    return check.Encode(buffer, length);
 }
 
 Status DecodeExtensionOcspCheckKeyMeshRegistry(const uint8_t* data, uint32_t length, uint8_t* firstName,
@@ -231,11 +183,10 @@ Status DecodeExtensionOcspCheckKeyMeshRegistry(const uint8_t* data, uint32_t len
                                                uint32_t* secondNameLength, uint32_t* hasCode, int32_t* code) {
     if (AnyNull(data, firstNameLength, secondNameLength, hasCode, code) || length == 0) return Fail(StatusBadArgument);
     Tree<OcspCheckKeyMeshRegistry> registry;
-    const Status status = registry.Decode(data, length);
-    if (status != StatusOk) return status;
-    return ReadFields({{registry->firstName, firstName, firstNameLength},
-                       {registry->secondName, secondName, secondNameLength},
-                       {registry->code, code, hasCode}});
+    if (const Status status = registry.Decode(data, length)) return status;
+    return ReadOutputs(OutputRule::kUntilFailure, BytesInto(registry->firstName, firstName, firstNameLength),
+                       BytesInto(registry->secondName, secondName, secondNameLength),
+                       CodeInto(registry->code, code, hasCode));
 }
 
 Status EncodeExtensionOcspCheckKeyMeshRegistry(const uint8_t* firstName, uint32_t firstNameLength,
@@ -257,16 +208,18 @@ Status DecodeExtensionOcspCheckFile(const uint8_t* data, uint32_t length, uint8_
         return Fail(StatusBadArgument);
     }
     Tree<OcspCheckFile> file;
-    const Status status = file.Decode(data, length);
-    if (status != StatusOk) return status;
-    return ReadFields({{file->fileData, fileData, fileDataLength},
-                       {file->fileExtra1, fileExtra1, fileExtra1Length},
-                       {file->fileExtra2, fileExtra2, fileExtra2Length},
-                       {file->fileCode, reinterpret_cast<int32_t*>(fileCode), hasFileCode},
-                       {file->fileText1, fileText1, fileText1Length},
-                       {file->fileText2, fileText2, fileText2Length},
-                       {file->fileCode2, fileCode2, hasFileCode2}},
-                      GoOn::kAfterSmallBuffer);
+    if (const Status status = file.Decode(data, length)) return status;
+    const auto readFromCode = [&]() -> Status {
+        // A code of more than four bytes is StatusBufferTooSmall as well, but ends the reading.
+        const auto readCode = CodeInto(file->fileCode, reinterpret_cast<int32_t*>(fileCode), hasFileCode);
+        if (const Status status = readCode()) return status;
+        return ReadOutputs(OutputRule::kPastSmallBuffers, BytesInto(file->fileText1, fileText1, fileText1Length),
+                           BytesInto(file->fileText2, fileText2, fileText2Length),
+                           CodeInto(file->fileCode2, fileCode2, hasFileCode2));
+    };
+    return ReadOutputs(OutputRule::kPastSmallBuffers, BytesInto(file->fileData, fileData, fileDataLength),
+                       BytesInto(file->fileExtra1, fileExtra1, fileExtra1Length),
+                       BytesInto(file->fileExtra2, fileExtra2, fileExtra2Length), readFromCode);
 }
 
 Status EncodeExtensionOcspCheckFile(const uint8_t* fileData, uint32_t fileDataLength, const uint8_t* fileExtra1,
@@ -300,18 +253,17 @@ Status AddExtensionStoreCertificates(ExtensionStoreCertificates* list, uint32_t 
                                      uint32_t dataLength) {
     if (AnyNull(list, data)) return Fail(StatusBadArgument);
     Tree<StoreEntry> entry;
-    const Status status = entry.CopyOf(AddressOf(StoreEntry{Code(type), Octets(data, dataLength)}));
-    return status == StatusOk ? entry.MoveTo(list) : status;
+    if (const Status status = entry.CopyOf(AddressOf(StoreEntry{Code(type), Octets(data, dataLength)}))) return status;
+    return entry.MoveTo(list);
 }
 
 Status GetExtensionStoreCertificates(const ExtensionStoreCertificates* list, uint32_t index, int32_t* type,
                                      uint8_t* data, uint32_t* dataLength) {
-    if (AnyNull(list, type, dataLength)) return Fail(StatusBadArgument);
-    StoreEntry* entry = nullptr;
-    const Status status = GetListMember(list, index, &entry);
-    if (status != StatusOk) return status;
-    if (AnyNull(entry->type, entry->data)) return Fail(StatusAbsent);
-    return ReadFields({{entry->type, type}, {entry->data, data, dataLength}});
+    if (AnyNull(type, dataLength) || !HasIndex(list, index)) return Fail(StatusBadArgument);
+    const Part<StoreEntry> entry = MemberAt(list, index);
+    if (!entry || AnyNull(entry->type, entry->data)) return entry.Absent();
+    return ReadOutputs(OutputRule::kUntilFailure, CodeInto(entry->type, type),
+                       BytesInto(entry->data, data, dataLength));
 }
 
 Status GetExtensionStoreCertificatesCount(const ExtensionStoreCertificates* list, uint32_t* count) {
@@ -343,10 +295,12 @@ Status AddExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* lis
                                            ExtensionStoreCertificates* certificates, X509GeneralNames* names) {
     if (AnyNull(list, text)) return Fail(StatusBadArgument);
     Tree<OcspCheckFileExtResult> result;
-    Status made = result.CopyOf(
-        AddressOf(OcspCheckFileExtResult{Code(code), Text(text, textLength), Code(status), nullptr, nullptr, nullptr}));
-    if (made == StatusOk) made = SetOptionalTime(&result->time, IsLibraryTimeNull(time) == 0 ? time : nullptr);
-    if (made != StatusOk) return made;
+    const LibraryTime* given = IsLibraryTimeNull(time) == 0 ? time : nullptr;
+    if (const Status made = result.CopyOf(AddressOf(
+            OcspCheckFileExtResult{Code(code), Text(text, textLength), Code(status), nullptr, nullptr, nullptr}))) {
+        return made;
+    }
+    if (const Status made = SetOptionalTime(&result->time, given)) return made;
     result->certificates = certificates;
     result->names = names;
     return result.MoveTo(list);
@@ -355,17 +309,19 @@ Status AddExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* lis
 Status GetExtensionOcspCheckFileExtResults(const ExtensionOcspCheckFileExtResults* list, uint32_t index, int32_t* code,
                                            uint8_t* text, uint32_t* textLength, int32_t* status, LibraryTime* time,
                                            ExtensionStoreCertificates** certificates, X509GeneralNames** names) {
-    if (AnyNull(list, code, textLength, status, certificates)) return Fail(StatusBadArgument);
-    OcspCheckFileExtResult* result = nullptr;
-    Status read = GetListMember(list, index, &result);
-    if (read != StatusOk) return read;
-    if (AnyNull(result->code, result->text, result->status)) return Fail(StatusAbsent);
-    read = ReadFields({{result->code, code}, {result->text, text, textLength}, {result->status, status}});
-    if (read == StatusOk && time != nullptr) {
+    if (AnyNull(code, textLength, status, certificates) || !HasIndex(list, index)) return Fail(StatusBadArgument);
+    const Part<OcspCheckFileExtResult> result = MemberAt(list, index);
+    if (!result || AnyNull(result->code, result->text, result->status)) return result.Absent();
+    const auto readTime = [&]() -> Status {
+        if (time == nullptr) return StatusOk;
         *time = LibraryTime{};
-        read = GetOptionalTime(result->time, time);
+        return GetOptionalTime(result->time, time);
+    };
+    if (const Status read =
+            ReadOutputs(OutputRule::kUntilFailure, CodeInto(result->code, code),
+                        BytesInto(result->text, text, textLength), CodeInto(result->status, status), readTime)) {
+        return read;
     }
-    if (read != StatusOk) return read;
     *certificates = result->certificates;
     if (names != nullptr) *names = result->names;
     return StatusOk;
@@ -381,24 +337,22 @@ Status RemoveExtensionOcspCheckFileExtResults(ExtensionOcspCheckFileExtResults* 
 
 // --- One function under several names ---
 
-using DecodeText = decltype(DecodeExtensionSubjectSignTool);
-using EncodeText = decltype(EncodeExtensionSubjectSignTool);
-DecodeText DecodeExtensionZelcryptKeyIdentifier __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionSnils __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionOrganizationCode __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionClockNumber __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionVpnKeyTlsSerialNumber __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionOcspRequestGuid __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionOcspRequestPerson __attribute__((alias("DecodeExtensionSubjectSignTool")));
-DecodeText DecodeExtensionOcspRequestBsnProdCode __attribute__((alias("DecodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionZelcryptKeyIdentifier __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionSnils __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionOrganizationCode __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionClockNumber __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionVpnKeyTlsSerialNumber __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionOcspRequestGuid __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionOcspRequestPerson __attribute__((alias("EncodeExtensionSubjectSignTool")));
-EncodeText EncodeExtensionOcspRequestBsnProdCode __attribute__((alias("EncodeExtensionSubjectSignTool")));
+TLVFORGE_ALIAS(DecodeExtensionZelcryptKeyIdentifier, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionSnils, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionOrganizationCode, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionClockNumber, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionVpnKeyTlsSerialNumber, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionOcspRequestGuid, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionOcspRequestPerson, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(DecodeExtensionOcspRequestBsnProdCode, DecodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionZelcryptKeyIdentifier, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionSnils, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionOrganizationCode, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionClockNumber, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionVpnKeyTlsSerialNumber, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionOcspRequestGuid, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionOcspRequestPerson, EncodeExtensionSubjectSignTool);
+TLVFORGE_ALIAS(EncodeExtensionOcspRequestBsnProdCode, EncodeExtensionSubjectSignTool);
 
 TLVFORGE_ALIAS(DecodeExtensionOcspRequestPrivateKeyContexts, DecodeExtensionOcspRequestCertificates);
 TLVFORGE_ALIAS(EncodeExtensionOcspRequestPrivateKeyContexts, EncodeExtensionOcspRequestCertificates);

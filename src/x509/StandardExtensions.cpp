@@ -1,60 +1,11 @@
 #include "tlvforge/extensions.h"
 
-#include "common/times.h"
 #include "engine/alias.h"
-#include "engine/oids.h"
-#include "engine/outputs.h"
 #include "tlvforge/certificate.h"
 #include "x509/extension_codecs.h"
-#include "x509/standard_extensions.schema.h"
+#include "x509/fields.h"
 
 using namespace tlvforge;
-
-// --- What the codecs have in common ---
-
-namespace tlvforge {
-
-Status DecodeEnumerated(const uint8_t* data, uint32_t length, int32_t* number) {
-    if (AnyNull(data, number)) return Fail(StatusBadArgument);
-    Tree<schema::Enumerated> value;
-    const Status status = value.Decode(data, length);
-    return status == StatusOk ? GetAsn1Int32(value.Get(), number) : status;
-}
-
-Status EncodeEnumerated(uint32_t number, uint8_t* buffer, uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
-    const Tree<schema::Enumerated> value(AllocAsn1Integer(static_cast<int32_t>(number)));
-    return value ? value.Encode(buffer, length) : Fail(StatusOutOfMemory);
-}
-
-Status GetOptionalTime(const Asn1Value* field, LibraryTime* time) {
-    return field != nullptr ? GeneralizedTimeToLibraryTime(field, time) : StatusOk;
-}
-
-Status SetOptionalTime(Asn1Value** field, const LibraryTime* time) {
-    if (time == nullptr) return StatusOk;
-    *field = LibraryTimeToGeneralizedTime(time);
-    return *field != nullptr ? StatusOk : Fail(StatusOutOfMemory);
-}
-
-Status DecodeTimePair(const uint8_t* data, uint32_t length, LibraryTime* first, LibraryTime* second) {
-    if (AnyNull(data, first, second)) return Fail(StatusBadArgument);
-    Tree<TimePair> pair;
-    Status status = pair.Decode(data, length);
-    if (status == StatusOk) status = GetOptionalTime(pair->first, first);
-    return status == StatusOk ? GetOptionalTime(pair->second, second) : status;
-}
-
-Status EncodeTimePair(const LibraryTime* first, const LibraryTime* second, uint8_t* buffer, uint32_t* length) {
-    if (length == nullptr) return Fail(StatusBadArgument);
-    Tree<TimePair> pair;
-    Status status = pair.Create();
-    if (status == StatusOk) status = SetOptionalTime(&pair->first, first);
-    if (status == StatusOk) status = SetOptionalTime(&pair->second, second);
-    return status == StatusOk ? pair.Encode(buffer, length) : status;
-}
-
-}  // namespace tlvforge
 
 namespace {
 
@@ -85,8 +36,8 @@ Status MoveToPointName(Tree<X509GeneralNames>* fullName, Tree<X509Name>* relativ
     return *field != nullptr ? StatusOk : Fail(StatusOutOfMemory);
 }
 
-// Lends the name of a distribution point. The output of the other kind keeps what it held.
-Status LendPointName(const DistributionPointName* choice, X509GeneralNames** fullName, X509Name** relativeName) {
+// The name of a distribution point. The output of the other kind keeps what it held.
+Status BorrowPointName(const DistributionPointName* choice, X509GeneralNames** fullName, X509Name** relativeName) {
     if (choice == nullptr || choice->value == nullptr) return StatusOk;
     if (choice->selected == kFullName) {
         *fullName = static_cast<X509GeneralNames*>(choice->value);
@@ -106,8 +57,13 @@ Status CopyIfGiven(const T* source, Tree<T>* copy) {
 
 // --- Fields that may be absent ---
 
-Status SetOptionalValue(Asn1Value** field, uint32_t type, const uint8_t* data, uint32_t length) {
-    return data != nullptr ? SetAsn1ValueField(field, type, data, length) : StatusOk;
+Status SetOptionalValue(Asn1Value** field, uint32_t type, Bytes bytes) {
+    return bytes.data != nullptr ? SetAsn1ValueField(field, type, bytes.data, bytes.length) : StatusOk;
+}
+
+// A BIT STRING from a flag word.
+Status SetFlags(Asn1BitString** field, uint32_t flags, bool given) {
+    return given ? ReplaceField(field, AllocAsn1BitStringFromFlags(flags)) : StatusOk;
 }
 
 // Raw byte of a BOOLEAN, and whether it is there.
@@ -121,26 +77,7 @@ Status SetFlag(Asn1Value** field, uint8_t flag, int32_t has) {
     return has != 0 ? SetAsn1BooleanField(field, flag != 0) : StatusOk;
 }
 
-// A BIT STRING field from a flag word.
-Status SetFlagWord(Asn1BitString** field, uint32_t flags) {
-    *field = AllocAsn1BitStringFromFlags(flags);
-    return *field != nullptr ? StatusOk : Fail(StatusOutOfMemory);
-}
-
-Status GetOid(const Asn1Value* value, uint8_t* oid, uint32_t* length) {
-    return value != nullptr ? GetAsn1Oid(value, oid, length) : Fail(StatusAbsent);
-}
-
 // --- Policies ---
-
-// True for the slots in which a policy stands in its own qualifier list.
-bool IsSelf(const PolicyInformation* policy, uint32_t qualifierIndex) {
-    return policy->policyQualifiers->items[qualifierIndex] == policy;
-}
-
-uint32_t QualifierCount(const PolicyInformation* policy) {
-    return policy != nullptr ? GetAsn1ListLength(policy->policyQualifiers) : 0;
-}
 
 // Takes the self references out of a policy, so that freeing it does not come back to it, or puts them back. Nothing
 // else leaves a null slot in a qualifier list.
@@ -168,34 +105,12 @@ Status Append(ExtensionCertificatePolicies* policies, ListOf<Node>* list, void* 
     return status;
 }
 
-// A policy with qualifiers: 32 for an index out of range of either list, or no list of qualifiers.
-Status FindQualifier(const ExtensionCertificatePolicies* list, uint32_t policyIndex, uint32_t qualifierIndex,
-                     PolicyInformation** policy) {
-    const Status status = GetListMember(list, policyIndex, policy);
-    if (status != StatusOk) return status;
+// The policy of a qualifier: 32 for an index out of range of either list, or no list of qualifiers.
+Status GetPolicyOfQualifier(const ExtensionCertificatePolicies* list, uint32_t policyIndex, uint32_t qualifierIndex,
+                            PolicyInformation** policy) {
+    if (!HasIndex(list, policyIndex)) return Fail(StatusBadArgument);
+    if (const Status status = Borrow(MemberAt(list, policyIndex), policy)) return status;
     return qualifierIndex < QualifierCount(*policy) ? StatusOk : Fail(StatusBadArgument);
-}
-
-// One policy of a filtered view, with the list of the qualifiers that are left.
-struct FilteredPolicy {
-    PolicyInformation policy;
-    ListOf<PolicyQualifierInfo> qualifiers;
-};
-
-// Fills a view's policy; gives the first cell that it did not use.
-void** Filter(const PolicyInformation* policy, FilteredPolicy* filtered, void** cells) {
-    filtered->policy = *policy;
-    if (policy->policyQualifiers == nullptr) return cells;
-    filtered->qualifiers = *policy->policyQualifiers;
-    filtered->qualifiers.items = cells;
-    filtered->qualifiers.count = 0;
-    for (uint32_t i = 0; i < QualifierCount(policy); ++i) {
-        if (!IsSelf(policy, i)) cells[filtered->qualifiers.count++] = policy->policyQualifiers->items[i];
-    }
-    const uint32_t kept = filtered->qualifiers.count;
-    const bool emptied = kept == 0 && QualifierCount(policy) != 0;
-    filtered->policy.policyQualifiers = emptied ? nullptr : &filtered->qualifiers;
-    return cells + kept;
 }
 
 // --- The URI of a certificate's distribution point ---
@@ -206,63 +121,29 @@ constexpr uint32_t kMaxPointsValue = 2048;
 Status EncodeUriPoint(const char* url, uint8_t* buffer, uint32_t* length) {
     const size_t urlLength = strlen(url);
     if (urlLength > kMaxPointsValue) return Fail(StatusBufferTooSmall);
+    const Bytes uri = {reinterpret_cast<const uint8_t*>(url), static_cast<uint32_t>(urlLength)};
+    constexpr uint32_t kUri = X509GeneralNameUniformResourceIdentifier;
     Tree<X509GeneralNames> names;
     Tree<ExtensionCrlDistributionPoints> points;
-    Status status = names.Create();
-    if (status == StatusOk) status = points.Create();
-    if (status != StatusOk) return status;
-    status = AddX509GeneralName(names.Get(), X509GeneralNameUniformResourceIdentifier,
-                                reinterpret_cast<const uint8_t*>(url), static_cast<uint32_t>(urlLength));
-    if (status != StatusOk) return status;
-    status = AddExtensionCrlDistributionPoint(points.Get(), names.Take(), nullptr, 0, nullptr);
-    return status == StatusOk ? points.Encode(buffer, length) : status;
+    if (const Status status = names.Create()) return status;
+    if (const Status status = points.Create()) return status;
+    if (const Status status = AddX509GeneralName(names.Get(), kUri, uri.data, uri.length)) return status;
+    if (const Status status = AddExtensionCrlDistributionPoint(points.Get(), names.Take(), nullptr, 0, nullptr)) {
+        return status;
+    }
+    return points.Encode(buffer, length);
 }
 
 }  // namespace
-
-namespace tlvforge {
-
-Status PoliciesView::Of(const ExtensionCertificatePolicies* policies) {
-    list_ = policies;
-    uint64_t cells = policies->count;
-    bool hasSelf = false;
-    for (uint32_t i = 0; i < policies->count; ++i) {
-        const PolicyInformation* policy = policies->At(i);
-        cells += QualifierCount(policy);
-        for (uint32_t at = 0; at < QualifierCount(policy) && !hasSelf; ++at) hasSelf = IsSelf(policy, at);
-    }
-    if (!hasSelf) return StatusOk;
-
-    const size_t recordsSize = policies->count * sizeof(FilteredPolicy);
-    *block_.Slot() = static_cast<uint8_t*>(Allocate(recordsSize + cells * sizeof(void*)));
-    if (!block_) return Fail(StatusOutOfMemory);
-    auto* records = reinterpret_cast<FilteredPolicy*>(block_.Bytes());
-    auto** items = reinterpret_cast<void**>(block_.Bytes() + recordsSize);
-    void** next = items + policies->count;
-    for (uint32_t i = 0; i < policies->count; ++i) {
-        const PolicyInformation* policy = policies->At(i);
-        items[i] = nullptr;
-        if (policy == nullptr) continue;
-        FilteredPolicy* filtered = new (&records[i]) FilteredPolicy{};
-        next = Filter(policy, filtered, next);
-        items[i] = &filtered->policy;
-    }
-    filtered_ = *policies;
-    filtered_.items = items;
-    list_ = &filtered_;
-    return StatusOk;
-}
-
-}  // namespace tlvforge
 
 // --- Simple values ---
 
 Status DecodeExtensionKeyUsage(const uint8_t* data, uint32_t length, uint32_t* flags) {
     if (AnyNull(data, flags) || length == 0) return Fail(StatusBadArgument);
     Tree<schema::BitString> bits;
-    const Status status = bits.Decode(data, length);
-    if (status == StatusOk) *flags = FlagsOfAsn1BitString(bits.Get());
-    return status;
+    if (const Status status = bits.Decode(data, length)) return status;
+    *flags = FlagsOfAsn1BitString(bits.Get());
+    return StatusOk;
 }
 
 Status EncodeExtensionKeyUsage(uint32_t flags, uint8_t* buffer, uint32_t* length) {
@@ -284,35 +165,35 @@ Status EncodeExtensionSubjectKeyIdentifier(const uint8_t* keyId, uint32_t keyIdL
 Status DecodeExtensionBasicConstraints(const uint8_t* data, uint32_t length, uint8_t* cA, uint32_t* pathLength) {
     if (AnyNull(data, cA, pathLength)) return Fail(StatusBadArgument);
     Tree<BasicConstraints> constraints;
-    const Status status = constraints.Decode(data, length);
-    if (status != StatusOk) return status;
+    if (const Status status = constraints.Decode(data, length)) return status;
     uint32_t hasFlag = 0;
+    int32_t number = -1;
     *cA = 0;
     GetFlag(constraints->cA, cA, &hasFlag);
-    int32_t number = -1;
-    const Status pathStatus =
-        constraints->pathLenConstraint != nullptr ? GetAsn1Int32(constraints->pathLenConstraint, &number) : StatusOk;
-    if (pathStatus == StatusOk) *pathLength = static_cast<uint32_t>(number);
-    return pathStatus;
+    if (const Status status = GetOptionalInt32(constraints->pathLenConstraint, &number)) return status;
+    *pathLength = static_cast<uint32_t>(number);
+    return StatusOk;
 }
 
 Status EncodeExtensionBasicConstraints(uint8_t cA, uint32_t pathLength, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
     Tree<BasicConstraints> constraints;
-    Status status = constraints.Create();
-    if (status == StatusOk) status = SetFlag(&constraints->cA, cA, 1);
-    if (status == StatusOk && pathLength != UINT32_MAX) {
-        status = SetAsn1Int32Field(&constraints->pathLenConstraint, static_cast<int32_t>(pathLength));
-    }
-    return status == StatusOk ? constraints.Encode(buffer, length) : status;
+    if (const Status status = constraints.Create()) return status;
+    if (const Status status = SetFlag(&constraints->cA, cA, 1)) return status;
+    if (pathLength == UINT32_MAX) return constraints.Encode(buffer, length);
+    const auto number = static_cast<int32_t>(pathLength);
+    if (const Status status = SetAsn1Int32Field(&constraints->pathLenConstraint, number)) return status;
+    return constraints.Encode(buffer, length);
 }
 
 Status DecodeExtensionReasonCode(const uint8_t* data, uint32_t length, int32_t* reason) {
-    return DecodeEnumerated(data, length, reason);
+    if (AnyNull(data, reason)) return Fail(StatusBadArgument);
+    return DecodeEnumerated({data, length}, reason);
 }
 
 Status EncodeExtensionReasonCode(uint32_t reason, uint8_t* buffer, uint32_t* length) {
-    return EncodeEnumerated(reason, buffer, length);
+    if (length == nullptr) return Fail(StatusBadArgument);
+    return EncodeEnumerated(reason, {buffer, length});
 }
 
 Status DecodeExtensionInvalidityDate(const uint8_t* data, uint32_t length, LibraryTime* time) {
@@ -325,12 +206,14 @@ Status EncodeExtensionInvalidityDate(const LibraryTime* time, uint8_t* buffer, u
 
 Status DecodeExtensionPrivateKeyUsagePeriod(const uint8_t* data, uint32_t length, LibraryTime* notBefore,
                                             LibraryTime* notAfter) {
-    return DecodeTimePair(data, length, notBefore, notAfter);
+    if (AnyNull(data, notBefore, notAfter)) return Fail(StatusBadArgument);
+    return DecodeTimePair({data, length}, notBefore, notAfter);
 }
 
 Status EncodeExtensionPrivateKeyUsagePeriod(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
                                             uint32_t* length) {
-    return EncodeTimePair(notBefore, notAfter, buffer, length);
+    if (length == nullptr) return Fail(StatusBadArgument);
+    return EncodeTimePair(notBefore, notAfter, {buffer, length});
 }
 
 Status DecodeExtensionCrlNumber(const uint8_t* data, uint32_t length, uint8_t* number, uint32_t* numberLength) {
@@ -349,31 +232,27 @@ Status DecodeExtensionAuthorityKeyIdentifier(const uint8_t* data, uint32_t lengt
     if (AnyNull(data, keyIdLength, serialLength) || length == 0) return Fail(StatusBadArgument);
     if (issuer != nullptr) *issuer = nullptr;
     Tree<AuthorityKeyIdentifier> identifier;
-    const Status status = identifier.Decode(data, length);
-    if (status != StatusOk) return status;
-    const Status keyIdStatus = GetOptionalValue(identifier->keyIdentifier, keyId, keyIdLength);
-    if (issuer != nullptr) {
-        *issuer = identifier->authorityCertIssuer;
-        identifier->authorityCertIssuer = nullptr;
-    }
-    const Status serialStatus = GetOptionalValue(identifier->authorityCertSerialNumber, serial, serialLength);
-    return keyIdStatus != StatusOk ? keyIdStatus : serialStatus;
+    if (const Status status = identifier.Decode(data, length)) return status;
+    if (issuer != nullptr) *issuer = TakeField(&identifier->authorityCertIssuer);
+    return ReadOutputs(OutputRule::kAllFirst, BytesInto(identifier->keyIdentifier, keyId, keyIdLength),
+                       BytesInto(identifier->authorityCertSerialNumber, serial, serialLength));
 }
 
 Status EncodeExtensionAuthorityKeyIdentifier(const uint8_t* keyId, uint32_t keyIdLength, const X509GeneralNames* issuer,
                                              const uint8_t* serial, uint32_t serialLength, uint8_t* buffer,
                                              uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
+    const Bytes keyIdBytes = {keyId, keyIdLength}, serialBytes = {serial, serialLength};
     Tree<AuthorityKeyIdentifier> identifier;
     Tree<X509GeneralNames> names;
-    Status status = identifier.Create();
-    if (status != StatusOk) return status;
-    status = SetOptionalValue(&identifier->keyIdentifier, Asn1KindOctetString, keyId, keyIdLength);
-    if (status == StatusOk) status = CopyIfGiven(issuer, &names);
-    if (status != StatusOk) return status;
+    if (const Status status = identifier.Create()) return status;
+    Asn1Value** const idField = &identifier->keyIdentifier;
+    if (const Status status = SetOptionalValue(idField, Asn1KindOctetString, keyIdBytes)) return status;
+    if (const Status status = CopyIfGiven(issuer, &names)) return status;
     identifier->authorityCertIssuer = names.Take();
-    status = SetOptionalValue(&identifier->authorityCertSerialNumber, Asn1KindInteger, serial, serialLength);
-    return status == StatusOk ? identifier.Encode(buffer, length) : status;
+    Asn1Value** const serialField = &identifier->authorityCertSerialNumber;
+    if (const Status status = SetOptionalValue(serialField, Asn1KindInteger, serialBytes)) return status;
+    return identifier.Encode(buffer, length);
 }
 
 // --- Issuing distribution point ---
@@ -391,10 +270,9 @@ Status DecodeExtensionIssuingDistributionPoint(const uint8_t* data, uint32_t len
     *relativeName = nullptr;
     *hasOnlyUser = *hasOnlyCa = *hasOnlySomeReasons = *hasIndirect = *hasOnlyAttribute = 0;
     Tree<IssuingDistributionPoint> point;
-    Status status = point.Decode(data, length);
-    // The names die with the tree: intended, the callers of this function only test them.
-    if (status == StatusOk) status = LendPointName(point->distributionPoint, fullName, relativeName);
-    if (status != StatusOk) return status;
+    if (const Status status = point.Decode(data, length)) return status;
+    // The names are freed with the tree: see docs/oddities.md.
+    if (const Status status = BorrowPointName(point->distributionPoint, fullName, relativeName)) return status;
     GetFlag(point->onlyContainsUserCerts, onlyUser, hasOnlyUser);
     GetFlag(point->onlyContainsCACerts, onlyCa, hasOnlyCa);
     GetFlag(point->indirectCRL, indirect, hasIndirect);
@@ -414,16 +292,21 @@ Status EncodeExtensionIssuingDistributionPoint(const X509GeneralNames* fullName,
     Tree<IssuingDistributionPoint> point;
     Tree<X509GeneralNames> names;
     Tree<X509Name> name;
-    Status status = point.Create();
-    if (status == StatusOk) status = CopyIfGiven(fullName, &names);
-    if (status == StatusOk && fullName == nullptr) status = CopyIfGiven(relativeName, &name);
-    if (status == StatusOk) status = MoveToPointName(&names, &name, &point->distributionPoint);
-    if (status == StatusOk) status = SetFlag(&point->onlyContainsUserCerts, onlyUser, hasOnlyUser);
-    if (status == StatusOk) status = SetFlag(&point->onlyContainsCACerts, onlyCa, hasOnlyCa);
-    if (status == StatusOk && hasOnlySomeReasons) status = SetFlagWord(&point->onlySomeReasons, onlySomeReasons);
-    if (status == StatusOk) status = SetFlag(&point->indirectCRL, indirect, hasIndirect);
-    if (status == StatusOk) status = SetFlag(&point->onlyContainsAttributeCerts, onlyAttribute, hasOnlyAttribute);
-    return status == StatusOk ? point.Encode(buffer, length) : status;
+    if (fullName != nullptr) relativeName = nullptr;
+    if (const Status status = point.Create()) return status;
+    if (const Status status = CopyIfGiven(fullName, &names)) return status;
+    if (const Status status = CopyIfGiven(relativeName, &name)) return status;
+    if (const Status status = MoveToPointName(&names, &name, &point->distributionPoint)) return status;
+    if (const Status status = SetFlag(&point->onlyContainsUserCerts, onlyUser, hasOnlyUser)) return status;
+    if (const Status status = SetFlag(&point->onlyContainsCACerts, onlyCa, hasOnlyCa)) return status;
+    if (const Status status = SetFlags(&point->onlySomeReasons, onlySomeReasons, hasOnlySomeReasons != 0)) {
+        return status;
+    }
+    if (const Status status = SetFlag(&point->indirectCRL, indirect, hasIndirect)) return status;
+    if (const Status status = SetFlag(&point->onlyContainsAttributeCerts, onlyAttribute, hasOnlyAttribute)) {
+        return status;
+    }
+    return point.Encode(buffer, length);
 }
 
 // --- CRL distribution points ---
@@ -452,10 +335,9 @@ Status AddExtensionCrlDistributionPoint(ExtensionCrlDistributionPoints* list, X5
     Tree<X509Name> name(relativeName);
     Tree<X509GeneralNames> issuer(crlIssuer);
     Tree<DistributionPoint> point;
-    Status status = point.Create();
-    if (status == StatusOk) status = MoveToPointName(&names, &name, &point->distributionPoint);
-    if (status == StatusOk && reasons != 0) status = SetFlagWord(&point->reasons, reasons);
-    if (status != StatusOk) return status;
+    if (const Status status = point.Create()) return status;
+    if (const Status status = MoveToPointName(&names, &name, &point->distributionPoint)) return status;
+    if (const Status status = SetFlags(&point->reasons, reasons, reasons != 0)) return status;
     point->cRLIssuer = issuer.Take();
     return point.MoveTo(list);
 }
@@ -463,15 +345,14 @@ Status AddExtensionCrlDistributionPoint(ExtensionCrlDistributionPoints* list, X5
 Status GetExtensionCrlDistributionPoint(const ExtensionCrlDistributionPoints* list, uint32_t index,
                                         X509GeneralNames** fullName, X509Name** relativeName, uint32_t* reasons,
                                         X509GeneralNames** crlIssuer) {
-    if (AnyNull(list, fullName, relativeName, reasons, crlIssuer)) return Fail(StatusBadArgument);
+    if (AnyNull(fullName, relativeName, reasons, crlIssuer) || !HasIndex(list, index)) return Fail(StatusBadArgument);
     DistributionPoint* point = nullptr;
-    const Status status = GetListMember(list, index, &point);
-    if (status != StatusOk) return status;
+    if (const Status status = Borrow(MemberAt(list, index), &point)) return status;
     *fullName = nullptr;
     *relativeName = nullptr;
     *reasons = point->reasons != nullptr ? FlagsOfAsn1BitString(point->reasons) : 0;
     *crlIssuer = point->cRLIssuer;
-    return LendPointName(point->distributionPoint, fullName, relativeName);
+    return BorrowPointName(point->distributionPoint, fullName, relativeName);
 }
 
 Status GetExtensionCrlDistributionPointsCount(const ExtensionCrlDistributionPoints* list, uint32_t* count) {
@@ -487,11 +368,9 @@ Status SetCertificateExtensionCrlDistributionPoints(Certificate* certificate, co
     uint8_t value[kMaxPointsValue];
     uint32_t length = sizeof value;
     X509Extensions extensions = nullptr;
-    Status status = EncodeUriPoint(url, value, &length);
-    if (status == StatusOk) status = GetCertificateExtensions(certificate, &extensions);
-    if (status == StatusOk) status = RemoveX509ExtensionsExtension2(extensions, Oid<2, 5, 29, 31>);
-    if (status != StatusOk) return status;
-    return AddX509ExtensionsExtension(extensions, Oid<2, 5, 29, 31>, 0, value, length);
+    if (const Status status = EncodeUriPoint(url, value, &length)) return status;
+    if (const Status status = GetCertificateExtensions(certificate, &extensions)) return status;
+    return ReplaceExtension(extensions, Oid<2, 5, 29, 31>, {value, length});
 }
 
 // --- Extended key usage ---
@@ -516,10 +395,8 @@ Status AddExtensionExtendedKeyUsage(ExtensionExtendedKeyUsage* list, const uint8
 
 Status GetExtensionExtendedKeyUsage(const ExtensionExtendedKeyUsage* list, uint32_t index, uint8_t* oid,
                                     uint32_t* oidLength) {
-    if (AnyNull(list, oidLength)) return Fail(StatusBadArgument);
-    Asn1Value* purpose = nullptr;
-    const Status status = GetListMember(list, index, &purpose);
-    return status == StatusOk ? GetAsn1Oid(purpose, oid, oidLength) : status;
+    if (oidLength == nullptr || !HasIndex(list, index)) return Fail(StatusBadArgument);
+    return GetOid(MemberAt(list, index), oid, oidLength);
 }
 
 Status GetExtensionExtendedKeyUsageCount(const ExtensionExtendedKeyUsage* list, uint32_t* count) {
@@ -550,24 +427,22 @@ Status AddExtensionAuthorityInformationAccess(ExtensionAuthorityInformationAcces
                                               X509GeneralName* location) {
     if (AnyNull(list, method, location)) return Fail(StatusBadArgument);
     Tree<AccessDescription> description;
-    Status status = description.Create();
-    if (status == StatusOk) status = ReplaceOidField(&description->accessMethod, method);
-    if (status != StatusOk) return status;
+    if (const Status status = description.Create()) return status;
+    if (const Status status = ReplaceOidField(&description->accessMethod, method)) return status;
     FreeField(&description->accessLocation);
     description->accessLocation = location;
-    status = description.MoveTo(list);
-    if (status != StatusOk) description->accessLocation = nullptr;
+    const Status status = description.MoveTo(list);
+    if (status != StatusOk) description->accessLocation = nullptr;  // still the caller's
     return status;
 }
 
 Status GetExtensionAuthorityInformationAccess(const ExtensionAuthorityInformationAccess* list, uint32_t index,
                                               uint8_t* method, uint32_t* methodLength, X509GeneralName** location) {
-    if (AnyNull(list, methodLength)) return Fail(StatusBadArgument);
+    if (methodLength == nullptr || !HasIndex(list, index)) return Fail(StatusBadArgument);
     AccessDescription* description = nullptr;
-    const Status status = GetListMember(list, index, &description);
-    if (status != StatusOk) return status;
+    if (const Status status = Borrow(MemberAt(list, index), &description)) return status;
     if (location != nullptr) *location = description->accessLocation;
-    return GetOid(description->accessMethod, method, methodLength);
+    return GetOid(At<&AccessDescription::accessMethod>(description), method, methodLength);
 }
 
 Status GetExtensionAuthorityInformationAccessCount(const ExtensionAuthorityInformationAccess* list, uint32_t* count) {
@@ -589,8 +464,8 @@ Status DecodeExtensionCertificatePolicies(const uint8_t* data, uint32_t length, 
 Status EncodeExtensionCertificatePolicies(const ExtensionCertificatePolicies* list, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(list, length)) return Fail(StatusBadArgument);
     PoliciesView view;
-    const Status status = view.Of(list);
-    return status == StatusOk ? EncodeTree(view.List(), buffer, length) : status;
+    if (const Status status = view.Of(list)) return status;
+    return EncodeTree(view.List(), buffer, length);
 }
 
 Status FreeExtensionCertificatePolicies(ExtensionCertificatePolicies* list) {
@@ -601,10 +476,9 @@ Status FreeExtensionCertificatePolicies(ExtensionCertificatePolicies* list) {
 Status AddExtensionPolicyInformation(ExtensionCertificatePolicies* list, const uint8_t* oid, uint32_t* index) {
     if (AnyNull(list, oid)) return Fail(StatusBadArgument);
     Tree<PolicyInformation> policy;
-    Status status = policy.Create();
-    if (status == StatusOk) status = ReplaceOidField(&policy->policyIdentifier, oid);
-    if (status == StatusOk) status = Append(list, list, policy.Get());
-    if (status != StatusOk) return status;
+    if (const Status status = policy.Create()) return status;
+    if (const Status status = ReplaceOidField(&policy->policyIdentifier, oid)) return status;
+    if (const Status status = Append(list, list, policy.Get())) return status;
     policy.Take();
     if (index != nullptr) *index = list->count - 1;
     return StatusOk;
@@ -612,10 +486,8 @@ Status AddExtensionPolicyInformation(ExtensionCertificatePolicies* list, const u
 
 Status GetExtensionPolicyInformation(const ExtensionCertificatePolicies* list, uint32_t index, uint8_t* oid,
                                      uint32_t* oidLength) {
-    if (AnyNull(list, oidLength)) return Fail(StatusBadArgument);
-    PolicyInformation* policy = nullptr;
-    const Status status = GetListMember(list, index, &policy);
-    return status == StatusOk ? GetOid(policy->policyIdentifier, oid, oidLength) : status;
+    if (oidLength == nullptr || !HasIndex(list, index)) return Fail(StatusBadArgument);
+    return GetOid(At<&PolicyInformation::policyIdentifier>(MemberAt(list, index).node), oid, oidLength);
 }
 
 Status GetExtensionPolicyInformationCount(const ExtensionCertificatePolicies* list, uint32_t* count) {
@@ -629,13 +501,11 @@ Status RemoveExtensionPolicyInformation(ExtensionCertificatePolicies* list, uint
 
 Status AddExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32_t policyIndex, const uint8_t* oid,
                                    const uint8_t*, uint32_t) {
-    if (AnyNull(list, oid)) return Fail(StatusBadArgument);
+    if (oid == nullptr || !HasIndex(list, policyIndex)) return Fail(StatusBadArgument);
     PolicyInformation* policy = nullptr;
-    const Status status = GetListMember(list, policyIndex, &policy);
-    if (status != StatusOk) return status;
-    if (policy->policyQualifiers == nullptr) policy->policyQualifiers = AllocList<ListOf<PolicyQualifierInfo>>();
-    if (policy->policyQualifiers == nullptr) return Fail(StatusOutOfMemory);
-    // The policy itself and not the qualifier given: intended, callers depend on the count that rises.
+    if (const Status status = Borrow(MemberAt(list, policyIndex), &policy)) return status;
+    if (const Status status = EnsureList(&policy->policyQualifiers)) return status;
+    // The policy itself and not the qualifier given: see docs/oddities.md.
     return Append(list, policy->policyQualifiers, policy);
 }
 
@@ -644,32 +514,30 @@ Status GetExtensionPolicyQualifier(const ExtensionCertificatePolicies* list, uin
                                    uint32_t* valueLength) {
     if (AnyNull(list, oidLength, valueLength)) return Fail(StatusBadArgument);
     PolicyInformation* policy = nullptr;
-    const Status status = FindQualifier(list, policyIndex, qualifierIndex, &policy);
-    if (status != StatusOk) return status;
-    const PolicyQualifierInfo* qualifier = policy->policyQualifiers->At(qualifierIndex);
-    if (qualifier == nullptr) return Fail(StatusAbsent);
+    if (const Status status = GetPolicyOfQualifier(list, policyIndex, qualifierIndex, &policy)) return status;
+    PolicyQualifierInfo* qualifier = nullptr;
+    if (const Status status = Borrow(MemberAt(policy->policyQualifiers, qualifierIndex), &qualifier)) return status;
     const bool self = IsSelf(policy, qualifierIndex);
-    const Status valueStatus = GetOptionalValue(self ? nullptr : qualifier->qualifier, value, valueLength);
-    const Status oidStatus = GetOid(self ? policy->policyIdentifier : qualifier->policyQualifierId, oid, oidLength);
-    return valueStatus == StatusBufferTooSmall ? valueStatus : oidStatus;
+    const Part<Asn1Value> id = self ? At<&PolicyInformation::policyIdentifier>(policy)
+                                    : At<&PolicyQualifierInfo::policyQualifierId>(qualifier);
+    return ReadOutputs(
+        OutputRule::kAllLast, [&] { return GetOid(id, oid, oidLength); },
+        BytesInto(self ? nullptr : qualifier->qualifier, value, valueLength));
 }
 
 Status GetExtensionPolicyQualifiersCount(const ExtensionCertificatePolicies* list, uint32_t policyIndex,
                                          uint32_t* count) {
-    if (AnyNull(list, count)) return Fail(StatusBadArgument);
-    PolicyInformation* policy = nullptr;
-    const Status status = GetListMember(list, policyIndex, &policy);
-    if (status != StatusOk) return status;
-    if (policy->policyIdentifier == nullptr) return Fail(StatusAbsent);
-    *count = QualifierCount(policy);
+    if (count == nullptr || !HasIndex(list, policyIndex)) return Fail(StatusBadArgument);
+    const Part<PolicyInformation> policy = MemberAt(list, policyIndex);
+    if (!policy || policy->policyIdentifier == nullptr) return policy.Absent();
+    *count = QualifierCount(policy.node);
     return StatusOk;
 }
 
 Status RemoveExtensionPolicyQualifier(ExtensionCertificatePolicies* list, uint32_t policyIndex,
                                       uint32_t qualifierIndex) {
     PolicyInformation* policy = nullptr;
-    const Status status = FindQualifier(list, policyIndex, qualifierIndex, &policy);
-    if (status != StatusOk) return status;
+    if (const Status status = GetPolicyOfQualifier(list, policyIndex, qualifierIndex, &policy)) return status;
     if (IsSelf(policy, qualifierIndex)) policy->policyQualifiers->items[qualifierIndex] = nullptr;
     return RemoveMember(policy->policyQualifiers, qualifierIndex);
 }
