@@ -10,8 +10,9 @@ if(TLVFORGE_JAVA)
         file(REAL_PATH ${Java_JAVAC_EXECUTABLE} home)
         cmake_path(GET home PARENT_PATH home)
         cmake_path(GET home PARENT_PATH home)
-        find_path(TLVFORGE_JNI_H jni.h PATHS ${home}/include NO_DEFAULT_PATH)
-        find_path(TLVFORGE_JNI_MD_H jni_md.h PATHS ${home}/include/linux NO_DEFAULT_PATH)
+        find_path(TLVFORGE_JNI_H jni.h PATHS ${home}/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+        find_path(TLVFORGE_JNI_MD_H jni_md.h PATHS ${home}/include/linux ${home}/include/win32
+            NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
     endif()
     if(NOT TLVFORGE_JNI_H OR NOT TLVFORGE_JNI_MD_H)
         message(WARNING "The Java bridge is left out: there is no JDK of version 17 or later. "
@@ -51,7 +52,8 @@ function(tlvforge_java library)
         COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
         COMMAND ${Java_JAVAC_EXECUTABLE} --release 17 -encoding UTF-8 -Xlint:all -Werror -Xdoclint:all,-missing
             -d ${classes} ${generated} ${sources}
-        COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:${library}> ${classes}/${package}/lib${library}.so
+        COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:${library}>
+            ${classes}/${package}/$<TARGET_FILE_PREFIX:${library}>${library}$<TARGET_FILE_SUFFIX:${library}>
         COMMAND ${Java_JAR_EXECUTABLE} --create --file ${directory}/tlvforge.jar -C ${classes} .
         DEPENDS ${generated} ${sources} ${library}
         COMMENT "Building tlvforge.jar" VERBATIM)

@@ -7,6 +7,12 @@
 #include <iterator>
 #include <map>
 
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
 namespace support {
 
 std::string StatusName(Status status) {
@@ -20,6 +26,32 @@ std::string StatusName(Status status) {
     const auto name = names.find(status);
     return name != names.end() ? name->second : std::to_string(status);
 }
+
+#ifdef _WIN32
+
+void SetZone(const char* zone) {
+    _putenv_s("TZ", zone != nullptr ? zone : "");
+    _tzset();
+}
+std::string NullDevice() { return "NUL"; }
+const void* Exported(const char* name) {
+    return reinterpret_cast<const void*>(GetProcAddress(GetModuleHandleA("tlvforge_64.dll"), name));
+}
+
+#else
+
+void SetZone(const char* zone) {
+    if (zone != nullptr) {
+        setenv("TZ", zone, 1);
+    } else {
+        unsetenv("TZ");
+    }
+    tzset();
+}
+std::string NullDevice() { return "/dev/null"; }
+const void* Exported(const char* name) { return dlsym(RTLD_DEFAULT, name); }
+
+#endif
 
 Bytes Hex(std::string_view text) {
     std::string digits;

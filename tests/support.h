@@ -94,6 +94,12 @@ Bytes Fetch(Function&& function, Arguments... arguments) {
     return bytes;
 }
 
+// What the systems name differently. A null zone stands for none; the name of a device that takes everything; an
+// exported function by its name, null without one.
+void SetZone(const char* zone);
+std::string NullDevice();
+const void* Exported(const char* name);
+
 // All files of a folder of the corpus of real documents, sorted; empty when the corpus isn't there.
 struct NamedBytes {
     std::string name;

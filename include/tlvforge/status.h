@@ -9,19 +9,28 @@
 
 #include <stdint.h>
 
+/* Where a function is visible: outside the library, on every system. */
+#ifndef _WIN32
+#define TLVFORGE_EXPORT __attribute__((visibility("default")))
+#elif defined(tlvforge_64_EXPORTS)
+#define TLVFORGE_EXPORT __declspec(dllexport)
+#else
+#define TLVFORGE_EXPORT
+#endif
+
 #ifdef __cplusplus
 #define TLVFORGE_BEGIN extern "C" {
 #define TLVFORGE_END }
 /* A dropped Status is a warning in C++. */
-#define TLVFORGE_STATUS [[nodiscard]] __attribute__((visibility("default"))) Status
+#define TLVFORGE_STATUS [[nodiscard]] TLVFORGE_EXPORT Status
 #else
 #define TLVFORGE_BEGIN
 #define TLVFORGE_END
-#define TLVFORGE_STATUS __attribute__((visibility("default"))) Status
+#define TLVFORGE_STATUS TLVFORGE_EXPORT Status
 #endif
 
 /* For the functions whose result is no status, or a status that is always 0 and may be dropped. */
-#define TLVFORGE_API __attribute__((visibility("default")))
+#define TLVFORGE_API TLVFORGE_EXPORT
 
 TLVFORGE_BEGIN
 

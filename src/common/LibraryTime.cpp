@@ -1,10 +1,9 @@
 #include "tlvforge/time.h"
 
-#include <time.h>
-
 #include <atomic>
 #include <new>
 
+#include "common/platform.h"
 #include "engine/failure.h"
 #include "engine/tmalloc.h"
 
@@ -138,7 +137,7 @@ Status SetToNow(Record* record) {
     if (record == nullptr) return Fail(StatusBadArgument);
     const time_t now = ::time(nullptr);
     tm utc{};
-    if (gmtime_r(&now, &utc) == nullptr) return Fail(StatusBadArgument);
+    if (!SplitUtc(now, &utc)) return Fail(StatusBadArgument);
     return SetCalendar(record, static_cast<uint32_t>(utc.tm_mday), utc.tm_mon + 1, utc.tm_year + 1900,
                        static_cast<uint32_t>(utc.tm_hour), static_cast<uint32_t>(utc.tm_min),
                        static_cast<uint32_t>(utc.tm_sec));
@@ -154,10 +153,9 @@ Status ToLocal(const Record* record, Record* local) {
     fields.tm_hour = static_cast<int>(record->hour);
     fields.tm_min = static_cast<int>(record->minute);
     fields.tm_sec = static_cast<int>(record->second);
-    const time_t seconds = timegm(&fields);
+    const time_t seconds = JoinUtc(&fields);
     if (seconds < 0) return Fail(StatusBadArgument);  // times before 1970 are refused as well
-    tzset();                                          // localtime_r alone need not see a changed time zone
-    if (localtime_r(&seconds, &fields) == nullptr) return Fail(StatusBadArgument);
+    if (!SplitLocal(seconds, &fields)) return Fail(StatusBadArgument);
     local->year = static_cast<uint32_t>(fields.tm_year) + 1900;
     local->month = static_cast<uint32_t>(fields.tm_mon) + 1;
     local->day = static_cast<uint32_t>(fields.tm_mday);

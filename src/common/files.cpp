@@ -1,7 +1,6 @@
 #include "common/files.h"
 
-#include <stdio.h>
-
+#include "common/platform.h"
 #include "engine/failure.h"
 
 namespace tlvforge {
@@ -34,9 +33,9 @@ private:
 
 // Leaves the stream at its start. The low 32 bits of a size count.
 bool MeasureFile(const File& file, uint32_t* size) {
-    if (fseek(file.Stream(), 0, SEEK_END) != 0) return false;
-    const long end = ftell(file.Stream());
-    if (end < 0 || fseek(file.Stream(), 0, SEEK_SET) != 0) return false;
+    if (!SeekFile(file.Stream(), 0, SEEK_END)) return false;
+    const int64_t end = TellFile(file.Stream());
+    if (end < 0 || !SeekFile(file.Stream(), 0, SEEK_SET)) return false;
     *size = static_cast<uint32_t>(end);
     return true;
 }

@@ -59,7 +59,7 @@ bool ReadArcs(const char* text, uint32_t* arcs, uint32_t* count) {
     for (const char* piece = text;;) {
         const char* end = strchr(piece, '.');
         const size_t length = end != nullptr ? static_cast<size_t>(end - piece) : strlen(piece);
-        const uint32_t arc = static_cast<uint32_t>(strtol(piece, nullptr, 10));
+        const uint32_t arc = static_cast<uint32_t>(strtoll(piece, nullptr, 10));
         if (arc == 0 && (length != 1 || *piece != '0')) return false;
         if (*count == kMaxArcs) return false;
         arcs[(*count)++] = arc;

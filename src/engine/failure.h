@@ -13,7 +13,7 @@ struct Place {
     static constexpr Place Here(const char* path = __builtin_FILE(), uint32_t line = __builtin_LINE()) {
         const char* bare = path;
         for (const char* at = path; *at != 0; ++at) {
-            if (*at == '/') bare = at + 1;
+            if (*at == '/' || *at == '\\') bare = at + 1;
         }
         return {bare, line};
     }

@@ -102,27 +102,31 @@ TEST(Removal, GivesTheRestOrTheContent) {
 }
 
 TEST(Files, AreReadFirstAndWrittenLast) {
-    int ends[2] = {};
-    EXPECT_EQ(pipe(ends), 0);
-    const std::string path = testing::TempDir() + "tlvforge" + std::to_string(getpid()), full = "/dev/full";
-    const std::string none = path + "/none", pipes = "/proc/self/fd/" + std::to_string(ends[0]), empty = "/dev/null";
+    const std::string path = testing::TempDir() + "tlvforge" + std::to_string(getpid());
+    const std::string none = path + "/none", empty = NullDevice();
     LibraryTime time = kUnset;
     const auto query = [&](uint32_t number, auto& from) { return GetCmsSignatureTime(number, from.c_str(), &time); };
     const auto remove = [](auto& from, auto& to) { return DeleteCmsSignerInfo(1, from.c_str(), to.c_str()); };
     const auto content = [&] {
-        std::ifstream stream(path);
+        std::ifstream stream(path, std::ios::binary);
         return Bytes(std::istreambuf_iterator<char>(stream), {});
     };
-    std::ofstream(path).write(reinterpret_cast<const char*>(&kBoth[0]), Size(kBoth));
-    Check({{query(0, none), 12}, {query(0, path), 32}, {query(1, empty), 32}, {query(1, pipes), 3}});
-    Check({{remove(path, full), 47}, {remove(path, none), 12}, {query(2, path), 0}, {CompareTime(&time, &kTime), 0}});
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&kBoth[0]), Size(kBoth));
+    Check({{query(0, none), 12}, {query(0, path), 32}, {query(1, empty), 32}});
+    Check({{remove(path, none), 12}, {query(2, path), 0}, {CompareTime(&time, &kTime), 0}});
+#ifndef _WIN32
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    const std::string full = "/dev/full", pipes = "/proc/self/fd/" + std::to_string(ends[0]);
+    Check({{query(1, pipes), 3}, {remove(path, full), 47}, {close(ends[0]), 0}, {close(ends[1]), 0}});
+#endif
     EXPECT_EQ(content(), kBoth);
     EXPECT_EQ(remove(path, path), 0u);
     EXPECT_EQ(content(), Of(kFirst));
     EXPECT_EQ(remove(path, path), 0u);
     EXPECT_EQ(content(), kAbc);
     std::filesystem::resize_file(path, 300000001);
-    Check({{query(1, path), 32}, {remove(path, path), 32}, {close(ends[0]), 0}, {close(ends[1]), 0}});
+    Check({{query(1, path), 32}, {remove(path, path), 32}});
     EXPECT_TRUE(std::filesystem::remove(path));
 }
 

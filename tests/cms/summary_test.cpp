@@ -54,7 +54,7 @@ TEST(Summary, CertificatesGiveSerialNumberAndCommonNames) {
 }
 
 TEST(Summary, CrlsGiveVersionLocalTimesAndIssuer) {
-    setenv("TZ", "XYZ-5:30", 1);
+    SetZone("XYZ-5:30");
     const auto crl = Make<FreeX509Crl>(CreateX509Crl);
     const LibraryTime from = {2019, 12, 31, 20, 1, 2}, until = {2051, 6, 7, 8, 9, 10};
     const Bytes head = Hex("C2E5F0F1E8FF3D312C20C4E5E9F1F2E2E8F2E5EBE5ED20F120") + Text("01.01.2020 01:31:02");
@@ -67,7 +67,7 @@ TEST(Summary, CrlsGiveVersionLocalTimesAndIssuer) {
     EXPECT_EQ(ToHex(TextOf(GetCrlCN, crl)), ToHex(head + issuer));
     EXPECT_EQ(SetX509CrlNextUpdate(crl.get(), &until), 0u);
     EXPECT_EQ(ToHex(TextOf(GetCrlCN, crl)), ToHex(head + gmt + issuer));
-    unsetenv("TZ");
+    SetZone(nullptr);
 }
 
 TEST(Summary, PrivateIdentifierHasTwoLimitsAndTheVersionNoSizeQuery) {

@@ -15,8 +15,8 @@ const LibraryTime kNoon = {2024, 2, 29, 12, 30, 45};
 
 // The time zone of the process while it lives.
 struct Zone {
-    explicit Zone(const char* zone) { setenv("TZ", zone, 1), tzset(); }
-    ~Zone() { unsetenv("TZ"), tzset(); }
+    explicit Zone(const char* zone) { SetZone(zone); }
+    ~Zone() { SetZone(nullptr); }
 };
 
 // What a time is written as, behind U for UTCTime or G for GeneralizedTime.
@@ -104,6 +104,9 @@ TEST(LibraryTime, LocalTimeFollowsTheZoneAndRefusesTimesBeforeTheEpoch) {
         {"MSK-3", "U691231235959Z", "refused"}, {"UTC0", "G19000101000000Z", "refused"}};
     // clang-format on
     for (const auto& [zone, utc, local] : rows) {
+#ifdef _WIN32
+        if (zone == american) continue;  // its C library knows no rules for the change of the hour
+#endif
         const Zone set(zone);
         LibraryTime t{};
         EXPECT_EQ(Read(utc, &t), StatusOk);

@@ -50,7 +50,7 @@ TEST(Faults, SignedMessages) {
     const std::string path = testing::TempDir() + "tlvforge-faults" + std::to_string(getpid());
     Bytes one, two, out, room(2000);
     ASSERT_EQ(Sign(extra.get(), {}, &one) + Sign(extra.get(), one, &two), StatusOk);
-    std::ofstream(path).write(reinterpret_cast<const char*>(&two[0]), Size(two));
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&two[0]), Size(two));
     const auto info = Decoded<FreeCmsContentInfo>(DecodeCmsContentInfo, two);
     const Bytes content = Fetch(GetCmsContentInfoContent, info.get());
     const auto message = Decoded<FreeCmsSignedData>(DecodeCmsSignedData, content);
@@ -66,7 +66,7 @@ TEST(Faults, SignedMessages) {
         {"sign", [&] { return Sign(extra.get(), {}, &out); }},
         {"add a signer", [&] { return Sign(extra.get(), one, &out); }},
         {"delete a signer", [&] { return DeleteBufferCmsSignerInfo(1, &two[0], Size(two), &room[0], &(n = 2000)); }},
-        {"delete a signer in a file", [&] { return remove("/dev/null"); }},
+        {"delete a signer in a file", [&] { return remove(NullDevice()); }},
         {"text", [&] { return GetBufferCmsSignatureTimeAndCN(2, &two[0], Size(two), &time, &room[0], &(n = 2000)); }},
         {"to be signed", [&] { return GetCmsSignedDataToBeSignedPart2(kKey, 20, &kTime, extra.get(), nullptr, &n); }},
         {"build", [&] { return MakeFillAndFree<FreeCmsSignedData>(CreateCmsSignedData, fill); }},

@@ -1,7 +1,5 @@
 // Extensions, lists of them, and their values: the bytes on the wire, what a reader makes of them, and who owns the
 // parts.
-#include <dlfcn.h>
-
 #include "support.h"
 #include "tlvforge/private_extensions.h"
 
@@ -302,7 +300,7 @@ TEST(ExtensionValue, IsOneFunctionUnderSeveralNames) {
         {"KeyStorage", "ExtendedResult"}, {store, "StorePrivateKeyContexts"}, {store, "StoreOcspRequestDocuments"}};
     // clang-format on
     const auto find = [](std::string form, const std::string& name) {
-        return dlsym(RTLD_DEFAULT, form.replace(form.find('*'), 1, "Extension" + name).c_str());
+        return Exported(form.replace(form.find('*'), 1, "Extension" + name).c_str());
     };
     uint32_t found = 0;
     for (const auto& [target, name] : rows)
