@@ -1,97 +1,63 @@
 import static kestrelon.x509.tlvforge.Tlvforge.*;
 
-import java.io.FileDescriptor;
-import java.io.FileOutputStream;
-import java.io.IOException;
-import java.io.PrintStream;
-import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
-import java.security.GeneralSecurityException;
-import java.security.cert.X509Certificate;
-import java.util.List;
+import java.security.KeyFactory;
+import java.security.MessageDigest;
+import java.security.PrivateKey;
+import java.security.Signature;
+import java.security.spec.PKCS8EncodedKeySpec;
+import java.time.Instant;
+import kestrelon.x509.tlvforge.*;
 
 /**
- * SignFile FILE DIRECTORY: signs a file in the forms that a signed message (CMS) can have, and verifies them.
+ * SignFile FILE CERTIFICATE KEY OUTPUT: signs a file with RSA and SHA-256, and removes the signature again.
  *
- * <p>The library makes the messages and the certificates, the JDK the keys, the signatures and the verification. What
- * is made is written to the directory:
- *
- * <pre>
- *   root.pem           the certificate to trust
- *   attached.p7m       the file with a signature;  detached.p7s: the signature alone, to lie beside the file
- *   bare.p7m, .p7s     signatures without attributes
- *   two-signers.*      the first two with a second signer, who was added later
- *   second-signer.*    the same after the first signer was removed
- * </pre>
- *
- * <p>The exit code is 0 when the JDK accepted everything.
+ * <p>The certificate and its private key (PKCS #8) are in PEM. OUTPUT gets a signed message (CMS) with the file in it,
+ * OUTPUT.p7s the signature alone. The JDK makes digest and signature, the library the message.
  */
 public final class SignFile {
-    // The console's own character set may lack the letters of names.
-    private static final PrintStream OUT =
-            new PrintStream(new FileOutputStream(FileDescriptor.out), true, StandardCharsets.UTF_8);
-
-    private final Path directory;
-    private final byte[] content;
-    private final X509Certificate root;
-    private boolean allGood = true;
+    private static final byte[] SHA256 = Oid.of("2.16.840.1.101.3.4.2.1"), RSA = Oid.of("1.2.840.113549.1.1.1");
 
     public static void main(String[] arguments) throws Exception {
-        Usage.answer("SignFile FILE DIRECTORY", List.of(arguments), arguments.length == 2);
-        Path directory = Files.createDirectories(Path.of(arguments[1]));
+        if (arguments.length != 4 || arguments[0].startsWith("-")) {
+            boolean asked = arguments.length > 0 && arguments[0].matches("--help|-h");
+            (asked ? System.out : System.err).println("usage: SignFile FILE CERTIFICATE KEY OUTPUT");
+            System.exit(asked ? 0 : 2);
+        }
         byte[] content = Files.readAllBytes(Path.of(arguments[0]));
-        if (content.length == 0) throw new IOException("an empty file can't be attached to a signature");
-        Identity authority = Identity.makeAuthority();
-        SignFile program = new SignFile(directory, content, authority);
-        program.signAll(authority);
-        System.exit(program.allGood ? 0 : 1);
+        byte[] certificate = readPem(arguments[1]);
+        PrivateKey key = KeyFactory.getInstance("RSA").generatePrivate(new PKCS8EncodedKeySpec(readPem(arguments[2])));
+        byte[] attached = sign(content, true, certificate, key);
+        Files.write(Path.of(arguments[3]), attached);
+        Files.write(Path.of(arguments[3] + ".p7s"), sign(content, false, certificate, key));
+
+        Instant time = Time.get(out -> dll_GetBufferCmsSignatureTime(1, attached, attached.length, out));
+        byte[] inside = Bytes.get((buffer, length) ->
+                dll_DeleteBufferCmsSignerInfo(1, attached, attached.length, buffer, length));
+        System.out.println("signed at " + time + ", " + inside.length + " bytes inside");
     }
 
-    private static void write(Path path, byte[] bytes) throws IOException {
-        Files.write(path, bytes);
-        OUT.println("  wrote " + path + ", " + bytes.length + " bytes");
+    private static byte[] readPem(String path) throws Exception {
+        byte[] pem = Files.readAllBytes(Path.of(path));
+        return Bytes.get((buffer, length) -> dll_DecodePem(pem, pem.length, buffer, length));
     }
 
-    private SignFile(Path directory, byte[] content, Identity authority) throws IOException, GeneralSecurityException {
-        this.directory = directory;
-        this.content = content;
-        OUT.println("EC P-256 with SHA-256");
-        byte[] der = authority.certificate();
-        root = SignedMessage.parse(der);
-        byte[] label = "CERTIFICATE".getBytes(StandardCharsets.US_ASCII);
-        write(directory.resolve("root.pem"), Library.bytes((b, l) -> dll_EncodePem(der, der.length, label, b, l)));
-    }
-
-    private void signAll(Identity authority) throws IOException, GeneralSecurityException {
-        Identity anna = authority.makeSigner("Анна"), boris = authority.makeSigner("Борис");
-        byte[] none = {};
-        byte[] attached = SignedMessage.addSignature(none, anna, content, true, true);
-        byte[] detached = SignedMessage.addSignature(none, anna, content, false, true);
-        byte[] both = SignedMessage.addSignature(attached, boris, content, true, true);
-        writeAndVerify("attached.p7m", attached, 1);
-        writeAndVerify("detached.p7s", detached, 1);
-        writeAndVerify("bare.p7m", SignedMessage.addSignature(none, anna, content, true, false), 1);
-        writeAndVerify("bare.p7s", SignedMessage.addSignature(none, anna, content, false, false), 1);
-        writeAndVerify("two-signers.p7m", both, 2);
-        writeAndVerify("two-signers.p7s", SignedMessage.addSignature(detached, boris, content, false, true), 2);
-        writeAndVerify("second-signer.p7m", SignedMessage.removeSigner(both, 1), 1);
-
-        // From file to file, without a message in memory.
-        Path output = directory.resolve("second-signer.p7s");
-        Library.check(dll_DeleteCmsSignerInfo(1, directory.resolve("two-signers.p7s").toString(), output.toString()));
-        writeAndVerify("second-signer.p7s", Files.readAllBytes(output), 1);
-    }
-
-    private void writeAndVerify(String name, byte[] der, int signers) throws IOException, GeneralSecurityException {
-        write(directory.resolve(name), der);
-        try (SignedMessage message = new SignedMessage(der)) {
-            for (int i = 0; i < message.signerCount(); ++i) OUT.println("    " + message.describe(i));
-            boolean verified = message.isGood(content, name.endsWith(".p7m"), root);
-            boolean asExpected = verified && message.signerCount() == signers;
-            OUT.println("  Java on the message: " + (verified ? "verified" : "refused")
-                    + (asExpected ? "" : " (NOT AS IT SHOULD BE)"));
-            allGood = allGood && asExpected;
+    /** The signature covers attributes, among them the digest of the content; so the content may be kept apart. */
+    private static byte[] sign(byte[] content, boolean attach, byte[] certificate, PrivateKey key) throws Exception {
+        byte[] digest = MessageDigest.getInstance("SHA-256").digest(content);
+        byte[] signed = attach ? content : null;
+        try (var time = Handle.create(Tlvforge::dll_CreateLibraryTime, Tlvforge::dll_FreeLibraryTime)) {
+            TlvforgeException.check(dll_GetCurrentLibTime(time.get()));
+            Signature signer = Signature.getInstance("SHA256withRSA");
+            signer.initSign(key);
+            signer.update(Bytes.get((buffer, length) ->
+                    dll_GetCmsSignedDataToBeSignedPart(digest, digest.length, time.get(), buffer, length)));
+            byte[] signature = signer.sign();
+            return Bytes.get((buffer, length) -> dll_CreateCmsFileSignature2(signed, attach ? content.length : 0,
+                    digest, digest.length, time.get(), SHA256, null, 0, certificate, certificate.length,
+                    certificate, new int[] {certificate.length}, 1, RSA, null, 0, 1, 0, 0,
+                    signature, signature.length, null, 0, buffer, length));
         }
     }
 }

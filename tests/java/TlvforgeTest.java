@@ -14,27 +14,21 @@ import java.security.MessageDigest;
 import java.security.Signature;
 import java.security.cert.CertificateFactory;
 import java.security.cert.X509Certificate;
+import java.time.Instant;
 import java.util.Arrays;
 import java.util.Date;
 import java.util.LinkedHashMap;
 import java.util.Map;
 import java.util.Set;
 import java.util.TreeSet;
+import java.util.concurrent.atomic.AtomicInteger;
 import javax.security.auth.x500.X500Principal;
-import kestrelon.x509.tlvforge.Tlvforge;
+import kestrelon.x509.tlvforge.*;
 
 /** The bridge in a running virtual machine, whose own certificates and signatures judge what it builds. */
 public final class TlvforgeTest {
     interface Case {
         void run() throws Exception;
-    }
-
-    interface Output {
-        int call(byte[] buffer, int[] length);
-    }
-
-    interface Maker {
-        int call(long[] handle);
     }
 
     private static Path directory;
@@ -56,6 +50,8 @@ public final class TlvforgeTest {
         cases.put("outputs", TlvforgeTest::outputs);
         cases.put("inputs", TlvforgeTest::inputs);
         cases.put("handles and numbers", TlvforgeTest::handlesAndNumbers);
+        cases.put("objects that are freed", TlvforgeTest::objects);
+        cases.put("statuses as exceptions, identifiers and times", TlvforgeTest::values);
         cases.put("a certificate, built and signed", TlvforgeTest::certificate);
         cases.put("a signed document, and files with Cyrillic names", TlvforgeTest::signedDocument);
         cases.put("memory stays", TlvforgeTest::memoryStays);
@@ -83,31 +79,12 @@ public final class TlvforgeTest {
         equal(0, status, "status");
     }
 
-    private static byte[] fetch(Output output) {
-        int[] length = new int[1];
-        ok(output.call(null, length));
-        byte[] bytes = new byte[length[0]];
-        ok(output.call(bytes, length));
-        equal(bytes.length, length[0], "length");
-        return bytes;
-    }
-
-    private static long made(Maker maker) {
-        long[] handle = new long[1];
-        ok(maker.call(handle));
-        return handle[0];
-    }
-
-    private static byte[] oid(String dotted) {
-        return fetch((buffer, length) -> dll_ConvertStringToOid(dotted, buffer, length));
-    }
-
     private static byte[] utf8(String text) {
         return text.getBytes(StandardCharsets.UTF_8);
     }
 
     private static long time(int day, int month, int year) {
-        long time = made(Tlvforge::dll_CreateLibraryTime);
+        long time = Handle.lent(Tlvforge::dll_CreateLibraryTime);
         ok(dll_SetLibraryTime(time, day, month, year, 12, 30, 45));
         return time;
     }
@@ -154,7 +131,7 @@ public final class TlvforgeTest {
     }
 
     private static void outputs() {
-        long crl = made(Tlvforge::dll_CreateX509Crl);
+        long crl = Handle.lent(Tlvforge::dll_CreateX509Crl);
         byte[] signature = new byte[64];
         Arrays.fill(signature, (byte) 7);
         ok(dll_SetX509CrlSignature(crl, signature, 64));
@@ -174,12 +151,12 @@ public final class TlvforgeTest {
     }
 
     private static void inputs() {
-        long certificate = made(Tlvforge::dll_CreateCertificate);
+        long certificate = Handle.lent(Tlvforge::dll_CreateCertificate);
         byte[] bytes = {1, 2, 3, 4};
         for (int count : new int[] {4, 2, -1, 1}) {
             ok(dll_SetCertificateSerialNumber(certificate, bytes, count));
             byte[] expected = Arrays.copyOf(bytes, count < 0 ? 4 : count);
-            byte[] stored = fetch((buffer, length) -> dll_GetCertificateSerialNumber(certificate, buffer, length));
+            byte[] stored = Bytes.get((buffer, length) -> dll_GetCertificateSerialNumber(certificate, buffer, length));
             equal(Arrays.toString(expected), Arrays.toString(stored), "count " + count);
         }
         equal(49, dll_SetCertificateSerialNumber(certificate, bytes, 5), "count beyond the array");
@@ -187,9 +164,9 @@ public final class TlvforgeTest {
         equal(32, dll_SetCertificateSerialNumber(certificate, null, 0), "null");
         equal(49, dll_SetCertificateSerialNumber(certificate, new byte[0], 1), "count of an empty array");
         ok(dll_FreeCertificate(certificate));
-        equal(49, dll_IsOidEquals(new byte[0], oid("1.2")), "an identifier of no bytes");
-        equal(49, dll_IsOidEquals(new byte[] {2, 42}, oid("1.2")), "an identifier cut short");
-        equal(1, dll_IsOidEquals(new byte[] {1, 42, 9}, oid("1.2")), "an identifier in a longer array");
+        equal(49, dll_IsOidEquals(new byte[0], Oid.of("1.2")), "an identifier of no bytes");
+        equal(49, dll_IsOidEquals(new byte[] {2, 42}, Oid.of("1.2")), "an identifier cut short");
+        equal(1, dll_IsOidEquals(new byte[] {1, 42, 9}, Oid.of("1.2")), "an identifier in a longer array");
         equal(49, dll_sha1(bytes, 4, new byte[19]), "a digest in 19 bytes");
     }
 
@@ -213,6 +190,73 @@ public final class TlvforgeTest {
         equal(3, dll_GetAsn1ValueLength(new long[] {dll_AllocAsn1Integer_s(new byte[3], 3)}), "a handle");
     }
 
+    private static int statusOf(Case failing) throws Exception {
+        try {
+            failing.run();
+        } catch (TlvforgeException failure) {
+            return failure.status();
+        }
+        throw new AssertionError("nothing was thrown");
+    }
+
+    /** Once by close, never after release, and by the collector when the handle is forgotten. */
+    private static void objects() throws Exception {
+        AtomicInteger freed = new AtomicInteger();
+        Handle.Free free = object -> {
+            freed.incrementAndGet();
+            return dll_FreeCertificate(object);
+        };
+        Handle closed = Handle.create(Tlvforge::dll_CreateCertificate, free);
+        closed.close();
+        closed.close();
+        equal(1, freed.get(), "freed by close");
+        try {
+            closed.get();
+            throw new AssertionError("the address of a freed object");
+        } catch (IllegalStateException expected) {
+            // as it should be
+        }
+        try (Handle list = Handle.create(Tlvforge::dll_CreateCertificates, Tlvforge::dll_FreeCertificates);
+                Handle adopted = Handle.create(Tlvforge::dll_CreateCertificate, free)) {
+            ok(dll_AddCertificateToCertificates(list.get(), adopted.get()));
+            adopted.release();
+            equal(1, Bytes.number(out -> dll_GetCertificatesCount(list.get(), out)), "members");
+        }
+        equal(1, freed.get(), "freed after release");
+        byte[] empty = {0x30, 0};
+        equal(StatusBadEncoding, statusOf(() -> Handle.decode(empty, Tlvforge::dll_DecodeCertificate, free)), "bytes");
+
+        Handle.create(Tlvforge::dll_CreateCertificate, free);
+        for (int i = 0; i < 200 && freed.get() == 1; ++i) {
+            System.gc();
+            Thread.sleep(50);
+        }
+        equal(2, freed.get(), "freed by the collector");
+    }
+
+    private static void values() throws Exception {
+        equal("1.2.643.2.2.31.1", Oid.text(Oid.of("1.2.643.2.2.31.1")), "identifier");
+        equal(StatusBadArgument, statusOf(() -> Oid.of("x")), "no identifier");
+        String absent = "StatusAbsent: a field that the operation needs isn't there";
+        equal(absent, new TlvforgeException(StatusAbsent).getMessage(), "text of a status");
+        equal("status 9", Tlvforge.statusText(9), "an unknown status");
+        try (Handle crl = Handle.create(Tlvforge::dll_CreateX509Crl, Tlvforge::dll_FreeX509Crl)) {
+            equal(true, TlvforgeException.optional(() -> Time.get(time -> dll_GetX509CrlNextUpdate(crl.get(), time)))
+                    .isEmpty(), "no time");
+            for (String text : new String[] {"1950-01-01T00:00:00Z", "1969-12-31T23:59:59Z", "2100-12-31T12:30:45Z"}) {
+                Time.set(Instant.parse(text), time -> dll_SetX509CrlNextUpdate(crl.get(), time));
+                equal(text, Time.get(time -> dll_GetX509CrlNextUpdate(crl.get(), time)).toString(), "time");
+            }
+            equal(StatusBadTime, statusOf(() -> Time.set(Instant.parse("2101-01-01T00:00:00Z"), time -> 0)), "2101");
+            equal(StatusBadArgument, statusOf(() -> TlvforgeException.optional(
+                    () -> Bytes.get((buffer, length) -> dll_EncodeX509Crl(0, buffer, length)))), "another failure");
+        }
+        Instant precise = Time.getPrecise(time -> dll_SetLibraryPreciseTime(time, 1, 2, 2024, 3, 4, 5, 6, 7));
+        equal("2024-02-01T03:04:05.006007Z", precise.toString(), "fraction");
+        equal(true, Time.get(time -> 0) == null, "the null time");
+        equal("Ё", Bytes.text(utf8("Ё\0")), "text");
+    }
+
     private static void versionText() {
         StringBuffer text = new StringBuffer("before");
         ok(dll_GetVersionInfo(text));
@@ -234,35 +278,33 @@ public final class TlvforgeTest {
         generator.initialize(256);
         keys = generator.generateKeyPair();
         byte[] spki = keys.getPublic().getEncoded();
-        byte[][] parts = {new byte[100], new byte[100], new byte[100]};
-        int[][] sizes = new int[3][1];
-        ok(dll_DecodeSubjectPublicKeyInfo(
-                spki, spki.length, parts[0], sizes[0], parts[1], sizes[1], parts[2], sizes[2]));
+        byte[][] parts = Bytes.get(3,
+                (b, l) -> dll_DecodeSubjectPublicKeyInfo(spki, spki.length, b[0], l[0], b[1], l[1], b[2], l[2]));
 
-        long certificate = made(Tlvforge::dll_CreateCertificate);
+        long certificate = Handle.lent(Tlvforge::dll_CreateCertificate);
         ok(dll_SetCertificateVersion(certificate, 2));
         ok(dll_SetCertificateSerialNumber(certificate, new byte[] {0x41, 0x42}, 2));
         String[][] subject = {{"2.5.4.6", "RU"}, {"2.5.4.10", "Кузница"}, {"2.5.4.3", "Подписант Ё"}};
-        for (long name : new long[] {made(handle -> dll_GetCertificateSubject(certificate, handle)),
-                made(handle -> dll_GetCertificateIssuer(certificate, handle))}) {
+        for (long name : new long[] {Handle.lent(handle -> dll_GetCertificateSubject(certificate, handle)),
+                Handle.lent(handle -> dll_GetCertificateIssuer(certificate, handle))}) {
             for (String[] entry : subject) {
                 byte[] value = utf8(entry[1]);
                 int tag = entry[1].equals("RU") ? 19 : 12;
-                ok(dll_AddX509NameEntry(name, value, value.length, tag, oid(entry[0]), 1));
+                ok(dll_AddX509NameEntry(name, value, value.length, tag, Oid.of(entry[0]), 1));
             }
         }
         long from = time(1, 2, 2024), to = time(3, 4, 2054);
         ok(dll_SetCertificateValidNotBefore(certificate, from));
         ok(dll_SetCertificateValidNotAfter(certificate, to));
-        ok(dll_SetCertificatePublicKeyAlgorithmOidAndParameters(certificate, parts[0], parts[2], sizes[2][0]));
-        ok(dll_SetCertificatePublicKey(certificate, parts[1], sizes[1][0]));
-        byte[] constraints = fetch((buffer, length) -> dll_EncodeExtensionBasicConstraints(1, 3, buffer, length));
-        long extensions = made(handle -> dll_GetCertificateExtensions(certificate, handle));
-        ok(dll_AddX509ExtensionsExtension(extensions, oid("2.5.29.19"), 1, constraints, constraints.length));
-        ok(dll_SetCertificateSignatureAlgorithmOidAndParameters(certificate, oid("1.2.840.10045.4.3.2"), null, 0));
-        byte[] signature = sign(fetch((b, l) -> dll_GetCertificateToBeSignedPart(certificate, b, l)));
+        ok(dll_SetCertificatePublicKeyAlgorithmOidAndParameters(certificate, parts[0], parts[2], parts[2].length));
+        ok(dll_SetCertificatePublicKey(certificate, parts[1], parts[1].length));
+        byte[] constraints = Bytes.get((buffer, length) -> dll_EncodeExtensionBasicConstraints(1, 3, buffer, length));
+        long extensions = Handle.lent(handle -> dll_GetCertificateExtensions(certificate, handle));
+        ok(dll_AddX509ExtensionsExtension(extensions, Oid.of("2.5.29.19"), 1, constraints, constraints.length));
+        ok(dll_SetCertificateSignatureAlgorithmOidAndParameters(certificate, Oid.of("1.2.840.10045.4.3.2"), null, 0));
+        byte[] signature = sign(Bytes.get((b, l) -> dll_GetCertificateToBeSignedPart(certificate, b, l)));
         ok(dll_SetCertificateSignature(certificate, signature, signature.length));
-        certificateDer = fetch((buffer, length) -> dll_EncodeCertificate(certificate, buffer, length));
+        certificateDer = Bytes.get((buffer, length) -> dll_EncodeCertificate(certificate, buffer, length));
         Files.write(directory.resolve("certificate.der"), certificateDer);
 
         X509Certificate parsed = (X509Certificate) CertificateFactory.getInstance("X.509")
@@ -270,11 +312,11 @@ public final class TlvforgeTest {
         parsed.verify(keys.getPublic());
         equal(new X500Principal("CN=Подписант Ё, O=Кузница, C=RU"), parsed.getSubjectX500Principal(), "subject");
         equal(BigInteger.valueOf(0x4142), parsed.getSerialNumber(), "serial number");
-        equal(Date.from(java.time.Instant.parse("2054-04-03T12:30:45Z")), parsed.getNotAfter(), "notAfter");
+        equal(Date.from(Instant.parse("2054-04-03T12:30:45Z")), parsed.getNotAfter(), "notAfter");
         equal(3, parsed.getBasicConstraints(), "path length");
 
-        long again = made(handle -> dll_DecodeCertificate(certificateDer, certificateDer.length, handle));
-        byte[] encoded = fetch((buffer, length) -> dll_EncodeCertificate(again, buffer, length));
+        long again = Handle.lent(handle -> dll_DecodeCertificate(certificateDer, certificateDer.length, handle));
+        byte[] encoded = Bytes.get((buffer, length) -> dll_EncodeCertificate(again, buffer, length));
         equal(true, Arrays.equals(certificateDer, encoded), "the same bytes again");
         for (long handle : new long[] {certificate, again}) ok(dll_FreeCertificate(handle));
         for (long handle : new long[] {from, to}) ok(dll_FreeLibraryTime(handle));
@@ -283,11 +325,11 @@ public final class TlvforgeTest {
     private static byte[] signWith(byte[] existing, byte[] content, long time) throws Exception {
         byte[] digest = MessageDigest.getInstance("SHA-256").digest(content);
         byte[] signature = sign(
-                fetch((buffer, length) -> dll_GetCmsSignedDataToBeSignedPart(digest, 32, time, buffer, length)));
+                Bytes.get((buffer, length) -> dll_GetCmsSignedDataToBeSignedPart(digest, 32, time, buffer, length)));
         int existingLength = existing == null ? 0 : existing.length;
-        return fetch((buffer, length) -> dll_CreateCmsFileSignature2(content, content.length, digest, 32, time,
-                oid("2.16.840.1.101.3.4.2.1"), null, 0, certificateDer, certificateDer.length, certificateDer,
-                new int[1], 1, oid("1.2.840.10045.4.3.2"), null, 0, 1, 0, 0, signature, signature.length, existing,
+        return Bytes.get((buffer, length) -> dll_CreateCmsFileSignature2(content, content.length, digest, 32, time,
+                Oid.of("2.16.840.1.101.3.4.2.1"), null, 0, certificateDer, certificateDer.length, certificateDer,
+                new int[1], 1, Oid.of("1.2.840.10045.4.3.2"), null, 0, 1, 0, 0, signature, signature.length, existing,
                 existingLength, buffer, length));
     }
 
@@ -298,8 +340,8 @@ public final class TlvforgeTest {
         byte[] document = signWith(signWith(null, content, first), content, second);
         ok(dll_GetBufferCmsSignatureTime(2, document, document.length, left));
         Path plain = Files.write(directory.resolve("signed.p7s"), document);
-        equal(49, dll_CreateCmsFileSignature2(content, 1, content, 1, first, oid("1.2"), null, 0, document, 1,
-                certificateDer, new int[1], 2, oid("1.2"), null, 0, 1, 0, 0, content, 1, null, 0, null, new int[1]),
+        equal(49, dll_CreateCmsFileSignature2(content, 1, content, 1, first, Oid.of("1.2"), null, 0, document, 1,
+                certificateDer, new int[1], 2, Oid.of("1.2"), null, 0, 1, 0, 0, content, 1, null, 0, null, new int[1]),
                 "two certificates in one array");
 
         String name = "Подпись № 1 ёЁ.p7s";

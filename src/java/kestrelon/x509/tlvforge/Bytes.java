@@ -88,17 +88,6 @@ public final class Bytes {
     }
 
     /**
-     * Writes a text in UTF-8, with a terminating zero. Its length without the zero is one less than that of the array.
-     *
-     * @param text the text
-     * @return its bytes
-     */
-    public static byte[] terminated(String text) {
-        byte[] bytes = text.getBytes(StandardCharsets.UTF_8);
-        return Arrays.copyOf(bytes, bytes.length + 1);
-    }
-
-    /**
      * Gets a number.
      *
      * @param number the method

@@ -38,7 +38,7 @@ public final class TlvforgeException extends RuntimeException {
      */
     public static <T> Optional<T> optional(Supplier<T> read) {
         try {
-            return Optional.of(read.get());
+            return Optional.ofNullable(read.get());
         } catch (TlvforgeException failure) {
             if (failure.status != Tlvforge.StatusAbsent && failure.status != Tlvforge.StatusNotFound) throw failure;
             return Optional.empty();
