@@ -116,7 +116,7 @@ public final class TlvforgeTest {
                 }
             }
         }
-        equal(783, count, "natives");
+        equal(true, count >= 783, count + " natives");
         equal(true, statuses.containsAll(Set.of(StatusOk, StatusBadArgument, StatusBufferTooSmall)), "" + statuses);
     }
 
