@@ -307,8 +307,9 @@ class JavaClass:
     def text(self):
         numbers = "".join(f"{javadoc([self.html(meaning, name)])}    public static final int {name} = {number};\n\n"
                           for name, number, meaning in self.interface.numbers)
-        cases = "".join(f'            case {number} -> "{name}: {meaning}";\n'
-                        for name, (number, meaning) in self.interface.statuses.items())
+        sentences = (ROOT / "include/tlvforge/status_text.h").read_text(encoding="utf-8")
+        cases = "".join(f'            case {self.interface.statuses[name][0]} -> "{name}: {sentence}";\n'
+                        for name, sentence in re.findall(r'case (\w+): return "(.*)";', sentences))
         template = (ROOT / "src/java/Tlvforge.java.in").read_text(encoding="utf-8")
         methods = "".join(map(self.method, self.interface.functions.values()))
         return template.replace("@numbers@", numbers).replace("@cases@", cases).replace("@methods@", methods)

@@ -237,7 +237,7 @@ public final class TlvforgeTest {
     private static void values() throws Exception {
         equal("1.2.643.2.2.31.1", Oid.text(Oid.of("1.2.643.2.2.31.1")), "identifier");
         equal(StatusBadArgument, statusOf(() -> Oid.of("x")), "no identifier");
-        String absent = "StatusAbsent: a field that the operation needs isn't there";
+        String absent = "StatusAbsent: a field that is needed is absent";
         equal(absent, new TlvforgeException(StatusAbsent).getMessage(), "text of a status");
         equal("status 9", Tlvforge.statusText(9), "an unknown status");
         try (Handle crl = Handle.create(Tlvforge::dll_CreateX509Crl, Tlvforge::dll_FreeX509Crl)) {
