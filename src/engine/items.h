@@ -171,7 +171,9 @@ struct Field {
                   "the member's node is not the element's");
 };
 
-// The order of fields. In a record all of whose cells are null but the n-th, the member of the n-th field isn't null.
+// The order of fields: in a record of which the n-th cell alone is marked, the member of the n-th field is the marked
+// one. Marked and unmarked cells point to one of two nodes. Null can't stand for one of them: that an address isn't
+// null is no constant where null pointers are checked for.
 template <class Node>
 union Storage {
     char none;
@@ -180,14 +182,14 @@ union Storage {
     constexpr ~Storage() {}
 };
 template <class Node>
-inline constinit Storage<Node> anyNode{};
+inline constinit Storage<Node> nodeFor[2]{};
 
 struct CellValue {
-    bool set;
+    bool marked;
 
     template <class Node>
     constexpr operator Node*() const {
-        return set ? &anyNode<Node>.node : nullptr;
+        return &nodeFor<Node>[marked].node;
     }
     template <ListCell Cell>
     constexpr operator Cell() const {
@@ -196,12 +198,12 @@ struct CellValue {
 };
 
 template <class Node>
-constexpr bool IsSet(Node* const& cell) {
-    return cell != nullptr;
+constexpr bool IsMarked(Node* const& cell) {
+    return cell == &nodeFor<Node>[true].node;
 }
 template <ListCell Cell>
-constexpr bool IsSet(const Cell& cell) {
-    return cell.list != nullptr;
+constexpr bool IsMarked(const Cell& cell) {
+    return IsMarked(cell.list);
 }
 
 template <class RecordType, size_t Which, size_t... Cells>
@@ -211,7 +213,7 @@ constexpr RecordType WithOneCell(std::index_sequence<Cells...>) {
 
 template <class RecordType, class... Fields, size_t... Cells>
 constexpr bool AreInOrder(std::index_sequence<Cells...> cells) {
-    return (IsSet(WithOneCell<RecordType, Cells>(cells).*Fields::member) && ...);
+    return (IsMarked(WithOneCell<RecordType, Cells>(cells).*Fields::member) && ...);
 }
 
 template <class First, class...>
