@@ -1,269 +1,146 @@
-// envelope IN OUT: takes an encrypted message (CMS EnvelopedData, BER or DER) apart and puts it together again, part by
-// part, so that whoever could open it still can.
-//
-// Nothing is decrypted: the parts that are printed and carried over are those that a program with a recipient's key
-// works on. The exit code is 0 when the new message was written.
+// envelope seal|open|show ...: an enveloped message. The content is encrypted with AES, and the key of AES with the RSA
+// key of each recipient. The library makes and reads the message, libcrypto encrypts and decrypts.
 
 #include <cstdio>
-#include <iterator>
-#include <stdexcept>
-#include <string>
 
-#include "issuing/require.h"
-#include "signing/files.h"
+#include "libcrypto.h"
 #include "usage.h"
 
+using namespace tlvforge;
 using namespace examples;
 
 namespace {
 
 constexpr char kUsage[] =
-    "usage: envelope IN OUT\n\n"
-    "Takes an encrypted message (CMS EnvelopedData, BER or DER) apart and puts it together again.\n";
+    "usage: envelope seal FILE MESSAGE CERTIFICATE...\n"
+    "       envelope open KEY MESSAGE FILE\n"
+    "       envelope show MESSAGE\n\n"
+    "Encrypts a file for the holders of certificates, PEM, with RSA keys; decrypts such a message; or says how one is\n"
+    "encrypted.\n";
 
-using OwnedContentInfo = Owned<CmsContentInfo, FreeCmsContentInfo>;
-using OwnedEnvelope = Owned<CmsEnvelopedData, FreeCmsEnvelopedData>;
-using OwnedGostKey = Owned<GostR3410KeyTransport, FreeGostR3410KeyTransport>;
+constexpr Oid kEnvelopedData("1.2.840.113549.1.7.3"), kData("1.2.840.113549.1.7.1");
+constexpr Oid kAes256Cbc("2.16.840.1.101.3.4.1.42"), kRsa("1.2.840.113549.1.1.1");
 
-// --- Parts that occur at several places ---
-
-std::string Dotted(const Bytes& oid) {
-    const auto [status, text] = GetText(ConvertOidToString, oid.data());
-    Require(status, "converting an OID");
-    return text.c_str();  // without its terminating zero
+Bytes Cipher(bool encrypt, const Bytes& key, const Bytes& iv, const Bytes& in) {
+    const std::unique_ptr<EVP_CIPHER_CTX, Deleter<EVP_CIPHER_CTX_free>> context(EVP_CIPHER_CTX_new());
+    Bytes out(in.size() + 16);
+    int length = 0, rest = 0;
+    Require(key.size() == 32 && iv.size() == 16 &&
+                EVP_CipherInit_ex(context.get(), EVP_aes_256_cbc(), nullptr, key.data(), iv.data(), encrypt) > 0 &&
+                EVP_CipherUpdate(context.get(), out.data(), &length, in.data(), static_cast<int>(in.size())) > 0 &&
+                EVP_CipherFinal_ex(context.get(), out.data() + length, &rest) > 0,
+            encrypt ? "encrypting" : "decrypting");
+    out.resize(static_cast<size_t>(length + rest));
+    return out;
 }
 
-struct Algorithm {
-    Bytes oid, parameters;  // no parameters: empty
-};
-
-template <class Part, class GetAlgorithm>
-Algorithm ReadAlgorithm(const Part& part, GetAlgorithm get) {
-    Output oid, parameters;
-    const Status status =
-        Fetch([&] { return get(part, oid.data, &oid.length, parameters.data, &parameters.length); }, oid, parameters);
-    Require(status, "reading an algorithm");
-    return {oid.bytes, parameters.bytes};
+// RSA in the form of PKCS #1 v1.5.
+Bytes Transport(bool encrypt, const Key& key, const Bytes& in) {
+    const std::unique_ptr<EVP_PKEY_CTX, Deleter<EVP_PKEY_CTX_free>> context(EVP_PKEY_CTX_new(key.get(), nullptr));
+    Bytes out(static_cast<size_t>(EVP_PKEY_get_size(key.get())));
+    size_t length = out.size();
+    Require((encrypt ? EVP_PKEY_encrypt_init(context.get()) : EVP_PKEY_decrypt_init(context.get())) > 0 &&
+                (encrypt ? EVP_PKEY_encrypt(context.get(), out.data(), &length, in.data(), in.size())
+                         : EVP_PKEY_decrypt(context.get(), out.data(), &length, in.data(), in.size())) > 0,
+            "RSA");
+    out.resize(length);
+    return out;
 }
 
-template <class Part, class SetAlgorithm>
-void WriteAlgorithm(const Part& part, SetAlgorithm set, const Algorithm& algorithm) {
-    const uint8_t* parametersOrNull = algorithm.parameters.empty() ? nullptr : algorithm.parameters.data();
-    Require(set(part, algorithm.oid.data(), parametersOrNull, Size(algorithm.parameters)), "setting an algorithm");
+// The message adopts the recipient.
+void AddRecipient(const Handle<CmsEnvelopedData>& message, const Handle<Certificate>& certificate, const Bytes& key) {
+    auto recipient = Create<KeyTrans>();
+    Call(SetKeyTransVersion, recipient, 0);  // named by issuer and serial number
+    Call(SetKeyTransRecipientIdentifierIssuerAndSerialNumber, recipient, Get(GetCertificateIssuer, certificate),
+         Get(GetCertificateSerialNumber, certificate));
+    Call(SetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient, kRsa, Bytes{5, 0});
+    Call(SetKeyTransEncryptedKey, recipient, Transport(true, PublicKeyOf(certificate), key));
+    Call(AddCmsEnvelopedDataRecipientInfo, message, CmsRecipientKindKeyTransport, std::move(recipient));
 }
 
-template <class From, class GetVersion, class To, class SetVersion>
-void CopyVersion(const From& from, GetVersion get, const To& to, SetVersion set) {
-    int32_t version = 0;
-    Require(get(from, &version), "reading a version");
-    Require(set(to, static_cast<uint32_t>(version)), "setting a version");
+Bytes Seal(const Bytes& content, char** certificates) {
+    const Bytes key = RandomNumber(32), iv = RandomNumber(16);
+    const auto message = Create<CmsEnvelopedData>();
+    Call(SetCmsEnvelopedDataVersion, message, 0);
+    for (; *certificates != nullptr; ++certificates) {
+        AddRecipient(message, Decode<Certificate>(ReadPem(*certificates)), key);
+    }
+    Call(SetCmsEnvelopedDataEncryptedContentTypeOid, message, kData);
+    Call(SetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message, kAes256Cbc,
+         Get(EncodeAsn1PrimitiveValue, Asn1KindOctetString, iv));
+    Call(SetCmsEnvelopedDataEncryptedContent, message, Cipher(true, key, iv, content));
+    const auto info = Create<CmsContentInfo>();
+    Call(SetCmsContentInfoTypeOid, info, kEnvelopedData);
+    Call(SetCmsContentInfoContent, info, Encode(message));
+    return Encode(info);
 }
 
-template <class From, class GetBytes, class To, class SetBytes>
-void CopyBytes(const From& from, GetBytes get, const To& to, SetBytes set) {
-    const Bytes bytes = Require(Get(get, from), "reading bytes");
-    Require(set(to, bytes.data(), Size(bytes)), "setting bytes");
+Handle<CmsEnvelopedData> ReadMessage(const char* path) {
+    const auto info = Decode<CmsContentInfo>(ReadFile(path));
+    if (Get<Oid>(GetCmsContentInfoTypeOid, info) != kEnvelopedData) throw std::runtime_error("not enveloped data");
+    return Decode<CmsEnvelopedData>(Get(GetCmsContentInfoContent, info));
 }
 
-template <class From, class GetOid, class To, class SetOid>
-void CopyOid(const From& from, GetOid get, const To& to, SetOid set) {
-    Require(set(to, Require(Get(get, from), "reading an OID").data()), "setting an OID");
+// The recipients whose kind is key transport; others have an Asn1Any instead of a KeyTrans.
+template <class Use>
+void ForEachRecipient(const Handle<CmsEnvelopedData>& message, Use&& use) {
+    for (auto [recipient, kind] :
+         List(GetCmsEnvelopedDataRecipientInfosCount, GetCmsEnvelopedDataRecipientInfo, message)) {
+        if (kind == CmsRecipientKindKeyTransport) use(static_cast<KeyTrans*>(recipient));
+    }
 }
 
-// --- The encrypted key of a recipient ---
-
-// Under a 34.10 key it consists of parts itself (RFC 4490), which a GOST library wants one by one.
-Bytes RebuildGostKey(const Bytes& key) {
-    OwnedGostKey from, to;
-    Require(DecodeGostR3410KeyTransport(key.data(), Size(key), from.Out()), "decoding a GOST key");
-    Require(CreateGostR3410KeyTransport(to.Out()), "making a GOST key");
-    CopyBytes(from, GetGostR3410KeyTransportEncryptedKey, to, SetGostR3410KeyTransportEncryptedKey);
-    CopyBytes(from, GetGostR3410KeyTransportMaskKey, to, SetGostR3410KeyTransportMaskKey);
-    CopyBytes(from, GetGostR3410KeyTransportMacKey, to, SetGostR3410KeyTransportMacKey);
-    CopyOid(from, GetGostR3410KeyTransportEncryptionParamSetOid, to, SetGostR3410KeyTransportEncryptionParamSetOid);
-    CopyBytes(from, GetGostR3410KeyTransportUkm, to, SetGostR3410KeyTransportUkm);
-    const Algorithm ephemeral =
-        ReadAlgorithm(from, GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters);
-    WriteAlgorithm(to, SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters, ephemeral);
-    CopyBytes(from, GetGostR3410KeyTransportEphemeralPublicKey, to, SetGostR3410KeyTransportEphemeralPublicKey);
-    printf("    an ephemeral key, %s, and user keying material\n", Dotted(ephemeral.oid).c_str());
-    return Require(Get(EncodeGostR3410KeyTransport, to), "encoding a GOST key");
-}
-
-bool IsGostKey(const std::string& keyEncryption) {
-    constexpr const char* kAlgorithms[] = {
-        "1.2.643.2.2.19",     // 34.10-2001
-        "1.2.643.7.1.1.1.1",  // 34.10-2012, 256 bits
-        "1.2.643.7.1.1.1.2",  // 34.10-2012, 512 bits
-    };
-    return std::find(std::begin(kAlgorithms), std::end(kAlgorithms), keyEncryption) != std::end(kAlgorithms);
-}
-
-// --- Recipients ---
-
-void CopyIdentifier(KeyTrans* from, KeyTrans* to) {
-    X509Name* issuer = nullptr;
-    Bytes serial(256), keyId(256);
-    uint32_t serialLength = Size(serial), keyIdLength = Size(keyId);
-    Require(GetKeyTransRecipientIdentifier(from, &issuer, serial.data(), &serialLength, keyId.data(), &keyIdLength),
-            "reading who a recipient is");
-    const Status status =
-        issuer != nullptr ? SetKeyTransRecipientIdentifierIssuerAndSerialNumber(to, issuer, serial.data(), serialLength)
-                          : SetKeyTransRecipientIdentifierSubjectKeyIdentifier(to, keyId.data(), keyIdLength);
-    Require(status, "setting who a recipient is");
-}
-
-// The message owns the new recipient from the beginning, and lends it.
-KeyTrans* AddKeyTrans(CmsEnvelopedData* message) {
-    KeyTrans* recipient = nullptr;
-    Require(CreateKeyTrans(&recipient), "making a recipient");
-    const Status status = AddCmsEnvelopedDataRecipientInfo(message, CmsRecipientKindKeyTransport, recipient);
-    if (status != StatusOk) FreeKeyTrans(recipient);
-    Require(status, "adding a recipient");
-    return recipient;
-}
-
-void CopyKeyTrans(KeyTrans* from, CmsEnvelopedData* message) {
-    KeyTrans* const to = AddKeyTrans(message);
-    CopyVersion(from, GetKeyTransVersion, to, SetKeyTransVersion);
-    CopyIdentifier(from, to);
-    const Algorithm algorithm = ReadAlgorithm(from, GetKeyTransKeyEncryptionAlgorithmOidAndParameters);
-    WriteAlgorithm(to, SetKeyTransKeyEncryptionAlgorithmOidAndParameters, algorithm);
-    Bytes key = Require(Get(GetKeyTransEncryptedKey, from), "reading an encrypted key");
-    printf("  key transport by %s, %u bytes\n", Dotted(algorithm.oid).c_str(), Size(key));
-    if (IsGostKey(Dotted(algorithm.oid))) key = RebuildGostKey(key);
-    Require(SetKeyTransEncryptedKey(to, key.data(), Size(key)), "setting an encrypted key");
-}
-
-// A recipient of any other kind is one element, which goes over as a whole.
-void CopyOther(const void* from, uint32_t kind, CmsEnvelopedData* message) {
-    static constexpr Asn1Item kAny = {0, 0, 0, Asn1KindAny, -1, 0, nullptr, 0, nullptr};
-    const Bytes element = Require(Get(GetAsn1AnyValue, from), "reading a recipient");
-    void* to = nullptr;
-    uint32_t consumed = 0;
-    Require(Asn1DecodeItem(element.data(), Size(element), &kAny, &to, &consumed), "making a recipient");
-    const Status status = AddCmsEnvelopedDataRecipientInfo(message, kind, to);
-    if (status != StatusOk) FreeAsn1Object(&kAny, to);
-    Require(status, "adding a recipient");
-    printf("  recipient of kind %u, %u bytes\n", kind, Size(element));
-}
-
-void CopyRecipients(const CmsEnvelopedData* from, CmsEnvelopedData* to) {
-    uint32_t count = 0;
-    Require(GetCmsEnvelopedDataRecipientInfosCount(from, &count), "counting recipients");
-    for (uint32_t i = 0; i < count; ++i) {
-        void* recipient = nullptr;
-        uint32_t kind = 0;
-        Require(GetCmsEnvelopedDataRecipientInfo(from, i, &recipient, &kind), "reaching a recipient");
-        if (kind == CmsRecipientKindKeyTransport) {
-            CopyKeyTrans(static_cast<KeyTrans*>(recipient), to);
-        } else {
-            CopyOther(recipient, kind, to);
+// A key fits or doesn't; a program that has the certificate would look for its recipient.
+Bytes Open(const Key& key, const Handle<CmsEnvelopedData>& message) {
+    const auto [algorithm, parameters] =
+        Get<Oid, Bytes>(GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message);
+    if (algorithm != kAes256Cbc) throw std::runtime_error("encrypted by " + algorithm.text());
+    const Bytes iv = Get(DecodeAsn1PrimitiveValue, Asn1KindOctetString, parameters);
+    Bytes content;
+    bool opened = false;
+    ForEachRecipient(message, [&](const KeyTrans* recipient) {
+        if (opened) return;
+        try {
+            const Bytes transported = Transport(false, key, Get(GetKeyTransEncryptedKey, recipient));
+            content = Cipher(false, transported, iv, Get(GetCmsEnvelopedDataEncryptedContent, message));
+            opened = true;
+        } catch (const std::runtime_error&) {
+            ERR_clear_error();
         }
-    }
+    });
+    if (!opened) throw std::runtime_error("the key is that of no recipient");
+    return content;
 }
 
-// --- The encrypted content ---
-
-// Initialization vector and parameter set of GOST 28147-89 (RFC 4357).
-Bytes RebuildGostParameters(const Bytes& parameters) {
-    Output iv, set;
-    const Status status = Fetch(
-        [&] {
-            return DecodeGost2814789Parameters(parameters.data(), Size(parameters), iv.data, &iv.length, set.data,
-                                               &set.length);
-        },
-        iv, set);
-    Require(status, "decoding GOST parameters");
-    printf("    initialization vector of %u bytes, parameter set %s\n", Size(iv.bytes), Dotted(set.bytes).c_str());
-    return Require(Get(EncodeGost2814789Parameters, iv.bytes.data(), Size(iv.bytes), set.bytes.data()),
-                   "encoding GOST parameters");
-}
-
-void CopyContent(const CmsEnvelopedData* from, CmsEnvelopedData* to) {
-    CopyOid(from, GetCmsEnvelopedDataEncryptedContentTypeOid, to, SetCmsEnvelopedDataEncryptedContentTypeOid);
-    Algorithm algorithm = ReadAlgorithm(from, GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters);
-    printf("  content encrypted by %s\n", Dotted(algorithm.oid).c_str());
-    if (Dotted(algorithm.oid) == "1.2.643.2.2.21") algorithm.parameters = RebuildGostParameters(algorithm.parameters);
-    WriteAlgorithm(to, SetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, algorithm);
-    CopyBytes(from, GetCmsEnvelopedDataEncryptedContent, to, SetCmsEnvelopedDataEncryptedContent);
-}
-
-// --- What the originator adds ---
-
-void CopyCertificates(const CmsEnvelopedData* from, CmsEnvelopedData* to) {
-    uint32_t count = 0;
-    Require(GetCmsEnvelopedDataCertificatesCount(from, &count), "counting certificates");
-    for (uint32_t i = 0; i < count; ++i) {
-        uint8_t kind = 0;
-        const Bytes der = Require(Get(GetCmsEnvelopedDataEncodedCertificate, from, i, &kind), "reading a certificate");
-        Require(AddCmsEnvelopedDataEncodedCertificate(to, kind, der.data(), Size(der)), "adding a certificate");
-    }
-}
-
-RsaAttributes AttributesOf(CmsEnvelopedData* message) {
-    RsaAttributes attributes = nullptr;
-    Require(GetCmsEnvelopedDataUnprotectedAttributes(message, &attributes), "reaching attributes");
-    return attributes;
-}
-
-void CopyAttributes(RsaAttributes from, RsaAttributes to) {
-    uint32_t count = 0;
-    Require(GetRsaAttributesAttributesCount(from, &count), "counting attributes");
-    for (uint32_t i = 0; i < count; ++i) {
-        const Bytes oid = Require(Get(GetRsaAttributesAttributeOid, from, i), "reading an attribute");
-        uint32_t index = 0, valueCount = 0;
-        Require(AddRsaAttributesAttribute(to, oid.data(), &index), "adding an attribute");
-        Require(GetRsaAttributesAttributeValuesCount(from, i, &valueCount), "counting values");
-        for (uint32_t j = 0; j < valueCount; ++j) {
-            const Bytes value = Require(Get(GetRsaAttributesAttributeValue, from, i, j), "reading a value");
-            Require(AddRsaAttributesAttributeValue(to, index, value.data(), Size(value)), "adding a value");
+void Show(const Handle<CmsEnvelopedData>& message) {
+    const auto [algorithm, parameters] =
+        Get<Oid, Bytes>(GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message);
+    std::printf("content encrypted by %s, %zu bytes\n", algorithm.text().c_str(),
+                Get(GetCmsEnvelopedDataEncryptedContent, message).size());
+    ForEachRecipient(message, [](const KeyTrans* recipient) {
+        const auto [oid, none] = Get<Oid, Bytes>(GetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient);
+        const Bytes key = Get(GetKeyTransEncryptedKey, recipient);
+        std::printf("key transport by %s, %zu bytes\n", oid.text().c_str(), key.size());
+        // Under a GOST key the encrypted key consists of parts itself (RFC 4490).
+        if (const auto transport = nothrow::Decode<GostR3410KeyTransport>(key)) {
+            std::printf("  parameter set %s, user keying material %s\n",
+                        Get<Oid>(GetGostR3410KeyTransportEncryptionParamSetOid, *transport).text().c_str(),
+                        ToHex(Get(GetGostR3410KeyTransportUkm, *transport)).c_str());
         }
-        printf("  unprotected attribute %s\n", Dotted(oid).c_str());
-    }
-}
-
-// --- The message ---
-
-OwnedEnvelope CopyEnvelope(const OwnedEnvelope& from) {
-    OwnedEnvelope to;
-    Require(CreateCmsEnvelopedData(to.Out()), "making enveloped data");
-    CopyVersion(from, GetCmsEnvelopedDataVersion, to, SetCmsEnvelopedDataVersion);
-    CopyCertificates(from, to);
-    CopyRecipients(from, to);
-    CopyContent(from, to);
-    CopyAttributes(AttributesOf(from), AttributesOf(to));
-    return to;
-}
-
-Bytes Rebuild(const Bytes& message) {
-    OwnedContentInfo from, to;
-    Require(DecodeCmsContentInfo(message.data(), Size(message), from.Out()), "decoding a message");
-    const Bytes type = Require(Get(GetCmsContentInfoTypeOid, from), "reading the type");
-    if (Dotted(type) != "1.2.840.113549.1.7.3") throw std::runtime_error("not enveloped data but " + Dotted(type));
-    const Bytes content = Require(Get(GetCmsContentInfoContent, from), "reading the content");
-    OwnedEnvelope envelope;
-    Require(DecodeCmsEnvelopedData(content.data(), Size(content), envelope.Out()), "decoding enveloped data");
-    const Bytes rebuilt = Require(Get(EncodeCmsEnvelopedData, CopyEnvelope(envelope)), "encoding enveloped data");
-    Require(CreateCmsContentInfo(to.Out()), "making a message");
-    Require(SetCmsContentInfoTypeOid(to, type.data()), "setting the type");
-    Require(SetCmsContentInfoContent(to, rebuilt.data(), Size(rebuilt)), "setting the content");
-    return Require(Get(EncodeCmsContentInfo, to), "encoding a message");
+    });
 }
 
 }  // namespace
 
-int main(int count, char** arguments) {
-    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 3)) return *status;
-    try {
-        printf("%s\n", arguments[1]);
-        const Bytes message = ReadFile(arguments[1]);
-        const Bytes rebuilt = Rebuild(message);
-        WriteFile(arguments[2], rebuilt);
-        printf("  %s\n", rebuilt == message ? "the same bytes" : "other bytes, as the message wasn't DER");
-        return 0;
-    } catch (const std::exception& failure) {
-        fprintf(stderr, "envelope: %s\n", failure.what());
-        return 1;
-    }
+int main(int count, char** arguments) try {
+    const std::string what = count > 1 ? arguments[1] : "";
+    const bool seal = what == "seal" && count > 4, open = what == "open" && count == 5;
+    const bool show = what == "show" && count == 3;
+    if (const auto status = AnswerUsage(kUsage, count, arguments, seal || open || show)) return *status;
+    if (seal) WriteFile(arguments[3], Seal(ReadFile(arguments[2]), arguments + 4));
+    if (open) WriteFile(arguments[4], Open(ReadKey(arguments[2]), ReadMessage(arguments[3])));
+    if (show) Show(ReadMessage(arguments[2]));
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "envelope: %s\n", failure.what());
+    return 1;
 }

@@ -1,146 +1,98 @@
-// ocsp DIRECTORY: asks whether certificates are revoked, answers as the responder, and has the answer verified
-// (OCSP, RFC 6960).
-// ocsp answer DIRECTORY REQUEST RESPONSE: the responder alone, for the request of another client.
-//
-// The library makes and reads the messages and certificates, OpenSSL makes hashes, keys and signatures, and verifies.
-// What is made is written to the directory, and once more into gost/ inside of it where OpenSSL has its GOST engine:
-//
-//   root.cer, issued.der, crl.crl     the authority, the list of its certificates, and what it has revoked
-//   responder.cer, responder.key      who answers; the second form reads these files
-//   good.cer, revoked.cer             two certificates of the authority
-//   unlisted.cer                      one that it has no record of
-//   request.orq, response.ors         the question about the three, and the answer
-//
-// The exit code is 0 when OpenSSL accepted everything. The two sides stand in ocsp/client.h and ocsp/responder.h.
+// ocsp ask|read ...: a client of OCSP. The request and the response are files: they travel over HTTP, which is for
+// others.
 
-#include <array>
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <stdexcept>
 
-#include "ocsp/client.h"
-#include "ocsp/responder_files.h"
-#include "ocsp/verification.h"
+#include "libcrypto.h"
 #include "usage.h"
 
+using namespace tlvforge;
 using namespace examples;
 
 namespace {
 
 constexpr char kUsage[] =
-    "usage: ocsp DIRECTORY\n"
-    "       ocsp answer DIRECTORY REQUEST RESPONSE\n\n"
-    "Asks whether certificates are revoked, answers as the responder, and has OpenSSL verify the answer;\n"
-    "`answer` is the responder alone.\n";
+    "usage: ocsp ask ISSUER CERTIFICATE REQUEST\n"
+    "       ocsp read ISSUER REQUEST RESPONSE\n\n"
+    "Asks about a certificate, and says what the issuer answers. Certificates are PEM, the others DER.\n";
 
-// A certificate to ask about, and what the answer should be.
-struct Subject {
-    const char* title;
-    const char* file;
-    OwnedCertificate certificate;
-    int expected;  // V_OCSP_CERTSTATUS_...
-};
+constexpr Oid kSha1("1.3.14.3.2.26"), kNonce("1.3.6.1.5.5.7.48.1.2"), kBasicResponse("1.3.6.1.5.5.7.48.1.1");
 
-Subject MakeSubject(const char* title, const char* file, const Identity& authority, int expected) {
-    const Key key = authority.suite.generateKey();
-    return {title, file,
-            IssueEnd(authority.suite, "www.example.org", key.get(), authority.certificate, authority.key.get()),
-            expected};
+Bytes Sha1(const Bytes& bytes) {
+    Bytes digest(20);
+    Call([&](const uint8_t* data, uint32_t length) { return sha1(data, length, digest.data()); }, bytes);
+    return digest;
 }
 
-struct Subjects {
-    Subject good, revoked, unlisted;
-
-    explicit Subjects(const Identity& authority)
-        : good(MakeSubject("the good one", "good.cer", authority, V_OCSP_CERTSTATUS_GOOD)),
-          revoked(MakeSubject("the revoked one", "revoked.cer", authority, V_OCSP_CERTSTATUS_REVOKED)),
-          unlisted(MakeSubject("the unlisted one", "unlisted.cer", authority, V_OCSP_CERTSTATUS_UNKNOWN)) {}
-
-    std::array<const Subject*, 3> All() const { return {&good, &revoked, &unlisted}; }
-};
-
-Responder MakeResponder(const Identity& authority, const Subjects& subjects) {
-    OwnedCertificate root;
-    Require(CreateCertificateCopy(authority.certificate, root.Out()), "copying a certificate");
-    OwnedCertificates issued;
-    Require(CreateCertificates(issued.Out()), "making a list of certificates");
-    AdoptCopy(subjects.good.certificate, AddCertificateToCertificates, issued);
-    AdoptCopy(subjects.revoked.certificate, AddCertificateToCertificates, issued);
-    return {MakeResponderIdentity(authority), std::move(root), std::move(issued),
-            IssueCrl(authority.suite, authority.certificate, authority.key.get(), {1},
-                     {RevokeForKeyCompromise(subjects.revoked.certificate)})};
+// A certificate is named by the hashes of its issuer's name and key and by its serial number.
+Handle<OcspRequest> Ask(const Handle<Certificate>& issuer, const Handle<Certificate>& certificate) {
+    auto request = Create<OcspRequest>();
+    const Bytes null = {5, 0};
+    Call(AddOcspRequestCertRequest, request, kSha1, null, Sha1(Encode(Get(GetCertificateSubject, issuer))),
+         Sha1(Get(GetCertificatePublicKey, issuer)), Get(GetCertificateSerialNumber, certificate), nullptr);
+    // A number that the response has to repeat, so that an old one can't be played again.
+    Call(AddX509ExtensionsExtension, Get(GetOcspRequestExtensions, request), kNonce, false,
+         Get(EncodeExtensionOcspNonce, RandomNumber(16)));
+    return request;
 }
 
-bool Verify(const Subjects& subjects, const Identity& authority, const Bytes& request, const Bytes& response) {
-    const OpenSslBasicResponse basic = ReadBasicResponseByOpenSsl(response);
-    bool all = VerifyResponse(basic.get(), request, MakeStore(authority.Der()));
-    for (const Subject* subject : subjects.All()) {
-        const Bytes der = Require(Get(EncodeCertificate, subject->certificate), "encoding a certificate");
-        all = VerifyStatus(basic.get(), DigestOf(authority.suite), der, authority.Der(),
-                           {subject->title, subject->expected}) &&
-              all;
+void Refuse(const char* reason) { throw std::runtime_error(std::string("not to be believed: ") + reason); }
+
+void PrintStatus(const OcspSingleResponse* answer) {
+    switch (Get(GetOcspSingleResponseCertStatus, answer)) {
+        case 0: std::printf("good\n"); break;
+        case 1: {
+            const auto [time, reason] = Get(GetOcspSingleResponseCertStatusRevokedInfo, answer);
+            std::printf("revoked at %s", ToText(time).c_str());
+            std::printf(reason == UINT32_MAX ? "\n" : ", reason %u\n", reason);
+            break;
+        }
+        default: std::printf("unknown to the responder\n");
     }
-    return all;
 }
 
-// The question goes out, the answer comes back.
-bool Ask(const Subjects& subjects, const Identity& authority, const Responder& responder,
-         const std::filesystem::path& directory) {
-    std::vector<CertificateId> ids;
-    for (const Subject* subject : subjects.All()) {
-        ids.push_back(IdentifyCertificate(DigestOid(authority.suite), authority.certificate,
-                                          SerialNumberOf(subject->certificate)));
+// The issuer itself answers here; one that it has appointed has a certificate in the response.
+void Read(const Handle<Certificate>& issuer, const Handle<OcspRequest>& request, const Bytes& der) {
+    const auto response = Decode<OcspResponse>(der);
+    if (const int status = Get(GetOcspResponseStatus, response)) {
+        throw std::runtime_error("the responder refuses with " + std::to_string(status));
     }
-    const Bytes nonce = MakeSerialNumber();
-    const Bytes request = MakeOcspRequest(ids, nonce);
-    const Bytes response = AnswerOcspRequest(responder, request);
-    WriteFile(directory / "request.orq", request);
-    WriteFile(directory / "response.ors", response);
-    const RevocationAnswers answers = ReadOcspResponse(response);
-    PrintAnswers(answers);
-    if (!AnswersRequest(answers, ids, nonce)) throw std::runtime_error("this is no answer to the request");
-    return Verify(subjects, authority, request, response);
-}
-
-bool AskAndAnswer(const Suite& suite, const std::filesystem::path& directory) {
-    printf("%s\n", suite.title);
-    std::filesystem::create_directories(directory);
-    const Identity authority = MakeAuthority(suite);
-    const Subjects subjects(authority);
-    const Responder responder = MakeResponder(authority, subjects);
-    WriteResponder(responder, directory);
-    for (const Subject* subject : subjects.All()) {
-        WriteDocument(directory / subject->file, EncodeCertificate, subject->certificate);
+    const auto [type, bytes] = Get<Oid, Bytes>(GetOcspResponseBytes, response);
+    if (type != kBasicResponse) Refuse("another type of response");
+    const auto basic = Decode<OcspBasicResponse>(bytes);
+    if (!Verifies(PublicKeyOf(issuer), Get(GetOcspBasicResponseToBeSignedPart, basic),
+                  Get(GetOcspBasicResponseSignature, basic))) {
+        Refuse("not signed by the issuer");
     }
-    return Ask(subjects, authority, responder, directory);
-}
+    const auto asked = Find(GetX509ExtensionsExtensionValue, Get(GetOcspRequestExtensions, request), kNonce);
+    const auto repeated = Find(GetX509ExtensionsExtensionValue, Get(GetOcspBasicResponseExtensions, basic), kNonce);
+    if (asked != repeated) Refuse("another nonce");
 
-bool AskAndAnswer(const std::filesystem::path& directory) {
-    const bool verified = AskAndAnswer(kEc, directory);
-    const GostEngine engine;
-    if (!engine.IsThere()) {
-        printf("GOST is left out: OpenSSL has no engine \"gost\" here\n");
-        return verified;
+    const auto [algorithm, parameters, name, key, serial, extensions] = Get(GetOcspRequestCertRequest, request, 0);
+    const auto now = std::chrono::system_clock::now();
+    for (const OcspSingleResponse* answer : Members(basic)) {
+        if (Get(GetOcspSingleResponseCertID, answer) != std::tie(algorithm, parameters, name, key, serial)) continue;
+        const auto next = Find<Time>(GetOcspSingleResponseNextUpdate, answer);
+        if (Get<Time>(GetOcspSingleResponseThisUpdate, answer) > now || (next && *next < now)) Refuse("out of date");
+        std::printf("%s: ", ToHex(serial).c_str());
+        return PrintStatus(answer);
     }
-    return AskAndAnswer(kGost, directory / "gost") && verified;
-}
-
-void Answer(const char* directory, const char* request, const char* response) {
-    const GostEngine engine;
-    WriteFile(response, AnswerOcspRequest(ReadResponder(directory), ReadFile(request)));
+    Refuse("no answer about the certificate");
 }
 
 }  // namespace
 
-int main(int count, char** arguments) {
-    const bool answer = count == 5 && strcmp(arguments[1], "answer") == 0;
-    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 2 || answer)) return *status;
-    try {
-        if (answer) return Answer(arguments[2], arguments[3], arguments[4]), 0;
-        return AskAndAnswer(arguments[1]) ? 0 : 1;
-    } catch (const std::exception& failure) {
-        fprintf(stderr, "ocsp: %s\n", failure.what());
-        return 1;
+int main(int count, char** arguments) try {
+    const std::string what = count > 1 ? arguments[1] : "";
+    const bool fits = count == 5 && (what == "ask" || what == "read");
+    if (const auto status = AnswerUsage(kUsage, count, arguments, fits)) return *status;
+    const auto issuer = Decode<Certificate>(ReadPem(arguments[2]));
+    if (what == "ask") {
+        WriteFile(arguments[4], Encode(Ask(issuer, Decode<Certificate>(ReadPem(arguments[3])))));
+    } else {
+        Read(issuer, Decode<OcspRequest>(ReadFile(arguments[3])), ReadFile(arguments[4]));
     }
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "ocsp: %s\n", failure.what());
+    return 1;
 }

@@ -1,116 +1,104 @@
-// timestamp DIRECTORY: asks for a time-stamp, gives it as the authority, and has it verified (RFC 3161).
-// timestamp answer DIRECTORY REQUEST RESPONSE: the authority alone, for the request of another client.
-// timestamp read REQUEST RESPONSE: prints a time-stamp of another authority, if it is the answer to the request.
-//
-// The library makes and reads the messages and certificates, OpenSSL makes hashes, keys and signatures, and verifies.
-// What is made is written to the directory, and once more into gost/ inside of it where OpenSSL has its GOST engine:
-//
-//   root.cer                            the certificate to trust
-//   authority.cer, authority.key        who gives time-stamps; the second form reads these files
-//   data.txt                            what the time-stamp is given to
-//   request.tsq, response.tsr           the request, and the response with the time-stamp
-//   refused.tsq, refusal.tsr            a request that the authority refuses, and its response
-//
-// The exit code is 0 when OpenSSL accepted everything. The two sides stand in stamping/client.h and
-// stamping/authority.h.
+// timestamp ask|put ...: a client of an authority of time-stamps. The signature of a message gets a time-stamp, which
+// makes an advanced signature of it (CAdES-T): it proves that the signature existed by then.
 
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <stdexcept>
-#include <string_view>
 
-#include "ocsp/identity_files.h"
-#include "stamping/authority.h"
-#include "stamping/client.h"
-#include "stamping/verification.h"
+#include "libcrypto.h"
 #include "usage.h"
 
+using namespace tlvforge;
 using namespace examples;
 
 namespace {
 
 constexpr char kUsage[] =
-    "usage: timestamp DIRECTORY\n"
-    "       timestamp answer DIRECTORY REQUEST RESPONSE\n"
-    "       timestamp read REQUEST RESPONSE\n\n"
-    "Asks for a time-stamp, answers as the authority, and has OpenSSL verify the answer;\n"
-    "`answer` is the authority alone, `read` prints the time-stamp of another authority.\n";
+    "usage: timestamp ask MESSAGE REQUEST\n"
+    "       timestamp put AUTHORITY MESSAGE REQUEST RESPONSE OUTPUT\n\n"
+    "Asks for a time-stamp of a message's first signature, and puts the answer of the authority, whose certificate is\n"
+    "PEM, into the message.\n";
 
-void PrintAnswer(const Bytes& bytes, const TimeStampRequest& request) {
-    const TimeStampResponse response = ReadResponse(bytes);
-    if (response.token == nullptr) return PrintRefusal(response);
-    const TstInfo info = ReadTstInfo(ReadContent(response.token));
-    PrintTstInfo(info);
-    if (!AnswersRequest(info, request)) throw std::runtime_error("this is no answer to the request");
+constexpr Oid kSignedData("1.2.840.113549.1.7.2"), kTimeStampToken("1.2.840.113549.1.9.16.2.14");
+constexpr Oid kTimeStampInfo("1.2.840.113549.1.9.16.1.4"), kMessageDigest("1.2.840.113549.1.9.4");
+
+Handle<CmsSignedData> ReadMessage(const Handle<CmsContentInfo>& info) {
+    return Decode<CmsSignedData>(Get(GetCmsContentInfoContent, info));
 }
 
-struct Exchange {
-    Bytes request, response;
-};
-
-Exchange Ask(const Identity& authority, const Bytes& content, const char* policy) {
-    const TimeStampRequest request = RequestTimeStamp(authority.suite, content, policy);
-    Bytes encoded = EncodeRequest(request);
-    Bytes response = AnswerRequest(authority, encoded);
-    PrintAnswer(response, request);
-    return {std::move(encoded), std::move(response)};
+CmsSignerInfo* FirstSignerOf(const Handle<CmsSignedData>& signedData) {
+    return Get(GetCmsSignedDataSignerInfo, signedData, 0);
 }
 
-bool StampData(const Suite& suite, const std::filesystem::path& directory) {
-    static constexpr std::string_view kText = "I owe you a lunch.\nAnna\n";
-    static constexpr char kOtherPolicy[] = "1.3.6.1.4.1.32473.3";
-    printf("%s\n", suite.title);
-    std::filesystem::create_directories(directory);
-    const Bytes content(kText.begin(), kText.end());
-    const Identity root = MakeAuthority(suite);
-    const Identity authority = MakeIdentity(root, "Time-Stamps", kTimeStamping);
-    WriteIdentity(authority, directory, "authority");
-    WriteFile(directory / "root.cer", root.Der());
-    WriteFile(directory / "data.txt", content);
-    const Exchange granted = Ask(authority, content, kPolicy);
-    WriteFile(directory / "request.tsq", granted.request);
-    WriteFile(directory / "response.tsr", granted.response);
-    const Exchange refused = Ask(authority, content, kOtherPolicy);
-    WriteFile(directory / "refused.tsq", refused.request);
-    WriteFile(directory / "refusal.tsr", refused.response);
-    const bool verified = VerifyResponse(granted.request, granted.response, MakeStore(root.Der()));
-    return VerifyRefusal(refused.response, TS_INFO_UNACCEPTED_POLICY) && verified;
+TimeStampRequest Ask(const Handle<CmsSignedData>& signedData) {
+    const Suite& suite = SuiteOf(EVP_PKEY_EC);  // for its digest, SHA-256
+    return {.hashAlgorithm = suite.digestAlgorithm,
+            .hash = Digest(suite, Get(GetCmsSignerInfoSignature, FirstSignerOf(signedData))),
+            .nonce = RandomNumber(8),
+            .certificateWanted = true};
 }
 
-bool StampData(const std::filesystem::path& directory) {
-    const bool verified = StampData(kEc, directory);
-    const GostEngine engine;
-    if (!engine.IsThere()) {
-        printf("GOST is left out: OpenSSL has no engine \"gost\" here\n");
-        return verified;
+void Refuse(const char* reason) { throw std::runtime_error(std::string("not to be believed: ") + reason); }
+
+// The token is a signed message itself: the authority signs attributes that hold the digest of the TSTInfo.
+TimeStampInfo ReadToken(const Handle<CmsContentInfo>& token, const Handle<Certificate>& authority) {
+    const auto signedData = ReadMessage(token);
+    CmsSignerInfo* const signer = FirstSignerOf(signedData);
+    const Key key = PublicKeyOf(authority);
+    const Bytes info = Get(GetCmsSignedDataContent, signedData);
+    if (Get<Oid>(GetCmsSignedDataContentTypeOid, signedData) != kTimeStampInfo) Refuse("the token isn't one");
+    if (!Verifies(key, Get(GetCmsSignerInfoEncodedSignedAttributes, signer), Get(GetCmsSignerInfoSignature, signer))) {
+        Refuse("not signed by the authority");
     }
-    return StampData(kGost, directory / "gost") && verified;
+    for (auto& [oid, values, index] : Attributes(Get(GetCmsSignerInfoSignedAttributes, signer))) {
+        if (oid != kMessageDigest || values.size() != 1) continue;
+        if (Get(DecodeRsaAttributeMessageDigestValue, values[0]) != Digest(SuiteOf(key), info)) Refuse("changed");
+        return DecodeTimeStampInfo(info);
+    }
+    throw std::runtime_error("the token has no digest");
 }
 
-void Answer(const char* directory, const char* request, const char* response) {
-    const GostEngine engine;
-    WriteFile(response, AnswerRequest(ReadIdentity(directory, "authority"), ReadFile(request)));
+Handle<CmsContentInfo> TokenFor(const TimeStampRequest& request, const Bytes& der,
+                                const Handle<Certificate>& authority) {
+    TimeStampResponse response = DecodeTimeStampResponse(der);
+    if (!response.token) {
+        std::string reasons = "the authority refuses with " + std::to_string(response.status);
+        if (response.statusString) {
+            for (const std::string& text : Members(response.statusString)) reasons += ": " + text;
+        }
+        throw std::runtime_error(reasons);
+    }
+    const TimeStampInfo info = ReadToken(response.token, authority);
+    if (info.hash != request.hash || info.hashAlgorithm.oid != request.hashAlgorithm.oid) Refuse("of other bytes");
+    if (info.nonce != request.nonce) Refuse("another nonce");
+    std::printf("time-stamp %s of %s\n", ToHex(info.serialNumber).c_str(),
+                ToText(ToLibraryTime(ToChrono(info.genTime))).c_str());
+    return std::move(response.token);
 }
 
-void Read(const char* request, const char* response) {
-    TimeStampRequest decoded;
-    Require(DecodeRequest(ReadFile(request), decoded), "decoding a request");
-    PrintAnswer(ReadFile(response), decoded);
+// An unsigned attribute of the signer: his signature doesn't cover it.
+Bytes Put(const Handle<CmsSignedData>& signedData, const Handle<CmsContentInfo>& token) {
+    const RsaAttributes attributes = Get(GetCmsSignerInfoUnsignedAttributes, FirstSignerOf(signedData));
+    Call(AddRsaAttributesAttributeWithValue, attributes, kTimeStampToken, Encode(token));
+    const auto message = Create<CmsContentInfo>();
+    Call(SetCmsContentInfoTypeOid, message, kSignedData);
+    Call(SetCmsContentInfoContent, message, Encode(signedData));
+    return Encode(message);
 }
 
 }  // namespace
 
-int main(int count, char** arguments) {
-    const bool answer = count == 5 && strcmp(arguments[1], "answer") == 0;
-    const bool read = count == 4 && strcmp(arguments[1], "read") == 0;
-    if (const auto status = AnswerUsage(kUsage, count, arguments, count == 2 || answer || read)) return *status;
-    try {
-        if (answer) return Answer(arguments[2], arguments[3], arguments[4]), 0;
-        if (read) return Read(arguments[2], arguments[3]), 0;
-        return StampData(arguments[1]) ? 0 : 1;
-    } catch (const std::exception& failure) {
-        fprintf(stderr, "timestamp: %s\n", failure.what());
-        return 1;
+int main(int count, char** arguments) try {
+    const std::string what = count > 1 ? arguments[1] : "";
+    const bool ask = what == "ask" && count == 4, put = what == "put" && count == 7;
+    if (const auto status = AnswerUsage(kUsage, count, arguments, ask || put)) return *status;
+    const auto signedData = ReadMessage(Decode<CmsContentInfo>(ReadFile(arguments[ask ? 2 : 3])));
+    if (ask) {
+        WriteFile(arguments[3], Encode(Ask(signedData)));
+    } else {
+        const auto authority = Decode<Certificate>(ReadPem(arguments[2]));
+        const auto request = DecodeTimeStampRequest(ReadFile(arguments[4]));
+        WriteFile(arguments[6], Put(signedData, TokenFor(request, ReadFile(arguments[5]), authority)));
     }
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "timestamp: %s\n", failure.what());
+    return 1;
 }
