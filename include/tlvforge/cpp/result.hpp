@@ -2,7 +2,9 @@
 #ifndef TLVFORGE_CPP_RESULT_HPP
 #define TLVFORGE_CPP_RESULT_HPP
 
+#if __has_include(<dlfcn.h>)
 #include <dlfcn.h>
+#endif
 
 #include <cstdlib>
 #include <optional>
@@ -128,11 +130,13 @@ template <class Function>
 Failure FailureOf(Status status, [[maybe_unused]] Function function) {
     Failure failure;
     failure.status = status;
+#if __has_include(<dlfcn.h>)
     if constexpr (std::is_pointer_v<Function>) {
         Dl_info info;
         const bool found = dladdr(reinterpret_cast<const void*>(function), &info) != 0 && info.dli_sname != nullptr;
         if (found) failure.call = info.dli_sname;
     }
+#endif
     failure.file = GetLastFileErrorAsn(&failure.line);
     return failure;
 }
