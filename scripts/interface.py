@@ -248,6 +248,10 @@ def letters(kinds):
     return "".join(kind.split("_")[0] for kind in kinds)
 
 
+def types_of(kind):
+    return [type_ for letter in letters([kind]) for type_ in LETTERS[letter]]
+
+
 class JavaClass:
     def __init__(self, interface):
         self.interface = interface
@@ -284,7 +288,7 @@ class JavaClass:
         for kind in kinds:
             if kind in NOTES:
                 notes.append(NOTES[kind].format(names[at]))
-            for type_ in LETTERS_OF(kind):
+            for type_ in types_of(kind):
                 declared.append(("StringBuffer" if version else type_, names[at]))
                 at += 1
         if version:
@@ -313,10 +317,6 @@ class JavaClass:
         template = (ROOT / "src/java/Tlvforge.java.in").read_text(encoding="utf-8")
         methods = "".join(map(self.method, self.interface.functions.values()))
         return template.replace("@numbers@", numbers).replace("@cases@", cases).replace("@methods@", methods)
-
-
-def LETTERS_OF(kind):
-    return [type_ for letter in letters([kind]) for type_ in LETTERS[letter]]
 
 
 def javadoc(lines):
