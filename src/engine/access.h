@@ -152,6 +152,11 @@ inline Status SetBytes(const Slot<Asn1Value>& field, uint32_t kind, const uint8_
     return field.cell != nullptr ? SetAsn1ValueField(field.cell, kind, data, length) : field.Absent();
 }
 
+// Null bytes leave the field as it is.
+inline Status SetOptionalBytes(Asn1Value** field, uint32_t kind, Bytes bytes) {
+    return bytes.data != nullptr ? SetAsn1ValueField(field, kind, bytes.data, bytes.length) : StatusOk;
+}
+
 inline Status SetOid(const Slot<Asn1Value>& field, const uint8_t* oid) {
     return field.cell != nullptr ? ReplaceOidField(field.cell, oid) : field.Absent();
 }

@@ -211,6 +211,12 @@ Status CopyTree(const Node* source, Node** out) {
     return CopyAsn1Object(&itemOf<Node>, source, Untyped(out));
 }
 
+// Null leaves the field as it is.
+template <class Node>
+Status CopyOptional(const Node* source, Node** field) {
+    return source != nullptr ? CopyTree(source, field) : StatusOk;
+}
+
 // One element at the front; what follows it is ignored.
 template <class Node>
 Status DecodeTree(const uint8_t* data, uint32_t length, Node** out) {

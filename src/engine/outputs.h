@@ -29,12 +29,14 @@ inline auto BytesInto(const void* value, uint8_t* buffer, uint32_t* length) {
 
 // What becomes of the other outputs after one has failed, and which failure is the result.
 enum class OutputRule {
-    kUntilFailure,      // the first failure ends the reading
-    kPastSmallBuffers,  // a buffer that is too small is remembered, so that one call gives all lengths; any other
-                        // failure ends the reading and is the result
-    kAllFirst,          // all are read; the first failure
-    kAllLast,           // all are read; the last failure
-    kAllSmallLast,      // all are read; the first failure but a small buffer, which comes last
+    kUntilFailure,       // the first failure ends the reading
+    kPastSmallBuffers,   // a buffer that is too small is remembered, so that one call gives all lengths; any other
+                         // failure ends the reading and is the result
+    kPastSmallUntilFit,  // a buffer that is too small is the result, and the first output after it that isn't ends the
+                         // reading; without one, the first failure does
+    kAllFirst,           // all are read; the first failure
+    kAllLast,            // all are read; the last failure
+    kAllSmallLast,       // all are read; the first failure but a small buffer, which comes last
 };
 
 // Fills outputs one after the other, by functions without arguments.
@@ -46,17 +48,25 @@ public:
     void Then(const Read& read) {
         if (ended_) return;
         const Status status = read();
-        if (status == StatusOk) return;
-        if (result_ == StatusOk || Replaces(status)) result_ = status;
-        ended_ = rule_ == OutputRule::kUntilFailure ||
-                 (rule_ == OutputRule::kPastSmallBuffers && status != StatusBufferTooSmall);
+        ended_ = Ends(status);
+        if (status != StatusOk && (result_ == StatusOk || Replaces(status))) result_ = status;
     }
 
     Status Result() const { return result_; }
 
 private:
+    bool Ends(Status status) const {
+        switch (rule_) {
+            case OutputRule::kUntilFailure: return status != StatusOk;
+            case OutputRule::kPastSmallBuffers: return status != StatusOk && status != StatusBufferTooSmall;
+            case OutputRule::kPastSmallUntilFit:
+                return (status != StatusOk || result_ != StatusOk) && status != StatusBufferTooSmall;
+            default: return false;
+        }
+    }
+
     bool Replaces(Status later) const {
-        if (rule_ == OutputRule::kAllFirst) return false;
+        if (rule_ == OutputRule::kAllFirst || rule_ == OutputRule::kPastSmallUntilFit) return false;
         if (rule_ == OutputRule::kAllSmallLast) return result_ == StatusBufferTooSmall && later != StatusBufferTooSmall;
         return true;
     }

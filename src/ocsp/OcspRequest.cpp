@@ -1,83 +1,30 @@
 #include "tlvforge/ocsp.h"
 
-#include "engine/list_cells.h"
-#include "engine/nodes.h"
-#include "ocsp/ocsp.schema.h"
 #include "ocsp/ocsp_fields.h"
-#include "x509/fields.h"
 
 using namespace tlvforge;
 
-namespace tlvforge {
-
-Status ReadCertID(const CertID* id, const Output& hashOid, const Output& parameters, const Output& nameHash,
-                  const Output& keyHash, const Output& serial, Place place) {
-    if (id == nullptr || AnyNull(id->hashAlgorithm, id->issuerNameHash, id->issuerKeyHash, id->serialNumber)) {
-        return Fail(StatusAbsent, place);
-    }
-    const Status first = GetAlgorithmIdentifierOid(id->hashAlgorithm, hashOid.buffer, hashOid.length);
-    if (first != StatusOk) return first;
-    const Status second = GetAlgorithmIdentifierParameters(id->hashAlgorithm, parameters.buffer, parameters.length);
-    Status pending = second < StatusBufferTooSmall ? StatusOk : StatusBufferTooSmall;
-
-    const Asn1Value* const values[] = {id->issuerNameHash, id->issuerKeyHash, id->serialNumber};
-    const Output* const outputs[] = {&nameHash, &keyHash, &serial};
-    for (int i = 0; i < 3; ++i) {
-        const Status status = GetAsn1Value(values[i], outputs[i]->buffer, outputs[i]->length);
-        if (status == StatusBufferTooSmall) {
-            pending = status;
-        } else if (pending != StatusOk || status != StatusOk) {
-            return pending != StatusOk ? pending : status;
-        }
-    }
-    return pending;
-}
-
-Status WriteCertID(CertID* id, const uint8_t* hashOid, const Input& parameters, const Input& nameHash,
-                   const Input& keyHash, const Input& serial, Place place) {
-    if (id == nullptr) return Fail(StatusAbsent, place);
-    Status status = SetAlgorithm(id->hashAlgorithm, hashOid, parameters.data, parameters.length, place);
-    const auto set = [&](Asn1Value** field, uint32_t type, const Input& value) {
-        if (status == StatusOk) status = SetAsn1ValueField(field, type, value.data, value.length);
-    };
-    set(&id->issuerNameHash, Asn1KindOctetString, nameHash);
-    set(&id->issuerKeyHash, Asn1KindOctetString, keyHash);
-    set(&id->serialNumber, Asn1KindInteger, serial);
-    return status;
-}
-
-Status ReadAlgorithm(const AlgorithmIdentifier* field, const Output& oid, const Output& parameters, Place place) {
-    if (field == nullptr || field->algorithm == nullptr) return Fail(StatusAbsent, place);
-    const Status first = GetAlgorithmIdentifierOid(field, oid.buffer, oid.length);
-    return StatusOfBoth(first, GetAlgorithmIdentifierParameters(field, parameters.buffer, parameters.length));
-}
-
-Status AddCertificate(Certificates** certs, Certificate* certificate, Place place) {
-    const Status status = NeedList(certs, place);
-    return status == StatusOk ? AddMember(*certs, certificate) : status;
-}
-
-Status LendCertificate(const Certificates* certs, uint32_t index, Certificate** certificate, Place place) {
-    return certs == nullptr ? Fail(StatusAbsent, place) : GetListMember(certs, index, certificate, place);
-}
-
-}  // namespace tlvforge
-
 namespace {
+
+// A field of tbsRequest.
+template <auto... Members, class Record>
+auto Tbs(Record* request, Place place = Place::Here()) {
+    return At<&OcspRequest::tbsRequest, Members...>(request, place);
+}
+
+Part<Certificates> CertificatesOf(const OcspRequest* request, Place place = Place::Here()) {
+    return At<&OcspRequest::optionalSignature, &OcspSignature::certs>(request, place);
+}
 
 // Runs a setter on the block of the signature. A new block becomes the request's only after the setter's success.
 template <class Set>
-Status ChangeSignature(OcspRequest* request, Set set) {
+Status ChangeSignature(OcspRequest* request, const Set& set) {
     if (request->optionalSignature != nullptr) return set(request->optionalSignature);
     Tree<OcspSignature> block;
-    Status status = block.Create(1);
-    if (status == StatusOk) status = set(block.Get());
-    if (status == StatusOk) request->optionalSignature = block.Take();
-    return status;
-}
-
-const Certificates* CertificatesOf(const OcspRequest* request) {
-    return FieldOf(request->optionalSignature, &OcspSignature::certs);
+    if (const Status status = block.Create(1)) return status;
+    if (const Status status = set(block.Get())) return status;
+    request->optionalSignature = block.Take();
+    return StatusOk;
 }
 
 }  // namespace
@@ -96,18 +43,17 @@ Status FreeOcspRequest(OcspRequest* request) { return FreeTree(request); }
 
 Status GetOcspRequestVersion(const OcspRequest* request, int32_t* version) {
     if (AnyNull(request, version)) return Fail(StatusBadArgument);
-    return GetNumber(FieldOf(request->tbsRequest, &TBSRequest::version), version);
+    return GetInt32(Tbs<&TBSRequest::version>(request), version);
 }
 
 Status SetOcspRequestVersion(OcspRequest* request, uint32_t version) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    if (request->tbsRequest == nullptr) return Fail(StatusAbsent);
-    return SetAsn1Int32Field(&request->tbsRequest->version, static_cast<int32_t>(version));
+    return SetInt32(Tbs<&TBSRequest::version>(request), static_cast<int32_t>(version));
 }
 
 Status GetOcspRequestExtensions(const OcspRequest* request, X509Extensions* extensions) {
     if (AnyNull(request, extensions)) return Fail(StatusBadArgument);
-    return LendExtensions(request->tbsRequest, &TBSRequest::requestExtensions, extensions);
+    return Borrow(Tbs<&TBSRequest::requestExtensions>(request), extensions);
 }
 
 Status AddOcspRequestCertRequest(OcspRequest* request, const uint8_t* hashOid, const uint8_t* parameters,
@@ -115,25 +61,24 @@ Status AddOcspRequestCertRequest(OcspRequest* request, const uint8_t* hashOid, c
                                  const uint8_t* keyHash, uint32_t keyHashLength, const uint8_t* serial,
                                  uint32_t serialLength, X509Extensions extensions) {
     if (AnyNull(request, hashOid, nameHash, keyHash, serial)) return Fail(StatusBadArgument);
-    if (FieldOf(request->tbsRequest, &TBSRequest::requestList) == nullptr) return Fail(StatusAbsent);
+    const CertIDParts id = {hashOid,
+                            {parameters, parametersLength},
+                            {nameHash, nameHashLength},
+                            {keyHash, keyHashLength},
+                            {serial, serialLength}};
+    const auto list = Tbs<&TBSRequest::requestList>(request);
+    if (!list) return list.Absent();
     Tree<OcspCertRequest> entry;
-    Status status = entry.Create(1);
-    if (status == StatusOk) {
-        status = WriteCertID(entry->reqCert, hashOid, {parameters, parametersLength}, {nameHash, nameHashLength},
-                             {keyHash, keyHashLength}, {serial, serialLength});
-    }
-    if (status == StatusOk && extensions != nullptr) {
-        status = CopyTree(extensions->list, &entry->singleRequestExtensions.list);
-    }
-    if (status == StatusOk)
-        status = ReserveAsn1ListItem(request->tbsRequest->requestList);  // a failed add loses nothing
-    return status == StatusOk ? entry.MoveTo(request->tbsRequest->requestList) : status;
+    if (const Status status = entry.Create(1)) return status;
+    if (const Status status = WriteCertID(At<&OcspCertRequest::reqCert>(entry.Get()), id)) return status;
+    if (const Status status = CopyExtensions(extensions, &entry->singleRequestExtensions.list)) return status;
+    if (const Status status = ReserveAsn1ListItem(list.node)) return status;  // a failed add loses nothing
+    return entry.MoveTo(list.node);
 }
 
 Status GetOcspRequestCertRequestsCount(const OcspRequest* request, uint32_t* count) {
     if (AnyNull(request, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(FieldOf(request->tbsRequest, &TBSRequest::requestList));
-    return StatusOk;
+    return GetOptionalCount(Tbs<&TBSRequest::requestList>(request), count);
 }
 
 Status GetOcspRequestCertRequest(const OcspRequest* request, int32_t index, uint8_t* hashOid, uint32_t* hashOidLength,
@@ -143,22 +88,20 @@ Status GetOcspRequestCertRequest(const OcspRequest* request, int32_t index, uint
     if (AnyNull(request, hashOidLength, parametersLength, nameHashLength, keyHashLength, serialLength)) {
         return Fail(StatusBadArgument);
     }
-    const auto* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
-    if (list == nullptr) return Fail(StatusAbsent);
+    const auto list = Tbs<&TBSRequest::requestList>(request);
     OcspCertRequest* entry = nullptr;
-    const Status status = GetListMember(list, static_cast<uint32_t>(index), &entry);
-    if (status != StatusOk) return status;
+    if (const Status status = GetMember(list, static_cast<uint32_t>(index), &entry)) return status;
     if (extensions != nullptr) *extensions = &entry->singleRequestExtensions;
-    return ReadCertID(entry->reqCert, {hashOid, hashOidLength}, {parameters, parametersLength},
-                      {nameHash, nameHashLength}, {keyHash, keyHashLength}, {serial, serialLength});
+    return ReadCertID(At<&OcspCertRequest::reqCert>(entry), {{hashOid, hashOidLength},
+                                                             {parameters, parametersLength},
+                                                             {nameHash, nameHashLength},
+                                                             {keyHash, keyHashLength},
+                                                             {serial, serialLength}});
 }
 
 Status ClearOcspRequestCertRequests(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    auto* list = FieldOf(request->tbsRequest, &TBSRequest::requestList);
-    if (list == nullptr) return Fail(StatusAbsent);
-    ClearList(list);
-    return StatusOk;
+    return Clear(Tbs<&TBSRequest::requestList>(request));
 }
 
 Status GetOcspRequestRequestorName(const OcspRequest* request, X509GeneralName** name) {
@@ -171,22 +114,19 @@ Status GetOcspRequestRequestorName(const OcspRequest* request, X509GeneralName**
 Status GetOcspRequestRequestorNameValue(const OcspRequest* request, uint32_t* type, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(request, type, length)) return Fail(StatusBadArgument);
     X509GeneralName* name = nullptr;
-    const Status status = GetOcspRequestRequestorName(request, &name);
-    return status == StatusOk ? GetX509GeneralNameValue(name, type, buffer, length) : status;
+    if (const Status status = GetOcspRequestRequestorName(request, &name)) return status;
+    return GetX509GeneralNameValue(name, type, buffer, length);
 }
 
 Status SetOcspRequestRequestorName(OcspRequest* request, uint32_t type, const uint8_t* value, uint32_t length) {
-    if (value == nullptr) return Fail(StatusBadArgument);
-    const Status status = RemoveOcspRequestRequestorName(request);
-    if (status != StatusOk) return status;
+    if (AnyNull(request, value)) return Fail(StatusBadArgument);
+    if (const Status status = RemoveOcspRequestRequestorName(request)) return status;
     return AllocX509GeneralNameValue(&request->tbsRequest->requestorName, type, value, length);
 }
 
 Status RemoveOcspRequestRequestorName(OcspRequest* request) {
     if (request == nullptr) return Fail(StatusBadArgument);
-    if (request->tbsRequest == nullptr) return Fail(StatusAbsent);
-    FreeField(&request->tbsRequest->requestorName);
-    return StatusOk;
+    return Remove(Tbs<&TBSRequest::requestorName>(request));
 }
 
 Status IsExistsOcspRequestSignature(const OcspRequest* request) {
@@ -196,27 +136,27 @@ Status IsExistsOcspRequestSignature(const OcspRequest* request) {
 
 Status GetOcspRequestSignature(const OcspRequest* request, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(request, length)) return Fail(StatusBadArgument);
-    return GetBitStringField(FieldOf(request->optionalSignature, &OcspSignature::signature), buffer, length);
+    return GetBits(At<&OcspRequest::optionalSignature, &OcspSignature::signature>(request), buffer, length);
 }
 
 Status SetOcspRequestSignature(OcspRequest* request, const uint8_t* bytes, uint32_t length) {
     if (AnyNull(request, bytes)) return Fail(StatusBadArgument);
     return ChangeSignature(
-        request, [=](OcspSignature* block) { return SetAsn1BitStringField(&block->signature, bytes, length); });
+        request, [=](OcspSignature* block) { return SetBits(At<&OcspSignature::signature>(block), bytes, length); });
 }
 
 Status GetOcspRequestSignatureAlgorithmAndParameters(const OcspRequest* request, uint8_t* oid, uint32_t* oidLength,
                                                      uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(request, oidLength)) return Fail(StatusBadArgument);
-    return ReadAlgorithm(FieldOf(request->optionalSignature, &OcspSignature::signatureAlgorithm), {oid, oidLength},
-                         {parameters, parametersLength});
+    return ReadAlgorithm(At<&OcspRequest::optionalSignature, &OcspSignature::signatureAlgorithm>(request),
+                         {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status SetOcspRequestSignatureAlgorithmOidAndParameters(OcspRequest* request, const uint8_t* oid,
                                                         const uint8_t* parameters, uint32_t parametersLength) {
     if (AnyNull(request, oid)) return Fail(StatusBadArgument);
     return ChangeSignature(request, [=](OcspSignature* block) {
-        return SetAlgorithm(block->signatureAlgorithm, oid, parameters, parametersLength);
+        return SetAlgorithm(At<&OcspSignature::signatureAlgorithm>(block), oid, {parameters, parametersLength});
     });
 }
 
@@ -233,14 +173,14 @@ Status AddOcspRequestCertificate(OcspRequest* request, Certificate* certificate)
 
 Status GetOcspRequestCertificatesCount(const OcspRequest* request, uint32_t* count) {
     if (AnyNull(request, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(CertificatesOf(request));
-    return StatusOk;
+    return GetOptionalCount(CertificatesOf(request), count);
 }
 
 Status GetOcspRequestCertificate(const OcspRequest* request, int32_t index, Certificate** certificate) {
     // A negative one is refused before the list is looked for.
     if (AnyNull(request, certificate) || index < 0) return Fail(StatusBadArgument);
-    return LendCertificate(CertificatesOf(request), static_cast<uint32_t>(index), certificate);
+    const auto certificates = CertificatesOf(request);
+    return GetMember(certificates, static_cast<uint32_t>(index), certificate);
 }
 
 Status RemoveOcspRequestCertificates(OcspRequest* request) {

@@ -1,13 +1,8 @@
 #include "tlvforge/ocsp.h"
 
 #include "common/times.h"
-#include "engine/list_cells.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "ocsp/ocsp.schema.h"
 #include "ocsp/ocsp_fields.h"
 #include "x509/extension_codecs.h"
-#include "x509/fields.h"
 
 using namespace tlvforge;
 
@@ -17,39 +12,33 @@ namespace {
 enum { kByName = 0, kByKey = 1 };
 enum { kGood = 0, kRevoked = 1, kUnknown = 2 };
 
-Status GetTime(const Asn1Value* field, LibraryTime* time, Place place = Place::Here()) {
-    return field == nullptr ? Fail(StatusAbsent, place) : GeneralizedTimeToLibraryTime(field, time);
+// A field of tbsResponseData.
+template <auto... Members, class Record>
+auto Tbs(Record* response, Place place = Place::Here()) {
+    return At<&OcspBasicResponse::tbsResponseData, Members...>(response, place);
+}
+
+Status GetGeneralizedTime(const Part<Asn1Value>& field, LibraryTime* time) {
+    return field ? GeneralizedTimeToLibraryTime(field.node, time) : field.Absent();
 }
 
 // Null leaves the field absent, and so does a time that can't be written.
-Status ReplaceTime(Asn1Value** field, const LibraryTime* time) {
-    FreeField(field);
-    return SetOptionalTime(field, time);
+Status ReplaceTime(const Slot<Asn1Value>& field, const LibraryTime* time) {
+    if (const Status status = Remove(field)) return status;
+    return SetOptionalTime(field.cell, time);
 }
 
 // A choice without a value has nothing chosen, whatever its selector says.
 bool HasChoice(const Asn1Choice* choice) { return choice != nullptr && choice->value != nullptr; }
 
-// Puts a value in the place of what was chosen. After a failure nothing is, and the value is still the caller's.
-template <class ChoiceType>
-Status ReplaceChoice(ChoiceType** field, uint32_t selected, void* value, Place place = Place::Here()) {
-    FreeField(field);
-    *field = static_cast<ChoiceType*>(AllocAsn1Choice(selected, value));
-    return *field == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
-}
-
-// The same for a value that has just been made: null when out of memory, and freed after a failure.
+// Puts a value that has just been made in the place of what was chosen: null when out of memory, and freed after a
+// failure.
 template <class ChoiceType>
 Status MoveToChoice(ChoiceType** field, uint32_t selected, void* value, Place place = Place::Here()) {
     if (value == nullptr) return Fail(StatusOutOfMemory, place);
-    const Status status = ReplaceChoice(field, selected, value, place);
+    const Status status = ReplaceField(field, AllocChoice<ChoiceType>(selected, value), place);
     if (status != StatusOk) FreeAsn1Object(itemOf<ChoiceType>.children[selected], value);
     return status;
-}
-
-// Null too where the response has no tbsResponseData.
-ListOf<OcspSingleResponse>* SingleResponsesOf(const OcspBasicResponse* response) {
-    return FieldOf(response->tbsResponseData, &ResponseData::responses);
 }
 
 }  // namespace
@@ -70,12 +59,12 @@ Status FreeOcspResponse(OcspResponse* response) { return FreeTree(response); }
 
 Status GetOcspResponseStatus(const OcspResponse* response, int32_t* status) {
     if (AnyNull(response, status)) return Fail(StatusBadArgument);
-    return GetNumber(response->responseStatus, status);
+    return GetInt32(At<&OcspResponse::responseStatus>(response), status);
 }
 
 Status SetOcspResponseStatus(OcspResponse* response, uint32_t status) {
     if (response == nullptr) return Fail(StatusBadArgument);
-    return SetAsn1Int32Field(&response->responseStatus, static_cast<int32_t>(status));
+    return SetInt32(At<&OcspResponse::responseStatus>(response), static_cast<int32_t>(status));
 }
 
 Status GetOcspResponseBytes(const OcspResponse* response, uint8_t* typeOid, uint32_t* typeOidLength, uint8_t* bytes,
@@ -87,9 +76,9 @@ Status GetOcspResponseBytes(const OcspResponse* response, uint8_t* typeOid, uint
         return StatusOk;
     }
     if (block->responseType == nullptr) return Fail(StatusAbsent);
-    const Status first = GetAsn1Oid(block->responseType, typeOid, typeOidLength);
-    if (block->response == nullptr) return Fail(StatusAbsent);
-    return StatusOfBoth(first, GetAsn1Value(block->response, bytes, bytesLength));
+    return ReadOutputs(
+        OutputRule::kAllSmallLast, [&] { return GetAsn1Oid(block->responseType, typeOid, typeOidLength); },
+        [&] { return GetBytes(At<&OcspResponseBytes::response>(block), bytes, bytesLength); });
 }
 
 Status SetOcspResponseBytes(OcspResponse* response, const uint8_t* typeOid, const uint8_t* bytes, uint32_t length) {
@@ -99,13 +88,12 @@ Status SetOcspResponseBytes(OcspResponse* response, const uint8_t* typeOid, cons
         FreeField(&response->responseBytes);
         return StatusOk;
     }
-    OcspResponseBytes** block = &response->responseBytes;
-    Status status = StatusOk;
-    if (*block == nullptr) status = CreateTree(block, 0);
-    if (status == StatusOk) status = ReplaceOidField(&(*block)->responseType, typeOid);
+    if (const Status status = Ensure(&response->responseBytes, 0)) return status;
+    OcspResponseBytes* block = response->responseBytes;
+    if (const Status status = ReplaceOidField(&block->responseType, typeOid)) return status;
     // A type alone is no failure: it leaves the bytes that are there.
-    if (status != StatusOk || bytes == nullptr || length == 0) return status;
-    return SetAsn1ValueField(&(*block)->response, Asn1KindOctetString, bytes, length);
+    if (bytes == nullptr || length == 0) return StatusOk;
+    return SetAsn1ValueField(&block->response, Asn1KindOctetString, bytes, length);
 }
 
 // --- Basic responses ---
@@ -124,26 +112,24 @@ Status FreeOcspBasicResponse(OcspBasicResponse* response) { return FreeTree(resp
 
 Status GetOcspBasicResponseToBeSignedPart(const OcspBasicResponse* response, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(response, length)) return Fail(StatusBadArgument);
-    if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    return EncodeTree(response->tbsResponseData, buffer, length);
+    return Encode(At<&OcspBasicResponse::tbsResponseData>(response), buffer, length);
 }
 
 Status GetOcspBasicResponseVersion(const OcspBasicResponse* response, int32_t* version) {
     if (AnyNull(response, version)) return Fail(StatusBadArgument);
-    return GetNumber(FieldOf(response->tbsResponseData, &ResponseData::version), version);
+    return GetInt32(Tbs<&ResponseData::version>(response), version);
 }
 
 Status SetOcspBasicResponseVersion(OcspBasicResponse* response, uint32_t version) {
     if (response == nullptr) return Fail(StatusBadArgument);
-    if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    return SetAsn1Int32Field(&response->tbsResponseData->version, static_cast<int32_t>(version));
+    return SetInt32(Tbs<&ResponseData::version>(response), static_cast<int32_t>(version));
 }
 
 Status GetOcspBasicResponseResponderID(const OcspBasicResponse* response, uint32_t* type, uint8_t* buffer,
                                        uint32_t* length) {
     if (AnyNull(response, type, length)) return Fail(StatusBadArgument);
-    const Asn1Choice* responder = FieldOf(response->tbsResponseData, &ResponseData::responderID);
-    if (!HasChoice(responder)) return Fail(StatusAbsent);
+    const Part<OcspResponderID> responder = Tbs<&ResponseData::responderID>(response);
+    if (!HasChoice(responder.node)) return responder.Absent();
     if (responder->selected > kByKey) return Fail(StatusBadAlternative);
     *type = responder->selected;
     return GetAsn1Value(responder->value, buffer, length);
@@ -152,48 +138,45 @@ Status GetOcspBasicResponseResponderID(const OcspBasicResponse* response, uint32
 Status SetOcspBasicResponseResponderID(OcspBasicResponse* response, uint32_t type, const uint8_t* bytes,
                                        uint32_t length) {
     if (AnyNull(response, bytes) || type > kByKey) return Fail(StatusBadArgument);
-    if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    OcspResponderID** field = &response->tbsResponseData->responderID;
-    FreeField(field);
+    const Slot<OcspResponderID> field = Tbs<&ResponseData::responderID>(response);
+    if (const Status status = Remove(field)) return status;
     void* value = nullptr;
     if (type == kByName) {
         value = AllocAsn1Any(length != 0 ? bytes[0] & 31 : 0, bytes, length);
     } else {
         value = AllocAsn1Value(Asn1KindOctetString, bytes, length);
     }
-    return MoveToChoice(field, type, value);
+    return MoveToChoice(field.cell, type, value);
 }
 
 Status GetOcspBasicResponseProducedAt(const OcspBasicResponse* response, LibraryTime* time) {
     if (AnyNull(response, time)) return Fail(StatusBadArgument);
-    return GetTime(FieldOf(response->tbsResponseData, &ResponseData::producedAt), time);
+    return GetGeneralizedTime(Tbs<&ResponseData::producedAt>(response), time);
 }
 
 Status SetOcspBasicResponseProducedAt(OcspBasicResponse* response, const LibraryTime* time) {
     if (AnyNull(response, time)) return Fail(StatusBadArgument);
-    if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    return ReplaceTime(&response->tbsResponseData->producedAt, time);
+    return ReplaceTime(Tbs<&ResponseData::producedAt>(response), time);
 }
 
 Status GetOcspBasicResponseSingleResponsesCount(const OcspBasicResponse* response, uint32_t* count) {
     if (AnyNull(response, count)) return Fail(StatusBadArgument);
-    const auto* list = SingleResponsesOf(response);
-    return list == nullptr ? Fail(StatusAbsent) : GetListCount(list, count);
+    return GetCount(Tbs<&ResponseData::responses>(response), count);
 }
 
 Status GetOcspBasicResponseSingleResponse(const OcspBasicResponse* response, int32_t index,
                                           OcspSingleResponse** single) {
     if (AnyNull(response, single)) return Fail(StatusBadArgument);
-    const auto* list = SingleResponsesOf(response);
-    return list == nullptr ? Fail(StatusAbsent) : GetListMember(list, static_cast<uint32_t>(index), single);
+    const auto list = Tbs<&ResponseData::responses>(response);
+    return GetMember(list, static_cast<uint32_t>(index), single);
 }
 
 Status AddOcspBasicResponseSingleResponse(OcspBasicResponse* response, OcspSingleResponse* single) {
     if (AnyNull(response, single)) return Fail(StatusBadArgument);
-    if (response->tbsResponseData == nullptr) return Fail(StatusAbsent);
-    ListOf<OcspSingleResponse>** list = &response->tbsResponseData->responses;
-    const Status status = NeedList(list);
-    return status == StatusOk ? AddMember(*list, single) : status;
+    const auto list = Tbs<&ResponseData::responses>(response);
+    if (list.cell == nullptr) return list.Absent();
+    if (const Status status = EnsureList(list.cell)) return status;
+    return AddMember(*list.cell, single);
 }
 
 Status ClearOcspBasicResponseResponses(OcspBasicResponse* response) {
@@ -208,30 +191,31 @@ Status ClearOcspBasicResponseResponses(OcspBasicResponse* response) {
 
 Status GetOcspBasicResponseExtensions(const OcspBasicResponse* response, X509Extensions* extensions) {
     if (AnyNull(response, extensions)) return Fail(StatusBadArgument);
-    return LendExtensions(response->tbsResponseData, &ResponseData::responseExtensions, extensions);
+    return Borrow(Tbs<&ResponseData::responseExtensions>(response), extensions);
 }
 
 Status GetOcspBasicResponseSignature(const OcspBasicResponse* response, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(response, length)) return Fail(StatusBadArgument);
-    return GetBitStringField(response->signature, buffer, length);
+    return GetBits(At<&OcspBasicResponse::signature>(response), buffer, length);
 }
 
 Status SetOcspBasicResponseSignature(OcspBasicResponse* response, const uint8_t* bytes, uint32_t length) {
     if (AnyNull(response, bytes)) return Fail(StatusBadArgument);
-    return ReplaceBitString(&response->signature, bytes, length, 0);
+    return ReplaceBits(At<&OcspBasicResponse::signature>(response), bytes, length);
 }
 
 Status GetOcspBasicResponseSignatureAlgorithmAndParameters(const OcspBasicResponse* response, uint8_t* oid,
                                                            uint32_t* oidLength, uint8_t* parameters,
                                                            uint32_t* parametersLength) {
     if (AnyNull(response, oidLength)) return Fail(StatusBadArgument);
-    return ReadAlgorithm(response->signatureAlgorithm, {oid, oidLength}, {parameters, parametersLength});
+    return ReadAlgorithm(At<&OcspBasicResponse::signatureAlgorithm>(response), {oid, oidLength},
+                         {parameters, parametersLength});
 }
 
 Status SetOcspBasicResponseSignatureAlgorithmOidAndParameters(OcspBasicResponse* response, const uint8_t* oid,
                                                               const uint8_t* parameters, uint32_t parametersLength) {
     if (AnyNull(response, oid)) return Fail(StatusBadArgument);
-    return SetAlgorithm(response->signatureAlgorithm, oid, parameters, parametersLength);
+    return SetAlgorithm(At<&OcspBasicResponse::signatureAlgorithm>(response), oid, {parameters, parametersLength});
 }
 
 Status AddOcspBasicResponseCertificate(OcspBasicResponse* response, Certificate* certificate) {
@@ -241,19 +225,18 @@ Status AddOcspBasicResponseCertificate(OcspBasicResponse* response, Certificate*
 
 Status GetOcspBasicResponseCertificatesCount(const OcspBasicResponse* response, uint32_t* count) {
     if (AnyNull(response, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(response->certs);
-    return StatusOk;
+    return GetOptionalCount(At<&OcspBasicResponse::certs>(response), count);
 }
 
 Status GetOcspBasicResponseCertificate(const OcspBasicResponse* response, int32_t index, Certificate** certificate) {
     if (AnyNull(response, certificate)) return Fail(StatusBadArgument);
-    return LendCertificate(response->certs, static_cast<uint32_t>(index), certificate);
+    const auto certificates = At<&OcspBasicResponse::certs>(response);
+    return GetMember(certificates, static_cast<uint32_t>(index), certificate);
 }
 
 Status RemoveOcspBasicResponseCertificates(OcspBasicResponse* response) {
     if (response == nullptr) return Fail(StatusBadArgument);
-    FreeField(&response->certs);
-    return StatusOk;
+    return Remove(At<&OcspBasicResponse::certs>(response));
 }
 
 // --- Answers for one certificate ---
@@ -277,8 +260,11 @@ Status GetOcspSingleResponseCertID(const OcspSingleResponse* single, uint8_t* ha
     if (AnyNull(single, hashOidLength, parametersLength, nameHashLength, keyHashLength, serialLength)) {
         return Fail(StatusBadArgument);
     }
-    return ReadCertID(single->certID, {hashOid, hashOidLength}, {parameters, parametersLength},
-                      {nameHash, nameHashLength}, {keyHash, keyHashLength}, {serial, serialLength});
+    return ReadCertID(At<&OcspSingleResponse::certID>(single), {{hashOid, hashOidLength},
+                                                                {parameters, parametersLength},
+                                                                {nameHash, nameHashLength},
+                                                                {keyHash, keyHashLength},
+                                                                {serial, serialLength}});
 }
 
 Status SetOcspSingleResponseCertID(OcspSingleResponse* single, const uint8_t* hashOid, const uint8_t* parameters,
@@ -286,34 +272,38 @@ Status SetOcspSingleResponseCertID(OcspSingleResponse* single, const uint8_t* ha
                                    const uint8_t* keyHash, uint32_t keyHashLength, const uint8_t* serial,
                                    uint32_t serialLength) {
     if (AnyNull(single, hashOid, nameHash, keyHash, serial)) return Fail(StatusBadArgument);
-    return WriteCertID(single->certID, hashOid, {parameters, parametersLength}, {nameHash, nameHashLength},
-                       {keyHash, keyHashLength}, {serial, serialLength});
+    return WriteCertID(At<&OcspSingleResponse::certID>(single), {hashOid,
+                                                                 {parameters, parametersLength},
+                                                                 {nameHash, nameHashLength},
+                                                                 {keyHash, keyHashLength},
+                                                                 {serial, serialLength}});
 }
 
 Status GetOcspSingleResponseCertStatus(const OcspSingleResponse* single, uint32_t* certStatus) {
     if (AnyNull(single, certStatus)) return Fail(StatusBadArgument);
-    if (!HasChoice(single->certStatus)) return Fail(StatusAbsent);
-    *certStatus = single->certStatus->selected;
+    const Part<OcspCertStatus> choice = At<&OcspSingleResponse::certStatus>(single);
+    if (!HasChoice(choice.node)) return choice.Absent();
+    *certStatus = choice->selected;
     return StatusOk;
 }
 
 Status GetOcspSingleResponseCertStatusRevokedInfo(const OcspSingleResponse* single, LibraryTime* time,
                                                   uint32_t* reason) {
     if (AnyNull(single, time, reason)) return Fail(StatusBadArgument);
-    const Asn1Choice* certStatus = single->certStatus;
-    if (certStatus != nullptr && certStatus->selected != kRevoked) return Fail(StatusBadArgument);
-    if (!HasChoice(certStatus)) return Fail(StatusAbsent);
-    const auto* info = static_cast<const OcspRevokedInfo*>(certStatus->value);
-    Status status = GetTime(info->revocationTime, time);
+    const Part<OcspCertStatus> choice = At<&OcspSingleResponse::certStatus>(single);
+    if (choice && choice->selected != kRevoked) return Fail(StatusBadArgument);
+    if (!HasChoice(choice.node)) return choice.Absent();
+    const auto* info = static_cast<const OcspRevokedInfo*>(choice->value);
     int32_t number = -1;  // without a reason
-    if (status == StatusOk && info->revocationReason != nullptr) status = GetAsn1Int32(info->revocationReason, &number);
-    if (status == StatusOk) *reason = static_cast<uint32_t>(number);
-    return status;
+    if (const Status status = GetGeneralizedTime(At<&OcspRevokedInfo::revocationTime>(info), time)) return status;
+    if (const Status status = GetOptionalInt32(info->revocationReason, &number)) return status;
+    *reason = static_cast<uint32_t>(number);
+    return StatusOk;
 }
 
 Status SetOcspSingleResponseCertStatus(OcspSingleResponse* single, uint32_t index, void* value) {
     if (AnyNull(single, value)) return Fail(StatusBadArgument);
-    return ReplaceChoice(&single->certStatus, index, value);
+    return ReplaceField(&single->certStatus, AllocChoice<OcspCertStatus>(index, value));
 }
 
 Status SetOcspSingleResponseCertStatusGood(OcspSingleResponse* single) {
@@ -329,8 +319,7 @@ Status SetOcspSingleResponseCertStatusUnknown(OcspSingleResponse* single) {
 Status SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* single, const LibraryTime* time, int32_t reason) {
     if (AnyNull(single, time)) return Fail(StatusBadArgument);
     OcspRevokedInfo* info = nullptr;
-    const Status status = AllocCertStatusRevokedInfo(time, reason, &info);
-    if (status != StatusOk) return status;
+    if (const Status status = AllocCertStatusRevokedInfo(time, reason, &info)) return status;
     return MoveToChoice(&single->certStatus, kRevoked, info);
 }
 
@@ -338,36 +327,38 @@ Status AllocCertStatusRevokedInfo(const LibraryTime* time, int32_t reason, OcspR
     if (AnyNull(time, info)) return Fail(StatusBadArgument);
     *info = nullptr;
     Tree<OcspRevokedInfo> record;
-    Status status = record.Create();
-    if (status == StatusOk) status = SetOptionalTime(&record->revocationTime, time);
-    if (status == StatusOk && reason >= 0) status = SetAsn1Int32Field(&record->revocationReason, reason);
-    if (status == StatusOk) *info = record.Take();
-    return status;
+    if (const Status status = record.Create()) return status;
+    if (const Status status = SetOptionalTime(&record->revocationTime, time)) return status;
+    if (reason >= 0) {
+        if (const Status status = SetAsn1Int32Field(&record->revocationReason, reason)) return status;
+    }
+    *info = record.Take();
+    return StatusOk;
 }
 
 Status GetOcspSingleResponseThisUpdate(const OcspSingleResponse* single, LibraryTime* time) {
     if (AnyNull(single, time)) return Fail(StatusBadArgument);
-    return GetTime(single->thisUpdate, time);
+    return GetGeneralizedTime(At<&OcspSingleResponse::thisUpdate>(single), time);
 }
 
 Status GetOcspSingleResponseNextUpdate(const OcspSingleResponse* single, LibraryTime* time) {
     if (AnyNull(single, time)) return Fail(StatusBadArgument);
-    return GetTime(single->nextUpdate, time);
+    return GetGeneralizedTime(At<&OcspSingleResponse::nextUpdate>(single), time);
 }
 
 Status SetOcspSingleResponseThisUpdate(OcspSingleResponse* single, const LibraryTime* time) {
     if (AnyNull(single, time)) return Fail(StatusBadArgument);
-    return ReplaceTime(&single->thisUpdate, time);
+    return ReplaceTime(At<&OcspSingleResponse::thisUpdate>(single), time);
 }
 
 Status SetOcspSingleResponseNextUpdate(OcspSingleResponse* single, const LibraryTime* time) {
     if (single == nullptr) return Fail(StatusBadArgument);
-    return ReplaceTime(&single->nextUpdate, time);
+    return ReplaceTime(At<&OcspSingleResponse::nextUpdate>(single), time);
 }
 
 Status GetOcspSingleResponseExtensions(OcspSingleResponse* single, X509Extensions* extensions) {
     if (AnyNull(single, extensions)) return Fail(StatusBadArgument);
-    return LendExtensions(single, &OcspSingleResponse::singleExtensions, extensions);
+    return Borrow(At<&OcspSingleResponse::singleExtensions>(single), extensions);
 }
 
 // --- Lists of basic responses ---
@@ -399,5 +390,6 @@ Status GetOcspBasicResponsesCount(const OcspBasicResponses* responses, uint32_t*
 
 Status GetOcspBasicResponsesResponse(const OcspBasicResponses* responses, uint32_t index,
                                      OcspBasicResponse** response) {
-    return GetListMember(responses, index, response);
+    if (response == nullptr || !HasIndex(responses, index)) return Fail(StatusBadArgument);
+    return Borrow(MemberAt(responses, index), response);
 }

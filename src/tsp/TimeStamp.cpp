@@ -1,79 +1,65 @@
 #include "tlvforge/timestamp.h"
 
-#include <utility>
-
 #include "common/times.h"
 #include "engine/list_cells.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/outputs.h"
+#include "engine/views.h"
 #include "tsp/timestamp.schema.h"
-#include "x509/algorithm.h"
-#include "x509/transition.h"
+#include "x509/fields.h"
 
 using namespace tlvforge;
 
 namespace {
 
-// Outputs that are fields.
-class FieldOutputs : public Outputs {
-public:
-    // An output that the caller left out, by a null pointer or length, is skipped. Absent bytes have the length 0.
-    template <class Out>
-    void Read(Status (*get)(const Asn1Value*, Out*), const Asn1Value* field, Out* out) {
-        if (out != nullptr) Then(get, field, out);
-    }
-    template <class Field>
-    void Read(Status (*get)(const Field*, uint8_t*, uint32_t*), const Field* field, uint8_t* buffer, uint32_t* length) {
-        if (length == nullptr) return;
-        Then([=] { return field != nullptr ? get(field, buffer, length) : CopyOut(nullptr, 0, buffer, length); });
-    }
-};
+// Fields as functions for ReadOutputs. An output that the caller left out, by a null pointer or length, is skipped.
+// Absent bytes have the length 0.
+template <class Out>
+auto ValueIfAsked(Status (*get)(const Asn1Value*, Out*), const Asn1Value* field, Out* out) {
+    return [=]() -> Status { return out != nullptr ? get(field, out) : StatusOk; };
+}
 
-void ReadImprint(FieldOutputs* outputs, const MessageImprint* imprint, uint8_t* hashOid, uint32_t* hashOidLength,
-                 uint8_t* parameters, uint32_t* parametersLength, uint8_t* hash, uint32_t* hashLength) {
-    const AlgorithmIdentifier* algorithm = imprint->hashAlgorithm;
-    outputs->Read<Asn1Value>(GetAsn1Oid, algorithm->algorithm, hashOid, hashOidLength);
-    outputs->Read<void>(GetAsn1AnyValue, algorithm->parameters, parameters, parametersLength);
-    outputs->Read<void>(GetAsn1Value, imprint->hashedMessage, hash, hashLength);
+auto BytesIfAsked(const void* field, Output out) {
+    return [=]() -> Status { return out.length != nullptr ? GetOptionalBytes(field, out) : StatusOk; };
+}
+
+auto OidIfAsked(const Asn1Value* field, Output out) {
+    return [=]() -> Status {
+        if (out.length == nullptr) return StatusOk;
+        return field != nullptr ? GetAsn1Oid(field, out.buffer, out.length)
+                                : CopyOut(nullptr, 0, out.buffer, out.length);
+    };
+}
+
+auto ImprintInto(const MessageImprint* imprint, Output hashOid, Output parameters, Output hash) {
+    return [=] {
+        const AlgorithmIdentifier* algorithm = imprint->hashAlgorithm;
+        return ReadOutputs(OutputRule::kPastSmallBuffers, OidIfAsked(algorithm->algorithm, hashOid),
+                           BytesIfAsked(algorithm->parameters, parameters), BytesIfAsked(imprint->hashedMessage, hash));
+    };
 }
 
 Status ReadPart(const Asn1Value* field, uint32_t* part) {
     if (field == nullptr) return StatusOk;
     int32_t number = 0;
-    const Status status = GetAsn1Int32(field, &number);
-    if (status == StatusOk) *part = static_cast<uint32_t>(number);
-    return status;
+    if (const Status status = GetAsn1Int32(field, &number)) return status;
+    *part = static_cast<uint32_t>(number);
+    return StatusOk;
 }
 
-// Absent seconds leave what the caller's record holds, while the other parts become 0. That is intended: callers
-// depend on it, and clear the record before.
+// Absent seconds leave what the caller's record holds, while the other parts become 0: see docs/oddities.md.
 Status ReadAccuracy(const AccuracyParts* parts, Accuracy* accuracy) {
     if (accuracy == nullptr) return StatusOk;
     if (parts == nullptr) return SetAccuracyToNull(accuracy);
     accuracy->milliseconds = 0;
     accuracy->microseconds = 0;
-    FieldOutputs outputs;
-    outputs.Read(ReadPart, parts->seconds, &accuracy->seconds);
-    outputs.Read(ReadPart, parts->millis, &accuracy->milliseconds);
-    outputs.Read(ReadPart, parts->micros, &accuracy->microseconds);
-    return outputs.Result();
+    return ReadOutputs(OutputRule::kPastSmallBuffers, ValueIfAsked(ReadPart, parts->seconds, &accuracy->seconds),
+                       ValueIfAsked(ReadPart, parts->millis, &accuracy->milliseconds),
+                       ValueIfAsked(ReadPart, parts->micros, &accuracy->microseconds));
 }
 
-// Parts of a tree are handed over as they are: the tree has no more use for them.
-template <class T>
-Status MoveOut(T** field, T** out) {
-    if (out == nullptr) return StatusOk;
-    *out = *field;
-    *field = nullptr;
-    return StatusOk;
-}
-
-Status MoveExtensionsOut(X509ExtensionList** field, X509Extensions* out) {
+Status TakeExtensions(X509ExtensionList** field, X509Extensions* out) {
     if (AnyNull(out, *field)) return StatusOk;
-    Tree<X509ExtensionList> list(*field);
-    *field = nullptr;
-    return WrapInCell(&list, out, Place::Here());
+    Tree<X509ExtensionList> list(TakeField(field));
+    return WrapInCell(&list, out);
 }
 
 template <class T>
@@ -84,37 +70,22 @@ void SetToNull(T** out) {
 Status SetNumber(Asn1Value** field, uint32_t number) { return SetAsn1Int32Field(field, static_cast<int32_t>(number)); }
 
 // Leaves hashedMessage null, with status 0, when there is no memory for it.
-Status SetImprint(MessageImprint* imprint, const uint8_t* hashOid, const uint8_t* parameters, uint32_t parametersLength,
-                  const uint8_t* hash, uint32_t hashLength) {
-    const Status status =
-        SetAlgorithmIdentifierOidAndParameters(imprint->hashAlgorithm, hashOid, parameters, parametersLength);
-    if (status == StatusOk) imprint->hashedMessage = AllocAsn1Value(Asn1KindOctetString, hash, hashLength);
-    return status;
+Status SetImprint(MessageImprint* imprint, const uint8_t* hashOid, Bytes parameters, Bytes hash) {
+    const auto algorithm = At<&MessageImprint::hashAlgorithm>(imprint);
+    if (const Status status = SetAlgorithm(algorithm, hashOid, parameters)) return status;
+    imprint->hashedMessage = AllocAsn1Value(Asn1KindOctetString, hash.data, hash.length);
+    return StatusOk;
 }
 
-Status SetInteger(Asn1Value** field, const uint8_t* bytes, uint32_t length) {
-    return bytes == nullptr ? StatusOk : SetAsn1ValueField(field, Asn1KindInteger, bytes, length);
-}
-
-Status SetPart(Asn1Value** field, uint32_t part) { return part == 0 ? StatusOk : SetNumber(field, part); }
+Status SetPart(Asn1Value** field, uint32_t part) { return part != 0 ? SetNumber(field, part) : StatusOk; }
 
 Status WriteAccuracy(AccuracyParts** field, const Accuracy* accuracy) {
     if (IsAccuracyNull(accuracy) != 0) return StatusOk;
-    Status status = CreateOptionalAsn1Sequence(&itemOf<schema::Optional<AccuracyParts>>, Untyped(field), 0);
-    if (status == StatusOk) status = SetPart(&(*field)->seconds, accuracy->seconds);
-    if (status == StatusOk) status = SetPart(&(*field)->millis, accuracy->milliseconds);
-    if (status == StatusOk) status = SetPart(&(*field)->micros, accuracy->microseconds);
-    return status;
-}
-
-// A name without a value is 32, by the copy.
-Status CopyName(const X509GeneralName* source, X509GeneralName** field) {
-    return source == nullptr ? StatusOk : CopyTree(source, field);
-}
-
-// An empty cell is 32, by the copy.
-Status CopyExtensions(X509Extensions source, X509ExtensionList** field) {
-    return source == nullptr ? StatusOk : CopyTree(source->list, field);
+    const Asn1Item* item = &itemOf<schema::Optional<AccuracyParts>>;
+    if (const Status status = CreateOptionalAsn1Sequence(item, Untyped(field), 0)) return status;
+    if (const Status status = SetPart(&(*field)->seconds, accuracy->seconds)) return status;
+    if (const Status status = SetPart(&(*field)->millis, accuracy->milliseconds)) return status;
+    return SetPart(&(*field)->micros, accuracy->microseconds);
 }
 
 }  // namespace
@@ -125,18 +96,20 @@ Status EncodeTimeStampReq(uint32_t version, const uint8_t* hashOid, const uint8_
                           X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(hashOid, hash, length)) return Fail(StatusBadArgument);
     Tree<TimeStampReq> request;
-    Status status = request.Create();
-    if (status == StatusOk) status = SetNumber(&request->version, version);
-    if (status != StatusOk) return status;
+    if (const Status status = request.Create()) return status;
+    if (const Status status = SetNumber(&request->version, version)) return status;
     MessageImprint* imprint = request->messageImprint;
-    status = SetImprint(imprint, hashOid, parameters, parametersLength, hash, hashLength);
-    // Without memory for the hash nothing is written and the status is 0: intended, callers see an unchanged length.
-    if (status != StatusOk || imprint->hashedMessage == nullptr) return status;
-    if (policyOid != nullptr) status = ReplaceOidField(&request->reqPolicy, policyOid);
-    if (status == StatusOk) status = SetInteger(&request->nonce, nonce, nonceLength);
-    if (status == StatusOk) status = SetAsn1BooleanField(&request->certReq, certReq != 0);
-    if (status == StatusOk) status = CopyExtensions(extensions, &request->extensions);
-    return status == StatusOk ? request.Encode(buffer, length) : status;
+    const Bytes parametersBytes = {parameters, parametersLength};
+    if (const Status status = SetImprint(imprint, hashOid, parametersBytes, {hash, hashLength})) return status;
+    // Without memory for the hash nothing is written, with status 0: see docs/oddities.md.
+    if (imprint->hashedMessage == nullptr) return StatusOk;
+    if (policyOid != nullptr) {
+        if (const Status status = ReplaceOidField(&request->reqPolicy, policyOid)) return status;
+    }
+    if (const Status status = SetOptionalBytes(&request->nonce, Asn1KindInteger, {nonce, nonceLength})) return status;
+    if (const Status status = SetAsn1BooleanField(&request->certReq, certReq != 0)) return status;
+    if (const Status status = CopyExtensions(extensions, &request->extensions)) return status;
+    return request.Encode(buffer, length);
 }
 
 Status DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* version, uint8_t* hashOid,
@@ -149,17 +122,14 @@ Status DecodeTimeStampReq(const uint8_t* bytes, uint32_t length, int32_t* versio
     }
     *extensions = nullptr;
     Tree<TimeStampReq> request;
-    const Status status = request.Decode(bytes, length);
-    if (status != StatusOk) return status;
-    FieldOutputs outputs;
-    outputs.Read(GetAsn1Int32, request->version, version);
-    ReadImprint(&outputs, request->messageImprint, hashOid, hashOidLength, parameters, parametersLength, hash,
-                hashLength);
-    outputs.Read<Asn1Value>(GetAsn1Oid, request->reqPolicy, policyOid, policyOidLength);
-    outputs.Read<void>(GetAsn1Value, request->nonce, nonce, nonceLength);
-    outputs.Read(GetAsn1Boolean, request->certReq, certReq);
-    outputs.Then(MoveExtensionsOut, &request->extensions, extensions);
-    return outputs.Result();
+    if (const Status status = request.Decode(bytes, length)) return status;
+    return ReadOutputs(OutputRule::kPastSmallBuffers, ValueIfAsked(GetAsn1Int32, request->version, version),
+                       ImprintInto(request->messageImprint, {hashOid, hashOidLength}, {parameters, parametersLength},
+                                   {hash, hashLength}),
+                       OidIfAsked(request->reqPolicy, {policyOid, policyOidLength}),
+                       BytesIfAsked(request->nonce, {nonce, nonceLength}),
+                       ValueIfAsked(GetAsn1Boolean, request->certReq, certReq),
+                       [&] { return TakeExtensions(&request->extensions, extensions); });
 }
 
 Status EncodeTimeStampResp(uint32_t status, const PKIFreeText* statusString, uint32_t failInfo,
@@ -168,9 +138,8 @@ Status EncodeTimeStampResp(uint32_t status, const PKIFreeText* statusString, uin
     const Tree<schema::Integer> number(AllocAsn1Integer(static_cast<int32_t>(status)));
     const Tree<schema::BitString> flags(failInfo == 0 ? nullptr : AllocAsn1BitStringFromFlags(failInfo));
     if (!number || (failInfo != 0 && !flags)) return Fail(StatusOutOfMemory);
-    // The encoder only reads what is borrowed.
-    PKIStatusInfo info = {number.Get(), const_cast<PKIFreeText*>(statusString), flags.Get()};
-    const TimeStampResp response = {&info, const_cast<CmsContentInfo*>(token)};
+    PKIStatusInfo info = {number.Get(), Unconst(statusString), flags.Get()};
+    const TimeStampResp response = {&info, Unconst(token)};
     return EncodeTree(&response, buffer, length);
 }
 
@@ -180,14 +149,12 @@ Status DecodeTimeStampResp(const uint8_t* bytes, uint32_t length, int32_t* statu
     *statusString = nullptr;
     *token = nullptr;
     Tree<TimeStampResp> response;
-    Status result = response.Decode(bytes, length);
-    if (result != StatusOk) return result;
+    if (const Status result = response.Decode(bytes, length)) return result;
     PKIStatusInfo* info = response->status;
-    result = GetAsn1Int32(info->status, status);
-    if (result != StatusOk) return result;
+    if (const Status result = GetAsn1Int32(info->status, status)) return result;
     *failInfo = info->failInfo == nullptr ? 0 : FlagsOfAsn1BitString(info->failInfo);
-    *statusString = std::exchange(info->statusString, nullptr);
-    *token = std::exchange(response->timeStampToken, nullptr);
+    *statusString = TakeField(&info->statusString);
+    *token = TakeField(&response->timeStampToken);
     return StatusOk;
 }
 
@@ -198,25 +165,23 @@ Status EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const uint8_t* 
                      X509Extensions extensions, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(hashOid, hash, serial, genTime, length)) return Fail(StatusBadArgument);
     Tree<TSTInfo> info;
-    Status status = info.Create();
-    if (status == StatusOk) status = SetNumber(&info->version, version);
-    // A null OID is reported like a lack of memory, and so is a time without a text: callers depend on both.
-    if (status == StatusOk) status = ReplaceOidField(&info->policy, policyOid);
-    if (status != StatusOk) return status;
+    if (const Status status = info.Create()) return status;
+    if (const Status status = SetNumber(&info->version, version)) return status;
+    // A null OID is reported like a lack of memory, and so is a time without a text: see docs/oddities.md.
+    if (const Status status = ReplaceOidField(&info->policy, policyOid)) return status;
     MessageImprint* imprint = info->messageImprint;
-    status = SetImprint(imprint, hashOid, parameters, parametersLength, hash, hashLength);
-    // As in a request.
-    if (status != StatusOk || imprint->hashedMessage == nullptr) return status;
-    status = SetInteger(&info->serialNumber, serial, serialLength);
-    if (status != StatusOk) return status;
-    info->genTime = PreciseTimeToGeneralizedTime(genTime);
-    if (info->genTime == nullptr) return Fail(StatusOutOfMemory);
-    status = WriteAccuracy(&info->accuracy, accuracy);
-    if (status == StatusOk) status = SetAsn1BooleanField(&info->ordering, ordering != 0);
-    if (status == StatusOk) status = SetInteger(&info->nonce, nonce, nonceLength);
-    if (status == StatusOk) status = CopyName(tsa, &info->tsa);
-    if (status == StatusOk) status = CopyExtensions(extensions, &info->extensions);
-    return status == StatusOk ? info.Encode(buffer, length) : status;
+    const Bytes parametersBytes = {parameters, parametersLength}, serialBytes = {serial, serialLength};
+    if (const Status status = SetImprint(imprint, hashOid, parametersBytes, {hash, hashLength})) return status;
+    if (imprint->hashedMessage == nullptr) return StatusOk;  // as in a request
+    if (const Status status = SetOptionalBytes(&info->serialNumber, Asn1KindInteger, serialBytes)) return status;
+    if (const Status status = ReplaceField(&info->genTime, PreciseTimeToGeneralizedTime(genTime))) return status;
+    if (const Status status = WriteAccuracy(&info->accuracy, accuracy)) return status;
+    if (const Status status = SetAsn1BooleanField(&info->ordering, ordering != 0)) return status;
+    if (const Status status = SetOptionalBytes(&info->nonce, Asn1KindInteger, {nonce, nonceLength})) return status;
+    // A name without a value is 32, by the copy.
+    if (const Status status = CopyOptional(tsa, &info->tsa)) return status;
+    if (const Status status = CopyExtensions(extensions, &info->extensions)) return status;
+    return info.Encode(buffer, length);
 }
 
 Status DecodeTSTInfo(const uint8_t* bytes, uint32_t length, int32_t* version, uint8_t* policyOid,
@@ -228,18 +193,18 @@ Status DecodeTSTInfo(const uint8_t* bytes, uint32_t length, int32_t* version, ui
     SetToNull(tsa);
     SetToNull(extensions);
     Tree<TSTInfo> info;
-    const Status status = info.Decode(bytes, length);
-    if (status != StatusOk) return status;
-    FieldOutputs outputs;
-    outputs.Read(GetAsn1Int32, info->version, version);
-    outputs.Read<Asn1Value>(GetAsn1Oid, info->policy, policyOid, policyOidLength);
-    ReadImprint(&outputs, info->messageImprint, hashOid, hashOidLength, parameters, parametersLength, hash, hashLength);
-    outputs.Read<void>(GetAsn1Value, info->serialNumber, serial, serialLength);
-    outputs.Read(GeneralizedTimeToPreciseTime, info->genTime, genTime);
-    outputs.Then(ReadAccuracy, info->accuracy, accuracy);
-    outputs.Read(GetAsn1Boolean, info->ordering, ordering);
-    outputs.Read<void>(GetAsn1Value, info->nonce, nonce, nonceLength);
-    outputs.Then(MoveOut<X509GeneralName>, &info->tsa, tsa);
-    outputs.Then(MoveExtensionsOut, &info->extensions, extensions);
-    return outputs.Result();
+    if (const Status status = info.Decode(bytes, length)) return status;
+    return ReadOutputs(
+        OutputRule::kPastSmallBuffers, ValueIfAsked(GetAsn1Int32, info->version, version),
+        OidIfAsked(info->policy, {policyOid, policyOidLength}),
+        ImprintInto(info->messageImprint, {hashOid, hashOidLength}, {parameters, parametersLength}, {hash, hashLength}),
+        BytesIfAsked(info->serialNumber, {serial, serialLength}),
+        ValueIfAsked(GeneralizedTimeToPreciseTime, info->genTime, genTime),
+        [&] { return ReadAccuracy(info->accuracy, accuracy); }, ValueIfAsked(GetAsn1Boolean, info->ordering, ordering),
+        BytesIfAsked(info->nonce, {nonce, nonceLength}),
+        [&]() -> Status {
+            if (tsa != nullptr) *tsa = TakeField(&info->tsa);
+            return StatusOk;
+        },
+        [&] { return TakeExtensions(&info->extensions, extensions); });
 }

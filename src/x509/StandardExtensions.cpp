@@ -49,17 +49,7 @@ Status BorrowPointName(const DistributionPointName* choice, X509GeneralNames** f
     return StatusOk;
 }
 
-// Copies an optional argument into a tree.
-template <class T>
-Status CopyIfGiven(const T* source, Tree<T>* copy) {
-    return source != nullptr ? copy->CopyOf(source) : StatusOk;
-}
-
 // --- Fields that may be absent ---
-
-Status SetOptionalValue(Asn1Value** field, uint32_t type, Bytes bytes) {
-    return bytes.data != nullptr ? SetAsn1ValueField(field, type, bytes.data, bytes.length) : StatusOk;
-}
 
 // A BIT STRING from a flag word.
 Status SetFlags(Asn1BitString** field, uint32_t flags, bool given) {
@@ -244,14 +234,12 @@ Status EncodeExtensionAuthorityKeyIdentifier(const uint8_t* keyId, uint32_t keyI
     if (length == nullptr) return Fail(StatusBadArgument);
     const Bytes keyIdBytes = {keyId, keyIdLength}, serialBytes = {serial, serialLength};
     Tree<AuthorityKeyIdentifier> identifier;
-    Tree<X509GeneralNames> names;
     if (const Status status = identifier.Create()) return status;
     Asn1Value** const idField = &identifier->keyIdentifier;
-    if (const Status status = SetOptionalValue(idField, Asn1KindOctetString, keyIdBytes)) return status;
-    if (const Status status = CopyIfGiven(issuer, &names)) return status;
-    identifier->authorityCertIssuer = names.Take();
+    if (const Status status = SetOptionalBytes(idField, Asn1KindOctetString, keyIdBytes)) return status;
+    if (const Status status = CopyOptional(issuer, &identifier->authorityCertIssuer)) return status;
     Asn1Value** const serialField = &identifier->authorityCertSerialNumber;
-    if (const Status status = SetOptionalValue(serialField, Asn1KindInteger, serialBytes)) return status;
+    if (const Status status = SetOptionalBytes(serialField, Asn1KindInteger, serialBytes)) return status;
     return identifier.Encode(buffer, length);
 }
 
@@ -294,8 +282,8 @@ Status EncodeExtensionIssuingDistributionPoint(const X509GeneralNames* fullName,
     Tree<X509Name> name;
     if (fullName != nullptr) relativeName = nullptr;
     if (const Status status = point.Create()) return status;
-    if (const Status status = CopyIfGiven(fullName, &names)) return status;
-    if (const Status status = CopyIfGiven(relativeName, &name)) return status;
+    if (const Status status = CopyOptional(fullName, names.Slot())) return status;
+    if (const Status status = CopyOptional(relativeName, name.Slot())) return status;
     if (const Status status = MoveToPointName(&names, &name, &point->distributionPoint)) return status;
     if (const Status status = SetFlag(&point->onlyContainsUserCerts, onlyUser, hasOnlyUser)) return status;
     if (const Status status = SetFlag(&point->onlyContainsCACerts, onlyCa, hasOnlyCa)) return status;

@@ -43,6 +43,11 @@ Status CopyList(const List* source, List** field) {
     return status;
 }
 
+// A copy of extensions that need not be given. An empty handle is StatusBadArgument, by the copy.
+inline Status CopyExtensions(X509Extensions source, X509ExtensionList** field) {
+    return source != nullptr ? CopyTree(source->list, field) : StatusOk;
+}
+
 // Removes the extensions with an OID, by RemoveX509ExtensionsExtension2, and adds a non-critical one.
 Status ReplaceExtension(X509Extensions extensions, const uint8_t* oid, Bytes value);
 
