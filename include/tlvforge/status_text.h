@@ -7,9 +7,9 @@
 
 #include "tlvforge/status.h"
 
-/*
+/**
  * StatusText says what a status means, in English and without a full stop at the end.
- * Result: constant text, never null; "unknown status" for a number that status.h doesn't list.
+ * @return constant text, never null; "unknown status" for a number that status.h doesn't list.
  */
 #ifdef __cplusplus
 inline const char* StatusText(Status status) noexcept {
