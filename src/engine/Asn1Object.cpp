@@ -19,9 +19,12 @@ const Asn1Item* ChildOf(const Asn1Item& item, uint32_t index) {
     return index < item.childCount && item.children != nullptr ? item.children[index] : nullptr;
 }
 
-Cell* NewCells(const Asn1Item& item) {
+Status CreateInArena(const Asn1Item* item, void** out, uint32_t fill, Arena& arena);
+Status CopyChild(const Asn1Item* item, const void* source, void** out, Arena& arena);
+
+Cell* NewCells(const Asn1Item& item, Arena& arena) {
     const size_t size = BlockSize(item);
-    void* block = Allocate(size);
+    void* block = arena.Allocate(size);
     if (block != nullptr) memset(block, 0, size);
     return static_cast<Cell*>(block);
 }
@@ -31,11 +34,11 @@ Status StoreNode(void* node, void** out) {
     return node == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
 }
 
-Status CreateBlock(const Asn1Item& item, void** out, uint32_t fill) {
-    Cell* block = NewCells(item);
+Status CreateBlock(const Asn1Item& item, void** out, uint32_t fill, Arena& arena) {
+    Cell* block = NewCells(item, arena);
     if (block == nullptr) return Fail(StatusOutOfMemory);
     for (uint32_t i = 0; i < item.childCount; ++i) {
-        const Status status = CreateAsn1Object(ChildOf(item, i), &block[i], fill);
+        const Status status = CreateInArena(ChildOf(item, i), &block[i], fill, arena);
         if (status != StatusOk) {
             FreeAsn1Object(&item, block);
             return status;
@@ -45,22 +48,22 @@ Status CreateBlock(const Asn1Item& item, void** out, uint32_t fill) {
     return StatusOk;
 }
 
-Status CreatePrimitive(uint8_t kind, void** out, uint32_t fill) {
-    // Not even a store: the caller's cell is zeroed by the block around it.
+Status CreatePrimitive(uint8_t kind, void** out, uint32_t fill, Arena& arena) {
+    // The cell stays as it is: the block around it has zeroed it.
     if (fill == 0) return StatusOk;
-    if (kind == Asn1KindBitString) return StoreNode(NewRecord<Asn1BitString>(), out);
-    Asn1Value* value = NewRecord<Asn1Value>();
+    if (kind == Asn1KindBitString) return StoreNode(NewRecord<Asn1BitString>(arena), out);
+    Asn1Value* value = NewRecord<Asn1Value>(arena);
     // An empty value has type 0 and not its kind, but for an object identifier.
     if (value != nullptr && kind == Asn1KindObjectIdentifier) value->type = kind;
     return StoreNode(value, out);
 }
 
-Status CopyBlock(const Asn1Item& item, const Cell* source, void** out) {
-    Cell* block = NewCells(item);
+Status CopyBlock(const Asn1Item& item, const Cell* source, void** out, Arena& arena) {
+    Cell* block = NewCells(item, arena);
     if (block == nullptr) return Fail(StatusOutOfMemory);
     for (uint32_t i = 0; i < item.childCount; ++i) {
         if (source[i] == nullptr) continue;
-        const Status status = CopyAsn1Object(ChildOf(item, i), source[i], &block[i]);
+        const Status status = CopyChild(ChildOf(item, i), source[i], &block[i], arena);
         if (status != StatusOk) {
             FreeAsn1Object(&item, block);
             return status;
@@ -70,36 +73,37 @@ Status CopyBlock(const Asn1Item& item, const Cell* source, void** out) {
     return StatusOk;
 }
 
-Status CopyChoice(const Asn1Item& item, const Asn1Choice& source, void** out) {
+Status CopyChoice(const Asn1Item& item, const Asn1Choice& source, void** out, Arena& arena) {
     if (source.selected >= item.childCount) return Fail(StatusBadAlternative);
     void* value = nullptr;
-    const Status status = CopyAsn1Object(ChildOf(item, source.selected), source.value, &value);
+    const Status status = CopyChild(ChildOf(item, source.selected), source.value, &value, arena);
     if (status != StatusOk) return status;
-    Asn1Choice* copy = AllocAsn1Choice(source.selected, value);
-    if (copy == nullptr) FreeAsn1Object(ChildOf(item, source.selected), value);
-    return StoreNode(copy, out);
+    Asn1Choice* copy = NewRecord<Asn1Choice>(arena);
+    if (copy == nullptr) {
+        FreeAsn1Object(ChildOf(item, source.selected), value);
+        return Fail(StatusOutOfMemory);
+    }
+    *copy = {source.selected, value};
+    *out = copy;
+    return StatusOk;
 }
 
-Status CopyElements(const Asn1Item& element, const Asn1List& source, Asn1List* copy) {
+Status CopyElements(const Asn1Item& element, const Asn1List& source, Asn1List* copy, Arena& arena) {
     for (uint32_t i = 0; i < source.count; ++i) {
         void* node = nullptr;
-        Status status = CopyAsn1Object(&element, source.items[i], &node);
-        if (status == StatusOk) {
-            status = AddAsn1ListItem(copy, element, node);
-            if (status != StatusOk) FreeAsn1Object(&element, node);
-        }
-        if (status != StatusOk) return status;
+        if (const Status status = CopyChild(&element, source.items[i], &node, arena)) return status;
+        static_cast<Cell*>(copy->items)[copy->count++] = node;
     }
     return StatusOk;
 }
 
 // The copy's sorted flag is that of a new list.
-Status CopyList(const Asn1Item& item, const Asn1List& source, void** out) {
+Status CopyList(const Asn1Item& item, const Asn1List& source, void** out, Arena& arena) {
     const Asn1Item* element = ChildOf(item, 0);
     if (source.count != 0 && AnyNull(element, source.items)) return Fail(StatusBadArgument);
-    Asn1List* copy = AllocAsn1List();
+    Asn1List* copy = NewListWithTable(source.count, arena);
     if (copy == nullptr) return Fail(StatusOutOfMemory);
-    const Status status = source.count == 0 ? StatusOk : CopyElements(*element, source, copy);
+    const Status status = source.count == 0 ? StatusOk : CopyElements(*element, source, copy, arena);
     if (status != StatusOk) {
         FreeAsn1Object(&item, copy);
         return status;
@@ -109,9 +113,9 @@ Status CopyList(const Asn1Item& item, const Asn1List& source, void** out) {
 }
 
 template <class Record>
-Status CopyRecord(const Record& source, void** out) {
+Status CopyRecord(const Record& source, void** out, Arena& arena) {
     if (HasLostBytes(&source)) return Fail(StatusAbsent);
-    Record* copy = NewRecordWithBytes<Record>(source.length);
+    Record* copy = NewRecordWithBytes<Record>(source.length, arena);
     if (copy == nullptr) return Fail(StatusOutOfMemory);
     CopyBytes(BytesBeside(copy), source.data, source.length);
     if constexpr (requires { copy->type; }) {
@@ -123,56 +127,82 @@ Status CopyRecord(const Record& source, void** out) {
     return StatusOk;
 }
 
-Status CopyNode(const Asn1Item& item, const void* source, void** out) {
-    if (IsCopiedAsValue(item.kind)) return CopyRecord(*static_cast<const Asn1Value*>(source), out);
-    if (item.kind == Asn1KindBitString) return CopyRecord(*static_cast<const Asn1BitString*>(source), out);
-    if (item.kind == Asn1KindAny) return CopyRecord(*static_cast<const Asn1Any*>(source), out);
-    if (item.kind == Asn1KindChoice) return CopyChoice(item, *static_cast<const Asn1Choice*>(source), out);
-    if (IsList(item)) return CopyList(item, *static_cast<const Asn1List*>(source), out);
-    if (IsBlock(item)) return CopyBlock(item, static_cast<const Cell*>(source), out);
+Status CopyNode(const Asn1Item& item, const void* source, void** out, Arena& arena) {
+    if (IsCopiedAsValue(item.kind)) return CopyRecord(*static_cast<const Asn1Value*>(source), out, arena);
+    if (item.kind == Asn1KindBitString) return CopyRecord(*static_cast<const Asn1BitString*>(source), out, arena);
+    if (item.kind == Asn1KindAny) return CopyRecord(*static_cast<const Asn1Any*>(source), out, arena);
+    if (item.kind == Asn1KindChoice) return CopyChoice(item, *static_cast<const Asn1Choice*>(source), out, arena);
+    if (IsList(item)) return CopyList(item, *static_cast<const Asn1List*>(source), out, arena);
+    if (IsBlock(item)) return CopyBlock(item, static_cast<const Cell*>(source), out, arena);
     return Fail(StatusUnsupportedKind);
 }
 
-void FreeConstructed(const Asn1Item& item, void* node);
+Status CopyChild(const Asn1Item* item, const void* source, void** out, Arena& arena) {
+    return AnyNull(item, source) ? Fail(StatusBadArgument) : CopyIntoArena(*item, source, out, arena);
+}
+
+// ---- Freeing. A node's parts are freed before it, and nothing of a node is read after it ----------------------------
+
+// Values of all kinds have their bytes at one place.
+template <class Record>
+[[gnu::always_inline]] inline void FreeRecord(Record* record, Releases& releases) {
+    ReleaseBytes(record);
+    releases.Add(record);
+}
+
+void FreeConstructed(const Facts& facts, void* node, Releases& releases);
 
 // The item's constructed bit decides first: an item that should have it and hasn't frees nothing.
-inline void FreeNode(const Asn1Item& item, void* node) {
-    if (item.constructedBit == 0 && IsValueKind(item.kind)) {
-        ReleaseRecord(static_cast<Asn1Value*>(node));
-    } else if (item.kind == Asn1KindAny) {
-        ReleaseRecord(static_cast<Asn1Any*>(node));
-    } else if (item.constructedBit != 0) {
-        FreeConstructed(item, node);
-    } else if (item.kind == Asn1KindBitString) {
-        ReleaseRecord(static_cast<Asn1BitString*>(node));
+[[gnu::always_inline]] inline void FreeNode(const Facts& facts, void* node, Releases& releases) {
+    if (node == nullptr) return;
+    if (facts.Is(Facts::kLeaf)) {
+        FreeRecord(static_cast<Asn1Value*>(node), releases);
+    } else if (facts.item->constructedBit != 0) {
+        FreeConstructed(facts, node, releases);
     }
 }
 
-inline void FreeChild(const Asn1Item* item, void* node) {
-    if (item != nullptr && node != nullptr) FreeNode(*item, node);
+// A child of an item of another maker may be missing.
+void FreeChild(const Facts& facts, uint32_t index, void* node, Releases& releases) {
+    if (facts.children != nullptr && index < facts.childCount) {
+        FreeNode(facts.children[index], node, releases);
+    } else if (const Asn1Item* item = ChildOf(*facts.item, index)) {
+        FreeNode(FactsOf(*item), node, releases);
+    }
 }
 
-void FreeList(const Asn1Item* element, Asn1List* list) {
+void FreeList(const Facts& facts, Asn1List* list, Releases& releases) {
     if (list->items != nullptr) {
-        for (uint32_t i = 0; i < list->count; ++i) FreeChild(element, list->items[i]);
+        Cell* const items = static_cast<Cell*>(list->items);
+        if (facts.children != nullptr) {
+            for (uint32_t i = 0; i < list->count; ++i) FreeNode(*facts.children, items[i], releases);
+        } else {
+            for (uint32_t i = 0; i < list->count; ++i) FreeChild(facts, 0, items[i], releases);
+        }
         ReleaseListTable(list);
     }
-    Release(list);
+    releases.Add(list);
 }
 
-void FreeConstructed(const Asn1Item& item, void* node) {
-    if (IsList(item)) {
-        FreeList(ChildOf(item, 0), static_cast<Asn1List*>(node));
-    } else if (item.kind == Asn1KindChoice) {
+[[gnu::noinline]] void FreeConstructed(const Facts& facts, void* node, Releases& releases) {
+    if (IsList(*facts.item)) {
+        FreeList(facts, static_cast<Asn1List*>(node), releases);
+    } else if (facts.kind == Asn1KindChoice) {
         Asn1Choice* choice = static_cast<Asn1Choice*>(node);
-        FreeChild(ChildOf(item, choice->selected), choice->value);
-        Release(choice);
+        FreeChild(facts, choice->selected, choice->value, releases);
+        releases.Add(choice);
     } else {
-        Cell* block = static_cast<Cell*>(node);
-        for (uint32_t i = 0; i < item.childCount; ++i) FreeChild(ChildOf(item, i), block[i]);
-        Release(block);
+        Cell* cell = static_cast<Cell*>(node);
+        const Facts* const last = facts.children + facts.childCount;
+        for (const Facts* field = facts.children; field != last; ++field, ++cell) FreeNode(*field, *cell, releases);
+        if (facts.children == nullptr) {
+            for (uint32_t i = 0; i < facts.item->childCount; ++i) FreeChild(facts, i, cell[i], releases);
+        }
+        releases.Add(node);
     }
 }
+
+// ---- Comparing ------------------------------------------------------------------------------------------------------
 
 Status CompareBlocks(const Asn1Item& item, const Cell* left, const Cell* right, uint32_t* equal) {
     *equal = 1;
@@ -212,46 +242,65 @@ Status CompareNodes(const Asn1Item& item, const void* left, const void* right, u
     return StatusOk;
 }
 
+// Slabs of trees that are created and copied: most fit one.
+constexpr size_t kSmallSlab = 512;
+
+Status CreateInArena(const Asn1Item* item, void** out, uint32_t fill, Arena& arena) {
+    if (AnyNull(item, out)) return Fail(StatusBadArgument);
+    if ((item->itemFlags & Asn1FlagOptional) != 0) {
+        if (item->defaultValue != nullptr) return CopyIntoArena(*item, item->defaultValue, out, arena);
+        *static_cast<Cell*>(out) = nullptr;
+        return StatusOk;
+    }
+    const uint8_t kind = item->kind;
+    if (kind == Asn1KindBitString || IsValueKind(kind)) return CreatePrimitive(kind, out, fill, arena);
+    *static_cast<Cell*>(out) = nullptr;
+    if (IsBlock(*item)) return CreateBlock(*item, out, fill, arena);
+    if (kind == Asn1KindChoice) return StoreNode(NewRecord<Asn1Choice>(arena), out);
+    if (kind == Asn1KindAny) return StoreNode(NewRecord<Asn1Any>(arena), out);
+    // A block of its own: programs take empty lists out of a new tree and end them by themselves.
+    if (IsList(*item)) return StoreNode(AllocAsn1List(), out);
+    return Fail(StatusUnsupportedKind);
+}
+
 }  // namespace
+
+Status CopyIntoArena(const Asn1Item& item, const void* source, void** out, Arena& arena) {
+    void* copy = nullptr;
+    const Status status =
+        IsAbsentOrUnknown(item.kind) ? Fail(StatusUnsupportedKind) : CopyNode(item, source, &copy, arena);
+    *static_cast<Cell*>(out) = copy;
+    return status;
+}
 
 Status CopyAsn1Object(const Asn1Item* item, const void* source, void** out) {
     if (AnyNull(item, source, out)) return Fail(StatusBadArgument);
-    void* copy = nullptr;
-    const Status status = IsAbsentOrUnknown(item->kind) ? Fail(StatusUnsupportedKind) : CopyNode(*item, source, &copy);
-    *static_cast<Cell*>(out) = copy;
-    return status;
+    Arena arena(item->constructedBit != 0 ? kSmallSlab : 0);
+    return CopyIntoArena(*item, source, out, arena);
+}
+
+void FreeWithFacts(const Facts& facts, void* node) {
+    Releases releases;
+    FreeNode(facts, node, releases);
 }
 
 }  // namespace tlvforge
 
 Status CreateAsn1Object(const Asn1Item* item, void** out, uint32_t fill) {
-    if (AnyNull(item, out)) return Fail(StatusBadArgument);
-    if ((item->itemFlags & Asn1FlagOptional) != 0) {
-        if (item->defaultValue != nullptr) return CopyAsn1Object(item, item->defaultValue, out);
-        *static_cast<Cell*>(out) = nullptr;
-        return StatusOk;
-    }
-    const uint8_t kind = item->kind;
-    if (kind == Asn1KindBitString || IsValueKind(kind)) {
-        return CreatePrimitive(kind, out, fill);
-    }
-    *static_cast<Cell*>(out) = nullptr;
-    if (IsBlock(*item)) return CreateBlock(*item, out, fill);
-    if (kind == Asn1KindChoice) return StoreNode(AllocAsn1Choice(), out);
-    if (kind == Asn1KindAny) return StoreNode(NewRecord<Asn1Any>(), out);
-    if (IsList(*item)) return StoreNode(AllocAsn1List(), out);
-    return Fail(StatusUnsupportedKind);
+    Arena arena(item != nullptr && IsBlock(*item) ? kSmallSlab : 0);
+    return CreateInArena(item, out, fill, arena);
 }
 
 Status CreateOptionalAsn1Sequence(const Asn1Item* item, void** out, uint32_t fill) {
     if (AnyNull(item, out)) return Fail(StatusBadArgument);
     if ((item->itemFlags & Asn1FlagOptional) == 0 || !IsBlock(*item)) return Fail(StatusBadArgument);
     *static_cast<Cell*>(out) = nullptr;
-    return CreateBlock(*item, out, fill);
+    Arena arena(kSmallSlab);
+    return CreateBlock(*item, out, fill, arena);
 }
 
 Status FreeAsn1Object(const Asn1Item* item, void* node) {
-    FreeChild(item, node);
+    if (item != nullptr) FreeWithFacts(FactsOf(*item), node);
     return StatusOk;
 }
 

@@ -5,13 +5,29 @@ using namespace tlvforge;
 namespace tlvforge {
 
 void ReleaseListTable(Asn1List* list) {
-    if (list->items != reinterpret_cast<void**>(list + 1)) Release(list->items);
+    if (list->items != reinterpret_cast<void**>(list + 1)) ReleaseBlock(list->items);
 }
 
 Asn1List* AllocAsn1List() {
     Asn1List* list = NewRecord<Asn1List>();
     if (list != nullptr) list->sorted = 1;
     return list;
+}
+
+Asn1List* NewListWithTable(uint32_t count, Arena& arena) {
+    uint64_t slots = count != 0 ? NextSlots(0) : 0;
+    const bool beside = count <= slots;
+    while (slots < count) slots = NextSlots(slots);
+    void* block = arena.Allocate(sizeof(Asn1List) + (beside ? slots * sizeof(void*) : 0));
+    if (block == nullptr) return nullptr;
+    Asn1List* list = new (block) Asn1List{};
+    list->sorted = 1;
+    if (slots == 0) return list;
+    list->items = beside ? reinterpret_cast<void**>(list + 1) : static_cast<void**>(Allocate(slots * sizeof(void*)));
+    list->capacity = static_cast<uint32_t>(slots);
+    if (list->items != nullptr) return list;
+    Release(block);
+    return nullptr;
 }
 
 Status ReserveAsn1ListItem(Asn1List* list) {

@@ -21,35 +21,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "tlvforge/asn1.h"
+#include "engine/facts.h"
 
 namespace tlvforge {
-
-// ---- What the engine asks of an item --------------------------------------------------------------------------------
-
-constexpr bool IsList(const Asn1Item& item) { return item.kind == Asn1KindSequenceOf || item.kind == Asn1KindSetOf; }
-
-template <class... Kinds>
-constexpr uint32_t KindBits(Kinds... kinds) {
-    return ((1u << kinds) | ...);
-}
-
-// Kinds whose node is an Asn1Value with the content bytes as they stand.
-inline constexpr uint32_t kValueKinds = KindBits(
-    Asn1KindBoolean, Asn1KindInteger, Asn1KindOctetString, Asn1KindNull, Asn1KindObjectIdentifier, Asn1KindEnumerated,
-    Asn1KindUTF8String, Asn1KindNumericString, Asn1KindPrintableString, Asn1KindTeletexString, Asn1KindVideotexString,
-    Asn1KindIA5String, Asn1KindUTCTime, Asn1KindGeneralizedTime, Asn1KindGraphicString, Asn1KindVisibleString,
-    Asn1KindGeneralString, Asn1KindUniversalString, Asn1KindBMPString);
-
-constexpr bool IsValueKind(uint8_t kind) { return kind < 32 && (kValueKinds >> kind & 1) != 0; }
-
-// The tag number that a kind has in the universal class: lists have that of SEQUENCE and SET.
-constexpr int32_t UniversalTagOf(uint8_t kind) { return kind & 127; }
-
-// The tag number that an item has on the wire.
-constexpr int32_t TagOf(const Asn1Item& item) {
-    return item.tagNumber >= 0 ? item.tagNumber : UniversalTagOf(item.kind);
-}
 
 // ---- Nodes ----------------------------------------------------------------------------------------------------------
 
@@ -99,11 +73,60 @@ inline constexpr Asn1Item itemOf = [] {
     return schema::Schema<Element>::template Item<Element>();
 }();
 
+// ---- Facts ----------------------------------------------------------------------------------------------------------
+
+namespace schema {
+
+// The composed element under tags and options, and whether one of them is a default.
+template <class Element>
+struct Peeled {
+    using Composed = Element;
+    static constexpr bool kHasDefault = false;
+};
+template <class Element>
+requires requires { typename Schema<Element>::Base; }
+struct Peeled<Element> {
+    using Inner = Peeled<typename Schema<Element>::Base>;
+    using Composed = typename Inner::Composed;
+    static constexpr bool kHasDefault = Inner::kHasDefault || requires { Schema<Element>::kDefault; };
+};
+
+template <class Element>
+concept Composed = requires {
+    Schema<Element>::ChildFacts();
+};
+
+}  // namespace schema
+
+template <class Element>
+inline constexpr auto childFacts = schema::Schema<Element>::ChildFacts();
+
+template <class Element>
+constexpr Facts MakeFactsOf() {
+    using Peeled = schema::Peeled<Element>;
+    if constexpr (schema::Composed<typename Peeled::Composed>) {
+        constexpr auto& children = childFacts<typename Peeled::Composed>;
+        return MakeFacts(itemOf<Element>, children.facts, children.kCount, Peeled::kHasDefault);
+    } else {
+        return MakeFacts(itemOf<Element>, nullptr, 0, Peeled::kHasDefault);
+    }
+}
+
+// The facts of an element of a typed schema.
+template <class Element>
+inline constexpr Facts factsOf = MakeFactsOf<Element>();
+
 namespace schema {
 
 template <size_t Count>
 struct ChildTable {
     const Asn1Item* items[Count];
+};
+
+template <uint16_t Count>
+struct ChildFactTable {
+    static constexpr uint16_t kCount = Count;
+    Facts facts[Count];
 };
 
 // ---- Primitive elements ---------------------------------------------------------------------------------------------
@@ -227,6 +250,7 @@ struct Record {
     using Node = typename FirstOf<Fields...>::Type::Record;
 
     static constexpr ChildTable<sizeof...(Fields)> Children() { return {{&itemOf<typename Fields::Element>...}}; }
+    static constexpr ChildFactTable<sizeof...(Fields)> ChildFacts() { return {{factsOf<typename Fields::Element>...}}; }
 
     template <class Self>
     static constexpr Asn1Item Item() {
@@ -248,6 +272,7 @@ struct List {
     using Node = ListOf<NodeOf<Element>>;
 
     static constexpr ChildTable<1> Children() { return {{&itemOf<Element>}}; }
+    static constexpr ChildFactTable<1> ChildFacts() { return {{factsOf<Element>}}; }
 
     template <class Self>
     static constexpr Asn1Item Item() {
@@ -270,6 +295,7 @@ struct Choice {
     using Node = Asn1Choice;
 
     static constexpr ChildTable<sizeof...(Alternatives)> Children() { return {{&itemOf<Alternatives>...}}; }
+    static constexpr ChildFactTable<sizeof...(Alternatives)> ChildFacts() { return {{factsOf<Alternatives>...}}; }
 
     template <class Self>
     static constexpr Asn1Item Item() {
@@ -295,8 +321,9 @@ constexpr Asn1Item Tagged(Asn1Item item, uint8_t tagClass, int32_t number, uint8
     return item;
 }
 
-template <int32_t Number, class Base>
+template <int32_t Number, class Element>
 struct Implicit {
+    using Base = Element;
     using Node = NodeOf<Base>;
 
     template <class>
@@ -307,8 +334,9 @@ struct Implicit {
     }
 };
 
-template <int32_t Number, class Base>
+template <int32_t Number, class Element>
 struct Explicit {
+    using Base = Element;
     using Node = NodeOf<Base>;
 
     template <class>
@@ -335,8 +363,9 @@ struct ImplicitConstructedAny : Implicit<Number, ConstructedAny> {};
 
 // Odd tags that the wire format of some structures asks for, where a module would have context tags: a number in the
 // universal class, implicit or explicit, and a context class with the number of the kind.
-template <class Base, int32_t Number, uint8_t TagClass, uint8_t Flag>
+template <class Element, int32_t Number, uint8_t TagClass, uint8_t Flag>
 struct OddTag {
+    using Base = Element;
     using Node = NodeOf<Base>;
 
     template <class>
@@ -346,17 +375,18 @@ struct OddTag {
     }
 };
 
-template <int32_t Number, class Base>
-struct UniversalTag : OddTag<Base, Number, Asn1ClassUniversal, 0> {};
-template <int32_t Number, class Base>
-struct UniversalExplicit : OddTag<Base, Number, Asn1ClassUniversal, Asn1FlagExplicit> {};
-template <class Base>
-struct ContextOfKind : OddTag<Base, -1, Asn1ClassContext, 0> {};
+template <int32_t Number, class Element>
+struct UniversalTag : OddTag<Element, Number, Asn1ClassUniversal, 0> {};
+template <int32_t Number, class Element>
+struct UniversalExplicit : OddTag<Element, Number, Asn1ClassUniversal, Asn1FlagExplicit> {};
+template <class Element>
+struct ContextOfKind : OddTag<Element, -1, Asn1ClassContext, 0> {};
 
 // ---- Optional elements and their defaults ---------------------------------------------------------------------------
 
-template <class Base>
+template <class Element>
 struct Optional {
+    using Base = Element;
     using Node = NodeOf<Base>;
 
     template <class>
@@ -373,9 +403,11 @@ constexpr bool FitsDefault(const Asn1Item&, const Node&) {
     return true;
 }
 
-template <class Base, const auto& Value>
+template <class Element, const auto& Value>
 struct Default {
+    using Base = Element;
     using Node = NodeOf<Base>;
+    static constexpr bool kDefault = true;
 
     template <class>
     static constexpr Asn1Item Item() {

@@ -9,9 +9,9 @@
 
 #include <new>
 
+#include "engine/arena.h"
 #include "engine/failure.h"
 #include "engine/items.h"
-#include "engine/tmalloc.h"
 
 namespace tlvforge {
 
@@ -29,18 +29,23 @@ uint8_t* BytesBeside(Record* record) {
     return reinterpret_cast<uint8_t*>(record + 1);
 }
 
-// A zeroed record without bytes.
 template <class Record>
-Record* NewRecord() {
-    void* block = Allocate(sizeof(Record) + 1);
+const uint8_t* BytesBeside(const Record* record) {
+    return reinterpret_cast<const uint8_t*>(record + 1);
+}
+
+// A zeroed record without bytes, from an arena or a block of its own.
+template <class Record, class Source = Heap>
+Record* NewRecord(Source&& source = {}) {
+    void* block = source.Allocate(sizeof(Record) + 1);
     if (block == nullptr) return nullptr;
     return new (block) Record{};
 }
 
 // A record with room for `length` bytes beside it, which the caller fills.
-template <class Record>
-Record* NewRecordWithBytes(uint32_t length) {
-    void* block = Allocate(sizeof(Record) + (length != 0 ? length : 1));
+template <class Record, class Source = Heap>
+Record* NewRecordWithBytes(uint32_t length, Source&& source = {}) {
+    void* block = source.Allocate(sizeof(Record) + (length != 0 ? length : 1));
     if (block == nullptr) return nullptr;
     Record* record = new (block) Record{};
     record->length = length;
@@ -79,19 +84,9 @@ inline uint8_t* CopyOfBytes(const uint8_t* data, uint32_t length) {
     return copy;
 }
 
-// A value record with a copy of the bytes beside it, of any kind but BIT STRING. Null when out of memory.
-template <class Record>
-Record* NewValue(uint32_t type, const uint8_t* data, uint32_t length) {
-    Record* record = NewRecordWithBytes<Record>(length);
-    if (record == nullptr) return nullptr;
-    record->type = type;
-    CopyBytes(BytesBeside(record), data, length);
-    return record;
-}
-
 template <class Record>
 void ReleaseBytes(Record* record) {
-    if (record->data != BytesBeside(record)) Release(record->data);
+    if (record->data != BytesBeside(record)) ReleaseBlock(record->data);
 }
 
 template <class Record>
@@ -171,6 +166,8 @@ Status ClearAsn1Choice(const Asn1Item& item, Asn1Choice* choice);
 // later ones grow fast, for the sake of large CRLs.
 constexpr uint64_t NextSlots(uint64_t slots) { return slots == 0 ? 10 : slots + 200 + slots / 2; }
 Asn1List* AllocAsn1List();
+// With a table as the growth to `count` elements would have made it, but at once; the smallest is beside the record.
+Asn1List* NewListWithTable(uint32_t count, Arena& arena);
 // The first table may lie beside the record, in its block.
 void ReleaseListTable(Asn1List* list);
 // Makes room for one element more. After a failure the list is as it was.
@@ -188,18 +185,27 @@ void ClearAsn1List(Asn1List* list, const Asn1Item& item);
 
 // Deep copy of any tree. *out is null after a failure.
 Status CopyAsn1Object(const Asn1Item* item, const void* source, void** out);
+Status CopyIntoArena(const Asn1Item& item, const void* source, void** out, Arena& arena);
+
+// The exports of the engine for the items of typed schemas, by their facts. *consumed may be missing.
+Status DecodeWithFacts(const uint8_t* data, uint32_t length, const Facts& facts, void** out,
+                       uint32_t* consumed = nullptr);
+Status EncodeWithFacts(const void* node, const Facts& facts, uint8_t* buffer, uint32_t* length);
+void FreeWithFacts(const Facts& facts, void* node);
 
 // ---- Trees by the type of their root --------------------------------------------------------------------------------
 
-// The item that frees a node. Any kind of value does for a value record.
+// The facts that free a node. Any kind of value does for a value record.
 template <class Node>
-inline constexpr const Asn1Item& releaseItemOf = itemOf<Node>;
+inline constexpr const Facts& releaseFactsOf = factsOf<Node>;
 template <>
-inline constexpr const Asn1Item& releaseItemOf<Asn1Value> = itemOf<schema::OctetString>;
+inline constexpr const Facts& releaseFactsOf<Asn1Value> = factsOf<schema::OctetString>;
 template <>
-inline constexpr const Asn1Item& releaseItemOf<Asn1BitString> = itemOf<schema::BitString>;
+inline constexpr const Facts& releaseFactsOf<Asn1BitString> = factsOf<schema::BitString>;
 template <>
-inline constexpr const Asn1Item& releaseItemOf<Asn1Any> = itemOf<schema::Any>;
+inline constexpr const Facts& releaseFactsOf<Asn1Any> = factsOf<schema::Any>;
+template <class Node>
+inline constexpr const Asn1Item& releaseItemOf = *releaseFactsOf<Node>.item;
 
 template <class Node>
 Status CreateTree(Node** out, uint32_t fill = 1) {
@@ -220,8 +226,7 @@ Status CopyOptional(const Node* source, Node** field) {
 // One element at the front; what follows it is ignored.
 template <class Node>
 Status DecodeTree(const uint8_t* data, uint32_t length, Node** out) {
-    uint32_t consumed = 0;
-    return Asn1DecodeItem(data, length, &itemOf<Node>, Untyped(out), &consumed);
+    return DecodeWithFacts(data, length, factsOf<Node>, Untyped(out));
 }
 
 // For decoders that refuse an empty input as an argument, where the engine would call it bad encoding.
@@ -233,12 +238,13 @@ Status DecodeNonEmpty(const uint8_t* data, uint32_t length, Node** out, Place pl
 
 template <class Node>
 Status EncodeTree(const Node* node, uint8_t* buffer, uint32_t* length) {
-    return GetAsn1EncodedValue(node, &itemOf<Node>, buffer, length);
+    return EncodeWithFacts(node, factsOf<Node>, buffer, length);
 }
 
 template <class Node>
 Status FreeTree(Node* node) {
-    return FreeAsn1Object(&releaseItemOf<Node>, node);
+    FreeWithFacts(releaseFactsOf<Node>, node);
+    return StatusOk;
 }
 
 // Frees what a field holds, and empties the field.
@@ -274,7 +280,7 @@ public:
     explicit Tree(Node* node = nullptr) : node_(node) {}
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
-    ~Tree() { FreeAsn1Object(&itemOf<Element>, node_); }
+    ~Tree() { FreeWithFacts(factsOf<Element>, node_); }
 
     Node* Get() const { return node_; }
     Node* operator->() const { return node_; }
@@ -284,12 +290,11 @@ public:
 
     Status Create(uint32_t fill = 0) { return CreateAsn1Object(&itemOf<Element>, Untyped(&node_), fill); }
     Status Decode(const uint8_t* data, uint32_t length) {
-        uint32_t consumed = 0;
-        return Asn1DecodeItem(data, length, &itemOf<Element>, Untyped(&node_), &consumed);
+        return DecodeWithFacts(data, length, factsOf<Element>, Untyped(&node_));
     }
     Status CopyOf(const Node* source) { return CopyAsn1Object(&itemOf<Element>, source, Untyped(&node_)); }
     Status Encode(uint8_t* buffer, uint32_t* length) const {
-        return GetAsn1EncodedValue(node_, &itemOf<Element>, buffer, length);
+        return EncodeWithFacts(node_, factsOf<Element>, buffer, length);
     }
 
     // Hands the tree over.

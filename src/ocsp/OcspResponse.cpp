@@ -326,8 +326,9 @@ Status SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* single, const 
 Status AllocCertStatusRevokedInfo(const LibraryTime* time, int32_t reason, OcspRevokedInfo** info) {
     if (AnyNull(time, info)) return Fail(StatusBadArgument);
     *info = nullptr;
-    Tree<OcspRevokedInfo> record;
-    if (const Status status = record.Create()) return status;
+    // Blocks that the caller may end by itself.
+    Tree<OcspRevokedInfo> record(NewRecord<OcspRevokedInfo>());
+    if (!record) return Fail(StatusOutOfMemory);
     if (const Status status = SetOptionalTime(&record->revocationTime, time)) return status;
     if (reason >= 0) {
         if (const Status status = SetAsn1Int32Field(&record->revocationReason, reason)) return status;

@@ -1,6 +1,7 @@
 #include "tlvforge/crl.h"
 
 #include "common/times.h"
+#include "engine/header.h"
 #include "x509/crl.schema.h"
 #include "x509/fields.h"
 
@@ -35,17 +36,16 @@ Status Read(const Asn1Value* value, uint32_t limit, Bytes* bytes) {
     return StatusOk;
 }
 
-// Takes an element with a one-octet identifier off the front of the bytes, if one stands there. An indefinite length,
-// and one of more octets than the limits above need, is left to the decoder.
+// Takes an element off the front of the bytes, if one with this identifier stands there in the usual form. Others are
+// left to the decoder.
 bool TakeElement(Bytes* bytes, uint8_t identifier, Bytes* content) {
-    const uint8_t* at = bytes->data;
-    if (bytes->length < 2 || at[0] != identifier || at[1] == 0x80) return false;
-    const uint32_t octets = at[1] < 0x80 ? 0 : at[1] - 0x80;
-    if (octets > 2 || bytes->length < 2 + octets) return false;
-    const uint32_t length = octets == 0 ? at[1] : octets == 1 ? at[2] : at[2] << 8 | at[3];
-    if (length > bytes->length - 2 - octets) return false;
-    *content = {at + 2 + octets, length};
-    *bytes = {content->data + length, bytes->length - 2 - octets - length};
+    const uint8_t* const end = bytes->data + bytes->length;
+    const uint8_t* at = nullptr;
+    uint32_t length = 0;
+    if (!ReadUsualLength(bytes->data, end, &at, &length) || bytes->data[0] != identifier) return false;
+    if (length > static_cast<uint64_t>(end - at)) return false;
+    *content = {at, length};
+    *bytes = {at + length, static_cast<uint32_t>(end - at) - length};
     return true;
 }
 

@@ -227,7 +227,8 @@ TEST(Engine, CostIsLinearInDepthAndSize) {
         ASSERT_EQ(Decode(ber, &node, &consumed), 0u);
         ASSERT_EQ(Encode(node).size(), ber.size());
         EXPECT_EQ(instruments.decoderVisits, nodes);
-        EXPECT_EQ(instruments.encoderVisits, 4 * nodes) << "each of 4 passes visits a node once";
+        EXPECT_LE(instruments.encoderVisits, 6 * nodes)
+            << "each pass visits a node once, and those into the scratch area";
     }
 }
 
