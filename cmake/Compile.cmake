@@ -42,7 +42,7 @@ function(tlvforge_compile_library target)
 endfunction()
 
 # Links against the C library alone: with the C compiler, and with every symbol defined. The sanitizers bring libraries
-# of their own and leave symbols for them to define.
+# of their own and leave symbols for them to define; what is linked in of archives, as counters of lines, isn't exported.
 function(tlvforge_link_library target)
     set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C LINK_DEPENDS ${map})
@@ -53,7 +53,8 @@ function(tlvforge_link_library target)
         target_link_options(${target} PRIVATE -static -Wl,--no-undefined)
         return()
     endif()
-    target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic-functions -Wl,--as-needed)
+    target_link_options(${target} PRIVATE
+        -Wl,--version-script=${map} -Wl,--exclude-libs,ALL -Wl,-Bsymbolic-functions -Wl,--as-needed)
     if(NOT TLVFORGE_SANITIZE AND NOT TLVFORGE_RACES AND NOT TLVFORGE_COVERAGE)
         target_link_options(${target} PRIVATE -static-libgcc -Wl,-z,defs)
     endif()
