@@ -154,7 +154,9 @@ template <> struct Schema<DocInfo> : Record<
 
 template <> struct Schema<IssuerSerial> : Record<
     Field<&IssuerSerial::issuer, X509GeneralNames>,
-    Field<&IssuerSerial::serialNumber, Integer>> {};  // 2.16.840.1.101.3.4.2.1
+    Field<&IssuerSerial::serialNumber, Integer>> {};
+
+// 2.16.840.1.101.3.4.2.1
 inline constexpr ::AlgorithmIdentifier kSha256 = {const_cast<Asn1Value*>(&ConstantValue<
     Asn1KindObjectIdentifier, 0x60, 0x86, 0x48, 0x01, 0x65, 0x03, 0x04, 0x02, 0x01>), nullptr};
 
@@ -196,7 +198,9 @@ template <> struct Schema<CrlIdentifier> : Record<
 
 template <> struct Schema<CrlValidatedID> : Record<
     Field<&CrlValidatedID::crlHash, OtherHash>,
-    Field<&CrlValidatedID::crlIdentifier, Optional<CrlIdentifier>>> {};  // The last alternative is the first one's, with a name in place of its encoding. It is made in memory only: behind the
+    Field<&CrlValidatedID::crlIdentifier, Optional<CrlIdentifier>>> {};
+
+// The last alternative is the first one's, with a name in place of its encoding. It is made in memory only: behind the
 // first, whose tag it shares, the decoder never comes to it.
 template <> struct Schema<OcspResponder> : Choice<
     Explicit<1, Any>,         // byName
@@ -215,7 +219,9 @@ template <> struct Schema<CrlListIDs> : SequenceOf<CrlValidatedID> {};
 template <> struct Schema<OcspListIDs> : SequenceOf<OcspResponseId> {};
 
 template <class List> struct Schema<Wrapped<List>> : Record<
-    Field<&Wrapped<List>::list, List>> {};  // Other references, like other values below, have the number 2 in the universal class, where RFC 5126 has a context
+    Field<&Wrapped<List>::list, List>> {};
+
+// Other references, like other values below, have the number 2 in the universal class, where RFC 5126 has a context
 // tag. The bytes depend on it.
 template <> struct Schema<CrlOcspRef> : Record<
     Field<&CrlOcspRef::crlids, Optional<Explicit<0, Wrapped<CrlListIDs>>>>,
@@ -227,7 +233,9 @@ template <> struct Schema<CrlOcspRefs> : SequenceOf<CrlOcspRef> {};
 template <> struct Schema<RevocationValues> : Record<
     Field<&RevocationValues::crlVals, Optional<Implicit<0, X509Crls>>>,
     Field<&RevocationValues::ocspVals, Optional<Implicit<1, OcspBasicResponses>>>,
-    Field<&RevocationValues::otherRevVals, Optional<UniversalExplicit<2, TypedValue>>>> {};  // The algorithm has the tag of the list behind it: where it is left out, only the second form decodes.
+    Field<&RevocationValues::otherRevVals, Optional<UniversalExplicit<2, TypedValue>>>> {};
+
+// The algorithm has the tag of the list behind it: where it is left out, only the second form decodes.
 template <> struct Schema<AtsHashIndex> : Record<
     Field<&AtsHashIndex::hashIndAlgorithm, HashAlgorithm>,
     Field<&AtsHashIndex::certificatesHashIndex, OctetStrings>,
@@ -237,5 +245,7 @@ template <> struct Schema<AtsHashIndex> : Record<
 template <> struct Schema<AtsHashIndexLists> : Record<
     Field<&AtsHashIndexLists::certificatesHashIndex, OctetStrings>,
     Field<&AtsHashIndexLists::crlsHashIndex, OctetStrings>,
-    Field<&AtsHashIndexLists::unsignedAttrsHashIndex, OctetStrings>> {};  // clang-format on
+    Field<&AtsHashIndexLists::unsignedAttrsHashIndex, OctetStrings>> {};
+
+// clang-format on
 }  // namespace tlvforge::schema

@@ -1,13 +1,10 @@
 #include "tlvforge/cms.h"
 
-#include "cms/cms.schema.h"
 #include "cms/document_parts.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
+#include "engine/views.h"
 #include "tlvforge/certificate.h"
 #include "tlvforge/cms_tools.h"
 #include "x509/certificate.schema.h"
-#include "x509/transition.h"
 
 using namespace tlvforge;
 
@@ -19,6 +16,19 @@ struct Algorithm {
     Bytes parameters;
 };
 
+struct SignedAttributes {
+    Bytes digest;
+    const LibraryTime* signingTime;
+    RsaAttributes extra;
+};
+
+struct Signer {
+    Bytes certificate;
+    Algorithm digestAlgorithm, signatureAlgorithm;
+    const SignedAttributes* attributes;  // or null
+    Bytes signature;
+};
+
 bool HasContent(const CmsSignedData* document) {
     const Asn1Value* content = document->encapContentInfo->eContent;
     return content != nullptr && content->length != 0;
@@ -26,68 +36,77 @@ bool HasContent(const CmsSignedData* document) {
 
 // The document that the signer is added to: a new one, or the given one, whose content must not be another than the one
 // that is signed now, where both are there.
-Status StartDocument(const Bytes& existing, const Bytes& content, CmsSignedData** document) {
-    if (existing.data == nullptr || existing.length == 0) return CreateCmsSignedData(document);
-    const Status status = DecodeSignedMessage(existing.data, existing.length, document);
-    if (status != StatusOk || content.data == nullptr || !HasContent(*document)) return status;
+Status StartDocument(Bytes existing, Bytes content, Tree<CmsSignedData>* document) {
+    if (existing.data == nullptr || existing.length == 0) return document->Create(1);
+    if (const Status status = DecodeSignedMessage(existing, document)) return status;
+    if (content.data == nullptr || !HasContent(document->Get())) return StatusOk;
     const Asn1Value& old = *(*document)->encapContentInfo->eContent;
     return SameBytes(old.data, old.length, content.data, content.length) ? StatusOk : Fail(StatusNotEqual);
 }
 
-Status AddCertificates(CmsSignedData* document, const uint8_t* const* certificates, const uint32_t* lengths,
-                       uint32_t count) {
-    Status status = StatusOk;
-    for (uint32_t i = 0; status == StatusOk && i < count; ++i) {
-        status =
-            AddCmsSignedDataEncodedCertificate(document, CmsCertificateKindCertificate, certificates[i], lengths[i]);
-    }
-    return status;
-}
-
 // Everything of the document but its content, certificates and signer.
 Status FillDocument(CmsSignedData* document, const Algorithm& digestAlgorithm) {
-    Status status = SetCmsSignedDataVersion(document, 1);
-    if (status != StatusOk) return status;
-    status = AddCmsSignedDataDigestAlgorithmOidAndParameters(
-        document, digestAlgorithm.oid, digestAlgorithm.parameters.data, digestAlgorithm.parameters.length);
-    if (status != StatusOk) return status;
+    if (const Status status = SetCmsSignedDataVersion(document, 1)) return status;
+    const auto& [oid, parameters] = digestAlgorithm;
+    if (const Status status =
+            AddCmsSignedDataDigestAlgorithmOidAndParameters(document, oid, parameters.data, parameters.length)) {
+        return status;
+    }
     return SetCmsSignedDataContentTypeOid(document, Oid<1, 2, 840, 113549, 1, 7, 1>);
 }
 
-Status IdentifySigner(CmsSignerInfo* signer, const Bytes& encodedCertificate) {
+Status AddCertificates(CmsSignedData* document, const uint8_t* const* certificates, const uint32_t* lengths,
+                       uint32_t count) {
+    constexpr uint8_t kKind = CmsCertificateKindCertificate;
+    for (uint32_t i = 0; i < count; ++i) {
+        const Status status = AddCmsSignedDataEncodedCertificate(document, kKind, certificates[i], lengths[i]);
+        if (status != StatusOk) return status;
+    }
+    return StatusOk;
+}
+
+Status IdentifySigner(CmsSignerInfo* signer, Bytes encodedCertificate) {
     Tree<Certificate> certificate;
-    Status status = certificate.Decode(encodedCertificate.data, encodedCertificate.length);
-    if (status != StatusOk) return status;
+    if (const Status status = certificate.Decode(encodedCertificate.data, encodedCertificate.length)) return status;
     uint32_t serialLength = 0;
     const uint8_t* serial = ptr_GetCertificateSerialNumber(certificate.Get(), &serialLength);
     X509Name* issuer = nullptr;
-    status = GetCertificateIssuer(certificate.Get(), &issuer);
-    if (status != StatusOk) return status;
+    if (const Status status = GetCertificateIssuer(certificate.Get(), &issuer)) return status;
     return SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber(signer, issuer, serial, serialLength);
 }
 
-Status FillSigner(CmsSignerInfo* signer, const Bytes& certificate, const Algorithm& digestAlgorithm,
-                  const Algorithm& signatureAlgorithm, const Bytes& signature) {
-    Status status = SetCmsSignerInfoVersion(signer, 1);
-    if (status == StatusOk) status = IdentifySigner(signer, certificate);
-    if (status != StatusOk) return status;
-    status = SetCmsSignerInfoDigestAlgorithmOidAndParameters(
-        signer, digestAlgorithm.oid, digestAlgorithm.parameters.data, digestAlgorithm.parameters.length);
-    if (status != StatusOk) return status;
-    status = SetCmsSignerInfoSignatureAlgorithmOidAndParameters(
-        signer, signatureAlgorithm.oid, signatureAlgorithm.parameters.data, signatureAlgorithm.parameters.length);
-    return status == StatusOk ? SetCmsSignerInfoSignature(signer, signature.data, signature.length) : status;
+Status AddSigner(CmsSignedData* document, const Signer& signer) {
+    const auto& [certificate, digest, signature, attributes, value] = signer;
+    CmsSignerInfo* info = nullptr;
+    if (const Status status = AddCmsSignedDataSignerInfo(document, &info)) return status;
+    if (attributes != nullptr) {
+        if (const Status status = FillCmsSignerInfoWithSignedAttributes2(
+                info, attributes->digest.data, attributes->digest.length, attributes->signingTime, attributes->extra)) {
+            return status;
+        }
+    }
+    if (const Status status = SetCmsSignerInfoVersion(info, 1)) return status;
+    if (const Status status = IdentifySigner(info, certificate)) return status;
+    if (const Status status = SetCmsSignerInfoDigestAlgorithmOidAndParameters(info, digest.oid, digest.parameters.data,
+                                                                              digest.parameters.length)) {
+        return status;
+    }
+    if (const Status status = SetCmsSignerInfoSignatureAlgorithmOidAndParameters(
+            info, signature.oid, signature.parameters.data, signature.parameters.length)) {
+        return status;
+    }
+    return SetCmsSignerInfoSignature(info, value.data, value.length);
 }
 
 // Writes the document with this content or none, in the place of its own. The content may be large: it stays where the
 // caller has it.
-Status EncodeWithContent(const CmsSignedData* document, const Bytes& content, uint8_t* output, uint32_t* length) {
-    Asn1Value octets = {Asn1KindOctetString, content.length, const_cast<uint8_t*>(content.data)};  // only read
+Status EncodeWithContent(const CmsSignedData* document, Bytes content, Output output) {
+    Asn1Value octets = ViewOf(Asn1KindOctetString, content);
     EncapsulatedContentInfo info = *document->encapContentInfo;
     info.eContent = content.data != nullptr && content.length != 0 ? &octets : nullptr;
     CmsSignedData whole = *document;
     whole.encapContentInfo = &info;
-    return EncodeSignedMessage(&whole, output, length);
+    return EncodeSignedMessage(&whole, output.buffer, output.length);
 }
 
 }  // namespace
@@ -128,21 +147,20 @@ Status CreateCmsFileSignature2(const uint8_t* content, uint32_t contentLength, c
         return Fail(StatusBadArgument);
     }
     const Bytes document = {content, contentLength};
-    const Algorithm digestAlgorithm = {digestAlgorithmOid, {digestParameters, digestParametersLength}};
-    const Algorithm signatureAlgorithm = {signatureAlgorithmOid, {signatureParameters, signatureParametersLength}};
-
-    CmsSignedData* signedData = nullptr;
-    Status status = StartDocument({existingSignature, existingSignatureLength}, document, &signedData);
-    const Tree<CmsSignedData> owner(signedData);
-    if (status == StatusOk) status = FillDocument(signedData, digestAlgorithm);
-    if (status == StatusOk) status = AddCertificates(signedData, certificates, certificateLengths, certificateCount);
-    CmsSignerInfo* signer = nullptr;
-    if (status == StatusOk) status = AddCmsSignedDataSignerInfo(signedData, &signer);
-    if (status == StatusOk && useSignedAttributes != 0) {
-        status = FillCmsSignerInfoWithSignedAttributes2(signer, digest, digestLength, signingTime, extraAttributes);
+    const SignedAttributes attributes = {{digest, digestLength}, signingTime, extraAttributes};
+    const Signer signer = {{signerCertificate, signerCertificateLength},
+                           {digestAlgorithmOid, {digestParameters, digestParametersLength}},
+                           {signatureAlgorithmOid, {signatureParameters, signatureParametersLength}},
+                           useSignedAttributes != 0 ? &attributes : nullptr,
+                           {signature, signatureLength}};
+    Tree<CmsSignedData> signedData;
+    if (const Status status = StartDocument({existingSignature, existingSignatureLength}, document, &signedData)) {
+        return status;
     }
-    if (status != StatusOk) return status;
-    status = FillSigner(signer, {signerCertificate, signerCertificateLength}, digestAlgorithm, signatureAlgorithm,
-                        {signature, signatureLength});
-    return status == StatusOk ? EncodeWithContent(signedData, document, output, outputLength) : status;
+    if (const Status status = FillDocument(signedData.Get(), signer.digestAlgorithm)) return status;
+    if (const Status status = AddCertificates(signedData.Get(), certificates, certificateLengths, certificateCount)) {
+        return status;
+    }
+    if (const Status status = AddSigner(signedData.Get(), signer)) return status;
+    return EncodeWithContent(signedData.Get(), document, {output, outputLength});
 }

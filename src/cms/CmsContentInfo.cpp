@@ -1,9 +1,7 @@
 #include "tlvforge/cms.h"
 
 #include "cms/cms.schema.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/access.h"
 
 using namespace tlvforge;
 
@@ -23,28 +21,24 @@ Status FreeCmsContentInfo(CmsContentInfo* info) { return FreeTree(info); }
 
 Status GetCmsContentInfoTypeOid(const CmsContentInfo* info, uint8_t* oid, uint32_t* length) {
     if (AnyNull(info, length)) return Fail(StatusBadArgument);
-    if (info->contentType == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Oid(info->contentType, oid, length);
+    return GetOid(At<&CmsContentInfo::contentType>(info), oid, length);
 }
 
 Status SetCmsContentInfoTypeOid(CmsContentInfo* info, const uint8_t* oid) {
     if (AnyNull(info, oid)) return Fail(StatusBadArgument);
-    return ReplaceOidField(&info->contentType, oid);
+    return SetOid(At<&CmsContentInfo::contentType>(info), oid);
 }
 
 Status GetCmsContentInfoContent(const CmsContentInfo* info, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(info, length)) return Fail(StatusBadArgument);
-    if (info->content == nullptr) return CopyOut(nullptr, 0, buffer, length);
-    return GetAsn1AnyValue(info->content, buffer, length);
+    return GetOptionalBytes(info->content, {buffer, length});
 }
 
 Status SetCmsContentInfoContent(CmsContentInfo* info, const uint8_t* data, uint32_t length) {
     if (info == nullptr) return Fail(StatusBadArgument);
-    // Freed first: large content shouldn't be there twice.
-    FreeField(&info->content);
+    FreeField(&info->content);  // first: large content shouldn't be there twice
     if (data == nullptr || length == 0) return StatusOk;
-    info->content = AllocAsn1Any(data[0], data, length);
-    return info->content == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
+    return ReplaceField(&info->content, AllocAsn1Any(data[0], data, length));
 }
 
 Status DecodeCmsContentInfoContent(const uint8_t* data, uint32_t length, uint8_t* buffer, uint32_t* bufferLength) {

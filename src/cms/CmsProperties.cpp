@@ -1,39 +1,15 @@
 #include "tlvforge/cms.h"
 
-#include "cms/cms.schema.h"
 #include "cms/document_parts.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
-#include "engine/output.h"
 #include "x509/fields.h"
-#include "x509/transition.h"
 
 using namespace tlvforge;
 
 namespace {
 
-// Lists that every message has, if perhaps empty: 311 without one.
-Status GetRequiredCount(const Asn1List* list, uint32_t* count, Place place = Place::Here()) {
-    if (list == nullptr) return Fail(StatusAbsent, place);
-    return GetListCount(list, count, place);
-}
-
-template <class T>
-Status GetRequiredMember(const ListOf<T>* list, uint32_t index, T** member, Place place = Place::Here()) {
-    if (list == nullptr) return Fail(StatusAbsent, place);
-    return GetListMember(list, index, member, place);
-}
-
-template <class T>
-Status ClearRequired(ListOf<T>* list, Place place = Place::Here()) {
-    if (list == nullptr) return Fail(StatusAbsent, place);
-    ClearList(list);
-    return StatusOk;
-}
-
-Status GetVersion(const Asn1Value* field, int32_t* version, Place place = Place::Here()) {
-    if (field == nullptr) return Fail(StatusAbsent, place);
-    return GetAsn1Int32(field, version);
+template <auto Member, class Record>
+auto Encapsulated(Record* signedData, Place place = Place::Here()) {
+    return At<&CmsSignedData::encapContentInfo, Member>(signedData, place);
 }
 
 }  // namespace
@@ -42,222 +18,223 @@ Status GetVersion(const Asn1Value* field, int32_t* version, Place place = Place:
 
 Status GetCmsSignedDataVersion(const CmsSignedData* signedData, int32_t* version) {
     if (AnyNull(signedData, version)) return Fail(StatusBadArgument);
-    return GetVersion(signedData->version, version);
+    return GetInt32(At<&CmsSignedData::version>(signedData), version);
 }
 
 Status SetCmsSignedDataVersion(CmsSignedData* signedData, uint32_t version) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    return SetAsn1Int32Field(&signedData->version, static_cast<int32_t>(version));
+    return SetInt32(At<&CmsSignedData::version>(signedData), static_cast<int32_t>(version));
 }
 
 Status GetCmsSignedDataDigestAlgorithmsCount(const CmsSignedData* signedData, uint32_t* count) {
     if (AnyNull(signedData, count)) return Fail(StatusBadArgument);
-    return GetRequiredCount(signedData->digestAlgorithms, count);
+    return GetCount(At<&CmsSignedData::digestAlgorithms>(signedData), count);
 }
 
 Status GetCmsSignedDataDigestAlgorithmOidAndParameters(const CmsSignedData* signedData, uint32_t index, uint8_t* oid,
                                                        uint32_t* oidLength, uint8_t* parameters,
                                                        uint32_t* parametersLength) {
     if (AnyNull(signedData, oidLength, parametersLength)) return Fail(StatusBadArgument);
+    const auto algorithms = At<&CmsSignedData::digestAlgorithms>(signedData);
     AlgorithmIdentifier* algorithm = nullptr;
-    const Status status = GetRequiredMember(signedData->digestAlgorithms, index, &algorithm);
-    return status == StatusOk ? GetAlgorithm(algorithm, oid, oidLength, parameters, parametersLength) : status;
+    if (const Status status = GetMember(algorithms, index, &algorithm)) return status;
+    return GetAlgorithm({algorithm, algorithms.place}, {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status AddCmsSignedDataDigestAlgorithmOidAndParameters(CmsSignedData* signedData, const uint8_t* oid,
                                                        const uint8_t* parameters, uint32_t length) {
     if (AnyNull(signedData, oid)) return Fail(StatusBadArgument);
-    if (signedData->digestAlgorithms == nullptr) return Fail(StatusAbsent);
+    const auto algorithms = At<&CmsSignedData::digestAlgorithms>(signedData);
+    if (!algorithms) return algorithms.Absent();
     Tree<AlgorithmIdentifier> algorithm;
-    Status status = algorithm.Create();
-    if (status == StatusOk) status = SetAlgorithm(algorithm.Get(), oid, parameters, length);
-    if (status != StatusOk) return status;
-    status = AddAsn1ListItemUnique(signedData->digestAlgorithms, itemOf<AlgorithmIdentifier>, algorithm.Get());
+    if (const Status status = algorithm.Create()) return status;
+    if (const Status status = SetAlgorithm({algorithm.Get(), algorithms.place}, oid, {parameters, length}))
+        return status;
+    const Status status = AddAsn1ListItemUnique(algorithms.node, itemOf<AlgorithmIdentifier>, algorithm.Get());
     if (status == StatusOk) algorithm.Take();
     return status == StatusDuplicateItem ? StatusOk : status;
 }
 
 Status ClearCmsSignedDataDigestAlgorithms(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    return ClearRequired(signedData->digestAlgorithms);
+    return Clear(At<&CmsSignedData::digestAlgorithms>(signedData));
 }
 
 Status GetCmsSignedDataContentTypeOid(const CmsSignedData* signedData, uint8_t* oid, uint32_t* length) {
     if (AnyNull(signedData, length)) return Fail(StatusBadArgument);
-    const EncapsulatedContentInfo* info = signedData->encapContentInfo;
-    if (info == nullptr || info->eContentType == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Oid(info->eContentType, oid, length);
+    return GetOid(Encapsulated<&EncapsulatedContentInfo::eContentType>(signedData), oid, length);
 }
 
 Status SetCmsSignedDataContentTypeOid(CmsSignedData* signedData, const uint8_t* oid) {
     if (AnyNull(signedData, oid)) return Fail(StatusBadArgument);
-    if (signedData->encapContentInfo == nullptr) return Fail(StatusAbsent);
-    return ReplaceOidField(&signedData->encapContentInfo->eContentType, oid);
+    return SetOid(Encapsulated<&EncapsulatedContentInfo::eContentType>(signedData), oid);
 }
 
 Status GetCmsSignedDataContentInfo(const CmsSignedData* signedData, CmsContentInfo** info) {
     if (AnyNull(signedData, info)) return Fail(StatusBadArgument);
-    if (signedData->encapContentInfo == nullptr) return Fail(StatusAbsent);
-    *info = reinterpret_cast<CmsContentInfo*>(signedData->encapContentInfo);
+    const auto encapsulated = At<&CmsSignedData::encapContentInfo>(signedData);
+    if (!encapsulated) return encapsulated.Absent();
+    *info = reinterpret_cast<CmsContentInfo*>(encapsulated.node);
     return StatusOk;
 }
 
 Status GetCmsSignedDataContent(const CmsSignedData* signedData, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(signedData, length)) return Fail(StatusBadArgument);
-    if (signedData->encapContentInfo == nullptr) return Fail(StatusAbsent);
-    const Asn1Value* content = signedData->encapContentInfo->eContent;
-    return content == nullptr ? CopyOut(nullptr, 0, buffer, length) : GetAsn1Value(content, buffer, length);
+    return GetOptionalBytes(Encapsulated<&EncapsulatedContentInfo::eContent>(signedData), buffer, length);
 }
 
 Status SetCmsSignedDataContent(CmsSignedData* signedData, const uint8_t* data, uint32_t length) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    EncapsulatedContentInfo* info = signedData->encapContentInfo;
-    if (info == nullptr) return Fail(StatusAbsent);
-    // Freed first: large content shouldn't be there twice.
-    FreeField(&info->eContent);
-    if (data == nullptr || length == 0) return StatusOk;
-    info->eContent = AllocAsn1Value(Asn1KindOctetString, data, length);
-    return info->eContent == nullptr ? Fail(StatusOutOfMemory) : StatusOk;
+    return ReplaceContent(Encapsulated<&EncapsulatedContentInfo::eContent>(signedData), {data, length});
 }
 
 Status GetCmsSignedDataCertificatesCount(const CmsSignedData* signedData, uint32_t* count) {
     if (AnyNull(signedData, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(signedData->certificates);
-    return StatusOk;
+    return GetOptionalCount(At<&CmsSignedData::certificates>(signedData), count);
 }
 
 Status GetCmsSignedDataEncodedCertificate(const CmsSignedData* signedData, uint32_t index, uint8_t* kind,
                                           uint8_t* buffer, uint32_t* length) {
     if (AnyNull(signedData, kind)) return Fail(StatusBadArgument);
-    return GetEncodedCertificate(signedData->certificates, index, kind, buffer, length);
+    const auto certificates = At<&CmsSignedData::certificates>(signedData);
+    Bytes certificate{};
+    if (const Status status = GetEncodedCertificate(certificates, index, kind, &certificate)) return status;
+    if (length == nullptr) return buffer == nullptr ? StatusOk : Fail(StatusBadArgument);
+    return CopyOut(certificate.data, certificate.length, buffer, length);
 }
 
 Status AddCmsSignedDataEncodedCertificate(CmsSignedData* signedData, uint8_t kind, const uint8_t* data,
                                           uint32_t length) {
     if (AnyNull(signedData, data)) return Fail(StatusBadArgument);
-    return AddEncodedCertificate(&signedData->certificates, kind, data, length, StatusBadArgument);
+    if (const Status status = Ensure(&signedData->certificates)) return status;
+    if (!IsCertificateKind(kind)) return Fail(StatusBadArgument);
+    if (length == 0) return Fail(StatusBadArgument);
+    return AddEncodedCertificate(signedData->certificates, kind, {data, length});
 }
 
 Status RemoveCmsSignedDataCertificates(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    FreeField(&signedData->certificates);
-    return StatusOk;
+    return Remove(At<&CmsSignedData::certificates>(signedData));
 }
 
 Status GetCmsSignedDataCrlsCount(const CmsSignedData* signedData, uint32_t* count) {
     if (AnyNull(signedData, count)) return Fail(StatusBadArgument);
-    *count = GetAsn1ListLength(signedData->crls);
-    return StatusOk;
+    return GetOptionalCount(At<&CmsSignedData::crls>(signedData), count);
 }
 
-Status GetCmsSignedDataEncodedCrl(const CmsSignedData* signedData, uint32_t index, uint8_t* kind, uint8_t* buffer,
-                                  uint32_t* length) {
+// No CRL can be read back: see docs/oddities.md.
+Status GetCmsSignedDataEncodedCrl(const CmsSignedData* signedData, uint32_t index, uint8_t* kind, uint8_t*, uint32_t*) {
     if (AnyNull(signedData, kind)) return Fail(StatusBadArgument);
-    return GetEncodedCrl(signedData->crls, index, kind, buffer, length);
+    const auto crls = At<&CmsSignedData::crls>(signedData);
+    RevocationInfoChoice* crl = nullptr;
+    if (const Status status = GetMember(crls, index, &crl)) return status;
+    return Fail(StatusBadEncoding);
 }
 
-Status AddCmsSignedDataEncodedCrl(CmsSignedData* signedData, uint8_t kind, const uint8_t* data, uint32_t length) {
+Status AddCmsSignedDataEncodedCrl(CmsSignedData* signedData, uint8_t kind, const uint8_t* data, uint32_t) {
     if (AnyNull(signedData, data)) return Fail(StatusBadArgument);
-    return AddEncodedCrl(&signedData->crls, kind, data, length, StatusBadArgument);
+    if (const Status status = Ensure(&signedData->crls)) return status;
+    if (!IsCrlKind(kind)) return Fail(StatusBadArgument);
+    return AddEncodedCrl(signedData->crls);
 }
 
 Status RemoveCmsSignedDataCrls(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    FreeField(&signedData->crls);
-    return StatusOk;
+    return Remove(At<&CmsSignedData::crls>(signedData));
 }
 
 Status GetCmsSignedDataSignerInfosCount(const CmsSignedData* signedData, uint32_t* count) {
     if (AnyNull(signedData, count)) return Fail(StatusBadArgument);
-    return GetRequiredCount(signedData->signerInfos, count);
+    return GetCount(At<&CmsSignedData::signerInfos>(signedData), count);
 }
 
 Status GetCmsSignedDataSignerInfo(const CmsSignedData* signedData, uint32_t index, CmsSignerInfo** signer) {
     if (AnyNull(signedData, signer)) return Fail(StatusBadArgument);
-    return GetRequiredMember(signedData->signerInfos, index, signer);
+    const auto signers = At<&CmsSignedData::signerInfos>(signedData);
+    return GetMember(signers, index, signer);
 }
 
 Status AddCmsSignedDataSignerInfo(CmsSignedData* signedData, CmsSignerInfo** signer) {
     if (AnyNull(signedData, signer)) return Fail(StatusBadArgument);
     *signer = nullptr;
-    if (signedData->signerInfos == nullptr) return Fail(StatusAbsent);
-    Tree<CmsSignerInfo> fresh;
-    Status status = fresh.Create(1);
-    CmsSignerInfo* lent = fresh.Get();
-    if (status == StatusOk) status = fresh.MoveTo(signedData->signerInfos);
-    if (status == StatusOk) *signer = lent;
-    return status;
+    const auto signers = At<&CmsSignedData::signerInfos>(signedData);
+    if (!signers) return signers.Absent();
+    Tree<CmsSignerInfo> member;
+    if (const Status status = member.Create(1)) return status;
+    CmsSignerInfo* const lent = member.Get();
+    if (const Status status = member.MoveTo(signers.node)) return status;
+    *signer = lent;
+    return StatusOk;
 }
 
 Status ClearCmsSignedDataSignerInfos(CmsSignedData* signedData) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    return ClearRequired(signedData->signerInfos);
+    return Clear(At<&CmsSignedData::signerInfos>(signedData));
 }
 
 Status DeleteCmsSignedDataSignerInfo(CmsSignedData* signedData, uint32_t index) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
-    if (signedData->signerInfos == nullptr) return Fail(StatusAbsent);
-    return RemoveMember(signedData->signerInfos, index);
+    const auto signers = At<&CmsSignedData::signerInfos>(signedData);
+    if (!signers) return signers.Absent();
+    return RemoveMember(signers.node, index);
 }
 
 // --- SignerInfo ---
 
 Status GetCmsSignerInfoVersion(const CmsSignerInfo* signer, int32_t* version) {
     if (AnyNull(signer, version)) return Fail(StatusBadArgument);
-    return GetVersion(signer->version, version);
+    return GetInt32(At<&CmsSignerInfo::version>(signer), version);
 }
 
 Status SetCmsSignerInfoVersion(CmsSignerInfo* signer, uint32_t version) {
     if (signer == nullptr) return Fail(StatusBadArgument);
-    return SetAsn1Int32Field(&signer->version, static_cast<int32_t>(version));
+    return SetInt32(At<&CmsSignerInfo::version>(signer), static_cast<int32_t>(version));
 }
 
 Status GetCmsSignerInfoDigestAlgorithmOidAndParameters(const CmsSignerInfo* signer, uint8_t* oid, uint32_t* oidLength,
                                                        uint8_t* parameters, uint32_t* parametersLength) {
     if (AnyNull(signer, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(signer->digestAlgorithm, oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(At<&CmsSignerInfo::digestAlgorithm>(signer), {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status GetCmsSignerInfoSignatureAlgorithmOidAndParameters(const CmsSignerInfo* signer, uint8_t* oid,
                                                           uint32_t* oidLength, uint8_t* parameters,
                                                           uint32_t* parametersLength) {
     if (AnyNull(signer, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(signer->signatureAlgorithm, oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(At<&CmsSignerInfo::signatureAlgorithm>(signer), {oid, oidLength},
+                        {parameters, parametersLength});
 }
 
 Status SetCmsSignerInfoDigestAlgorithmOidAndParameters(CmsSignerInfo* signer, const uint8_t* oid,
                                                        const uint8_t* parameters, uint32_t length) {
     if (AnyNull(signer, oid)) return Fail(StatusBadArgument);
-    return SetAlgorithm(signer->digestAlgorithm, oid, parameters, length);
+    return SetAlgorithm(At<&CmsSignerInfo::digestAlgorithm>(signer), oid, {parameters, length});
 }
 
 Status SetCmsSignerInfoSignatureAlgorithmOidAndParameters(CmsSignerInfo* signer, const uint8_t* oid,
                                                           const uint8_t* parameters, uint32_t length) {
     if (AnyNull(signer, oid)) return Fail(StatusBadArgument);
-    return SetAlgorithm(signer->signatureAlgorithm, oid, parameters, length);
+    return SetAlgorithm(At<&CmsSignerInfo::signatureAlgorithm>(signer), oid, {parameters, length});
 }
 
 Status GetCmsSignerInfoSignature(const CmsSignerInfo* signer, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(signer, length)) return Fail(StatusBadArgument);
-    if (signer->signature == nullptr) return Fail(StatusAbsent);
-    return GetAsn1Value(signer->signature, buffer, length);
+    return GetBytes(At<&CmsSignerInfo::signature>(signer), buffer, length);
 }
 
 Status SetCmsSignerInfoSignature(CmsSignerInfo* signer, const uint8_t* data, uint32_t length) {
     if (AnyNull(signer, data)) return Fail(StatusBadArgument);
-    return SetAsn1ValueField(&signer->signature, Asn1KindOctetString, data, length);
+    return SetBytes(At<&CmsSignerInfo::signature>(signer), Asn1KindOctetString, data, length);
 }
 
 Status GetCmsSignerInfoSignedAttributes(CmsSignerInfo* signer, RsaAttributes* attributes) {
     if (AnyNull(signer, attributes)) return Fail(StatusBadArgument);
-    *attributes = &signer->signedAttrs;
-    return StatusOk;
+    return Borrow(At<&CmsSignerInfo::signedAttrs>(signer), attributes);
 }
 
 Status GetCmsSignerInfoUnsignedAttributes(CmsSignerInfo* signer, RsaAttributes* attributes) {
     if (AnyNull(signer, attributes)) return Fail(StatusBadArgument);
-    *attributes = &signer->unsignedAttrs;
-    return StatusOk;
+    return Borrow(At<&CmsSignerInfo::unsignedAttrs>(signer), attributes);
 }
 
 Status GetCmsSignerInfoEncodedSignedAttributes(const CmsSignerInfo* signer, uint8_t* buffer, uint32_t* length) {
@@ -269,21 +246,22 @@ Status GetCmsSignerInfoEncodedSignedAttributes(const CmsSignerInfo* signer, uint
 Status GetCmsSignerInfoSignerIdentifier(CmsSignerInfo* signer, X509Name** issuer, uint8_t* serial,
                                         uint32_t* serialLength, uint8_t* keyId, uint32_t* keyIdLength) {
     if (signer == nullptr) return Fail(StatusBadArgument);
+    const auto identifier = At<&CmsSignerInfo::sid>(signer);
     IdentifierParts parts;
-    const Status status = parts.Of(signer->sid, serialLength, keyIdLength);
-    if (status != StatusOk) return status;
+    if (const Status status = parts.Of(identifier, serialLength, keyIdLength)) return status;
     if (issuer != nullptr) *issuer = parts.issuer;
     if (parts.keyId != nullptr) return GetAsn1Value(parts.keyId, keyId, keyIdLength);
-    return issuer != nullptr ? GetAsn1Value(parts.serialNumber, serial, serialLength) : Fail(StatusBadArgument);
+    if (issuer == nullptr) return Fail(StatusBadArgument);
+    return GetAsn1Value(parts.serialNumber, serial, serialLength);
 }
 
 Status SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber(CmsSignerInfo* signer, const X509Name* issuer,
                                                              const uint8_t* serial, uint32_t serialLength) {
     if (AnyNull(signer, issuer, serial)) return Fail(StatusBadArgument);
-    return SetIssuerAndSerialNumber(signer->sid, issuer, serial, serialLength);
+    return SetIssuerAndSerialNumber(At<&CmsSignerInfo::sid>(signer), issuer, {serial, serialLength});
 }
 
 Status SetCmsSignerInfoSignerSubjectKeyIdentifier(CmsSignerInfo* signer, const uint8_t* keyId, uint32_t length) {
     if (AnyNull(signer, keyId)) return Fail(StatusBadArgument);
-    return SetSubjectKeyIdentifier(signer->sid, keyId, length);
+    return SetSubjectKeyIdentifier(At<&CmsSignerInfo::sid>(signer), {keyId, length});
 }

@@ -3,7 +3,6 @@
 #include <stdio.h>
 
 #include "cms/summary_text.h"
-#include "engine/items.h"
 #include "engine/nodes.h"
 #include "engine/oids.h"
 #include "engine/output.h"
@@ -32,24 +31,24 @@ Status FormatHead(const X509Crl* crl, SummaryText* summary) {
     int32_t version = 0;
     LibraryTime time{};
     LocalTime from, until;
-    Status status = GetX509CrlVersion(crl, &version);
-    if (status == StatusOk) status = GetX509CrlThisUpdate(crl, &time);
-    if (status == StatusOk) status = from.Of(time);
-    if (status != StatusOk) return status;
+    if (const Status status = GetX509CrlVersion(crl, &version)) return status;
+    if (const Status status = GetX509CrlThisUpdate(crl, &time)) return status;
+    if (const Status status = from.Of(time)) return status;
 
-    // The failure record is written here whatever came out, also without a failure. That is intended.
+    // The failure record is written here without a failure too: see docs/oddities.md.
     const Status next = Fail(GetX509CrlNextUpdate(crl, &time));
     if (next != StatusOk && next != StatusAbsent) return next;
-    if (next == StatusOk) status = until.Of(time);
-    if (status != StatusOk) return status;
-
     char* text = reinterpret_cast<char*>(summary->bytes);
-    const int length = next == StatusOk
-                           ? snprintf(text, sizeof summary->bytes, kCrlHeadWithEnd.text, version, from.day, from.month,
-                                      from.year, from.hour, from.minute, from.second, until.day, until.month,
-                                      until.year, until.hour, until.minute, until.second)
-                           : snprintf(text, sizeof summary->bytes, kCrlHead.text, version, from.day, from.month,
-                                      from.year, from.hour, from.minute, from.second);
+    int length = 0;
+    if (next == StatusAbsent) {
+        length = snprintf(text, sizeof summary->bytes, kCrlHead.text, version, from.day, from.month, from.year,
+                          from.hour, from.minute, from.second);
+    } else {
+        if (const Status status = until.Of(time)) return status;
+        length = snprintf(text, sizeof summary->bytes, kCrlHeadWithEnd.text, version, from.day, from.month, from.year,
+                          from.hour, from.minute, from.second, until.day, until.month, until.year, until.hour,
+                          until.minute, until.second);
+    }
     summary->length = static_cast<uint32_t>(length);
     return StatusOk;
 }
@@ -62,44 +61,43 @@ Status GetCertificateCN(Certificate* certificate, uint8_t* text, uint32_t* lengt
     uint32_t serialLength = sizeof serial;
     SummaryText summary;
     X509Name* subject = nullptr;
-    // A serial number that can't be had, or is longer, is left out like one that isn't text.
-    Status status = GetCertificateSerialNumber(certificate, serial, &serialLength);
-    status = status == StatusOk ? summary.AppendSerial(serial, serialLength) : StatusOk;
-    if (status == StatusOk) status = GetCertificateSubject(certificate, &subject);
-    if (status == StatusOk) status = summary.AppendCommonNames(subject);
-    return status == StatusOk ? summary.Give(text, length) : status;
+    // A serial number that can't be read, or is longer, is left out like one that isn't text.
+    if (GetCertificateSerialNumber(certificate, serial, &serialLength) == StatusOk) {
+        if (const Status status = summary.AppendSerial(serial, serialLength)) return status;
+    }
+    if (const Status status = GetCertificateSubject(certificate, &subject)) return status;
+    if (const Status status = summary.AppendCommonNames(subject)) return status;
+    return summary.CopyOut(text, length);
 }
 
 Status GetCrlCN(X509Crl* crl, uint8_t* text, uint32_t* length) {
     if (AnyNull(crl, length)) return Fail(StatusBadArgument);
     SummaryText summary;
     X509Name* issuer = nullptr;
-    Status status = FormatHead(crl, &summary);
-    if (status == StatusOk) status = GetX509CrlIssuer(crl, &issuer);
-    if (status == StatusOk) status = summary.AppendCommonNames(issuer);
-    return status == StatusOk ? summary.Give(text, length) : status;
+    if (const Status status = FormatHead(crl, &summary)) return status;
+    if (const Status status = GetX509CrlIssuer(crl, &issuer)) return status;
+    if (const Status status = summary.AppendCommonNames(issuer)) return status;
+    return summary.CopyOut(text, length);
 }
 
 Status GetZelcryptIdentifierFromCertificate(const Certificate* certificate, uint8_t* text, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    const uint8_t* oid = Oid<1, 2, 643, 3, 123, 3, 1>;
+    const auto read = [=](uint8_t* buffer, uint32_t* size) {
+        return GetCertificateExtensionValue(certificate, Oid<1, 2, 643, 3, 123, 3, 1>, buffer, size);
+    };
+    Block value;
     uint32_t valueLength = 0;
-    Status status = GetCertificateExtensionValue(certificate, oid, nullptr, &valueLength);
-    if (status != StatusOk) return status;
-    const Block value(valueLength);
-    if (!value) return Fail(StatusOutOfMemory);
-    status = GetCertificateExtensionValue(certificate, oid, value.Bytes(), &valueLength);
     Tree<schema::UTF8String> utf8;
-    if (status == StatusOk) status = utf8.Decode(value.Bytes(), valueLength);
-    if (status != StatusOk) return status;
+    if (const Status status = MakeBytes(read, &value, &valueLength)) return status;
+    if (const Status status = utf8.Decode(value.Bytes(), valueLength)) return status;
 
-    // Two limits, which is intended: the first is the length of the UTF-8 text and doesn't count the zero, the second
-    // is that of the result with it.
+    // Two limits: the first is the length of the UTF-8 text and doesn't count the zero, the second is that of the
+    // result with it. See docs/oddities.md.
     uint32_t capacity = *length;
     bool write = false;
-    status = ReserveOutput(utf8->length, text, length, &write);
+    const Status status = ReserveOutput(utf8->length, text, length, &write);
     if (!write) return status;
-    status = Utf8ToCp1251(text, &capacity, utf8->data, utf8->length);
+    const Status converted = Utf8ToCp1251(text, &capacity, utf8->data, utf8->length);
     *length = capacity;
-    return status;
+    return converted;
 }

@@ -4,7 +4,7 @@
 #include "cms/summary_text.h"
 #include "common/files.h"
 #include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/views.h"
 #include "tlvforge/convert.h"
 #include "tlvforge/oid.h"
 
@@ -25,32 +25,31 @@ constexpr uint32_t kAttributeValueLimit = 8192;
 
 // Adds an attribute whose one value encode(buffer, length) makes.
 template <class Encode>
-Status AddAttribute(RsaAttributes attributes, const uint8_t* oid, Encode encode) {
+Status AddAttribute(RsaAttributes attributes, const uint8_t* oid, const Encode& encode) {
     Block value;
     uint32_t length = 0;
     uint32_t index = 0;
-    const Status status = MakeBytes(encode, &value, &length);
-    return status == StatusOk ? AddRsaAttributesAttributeWithValue(attributes, oid, &index, value.Bytes(), length)
-                              : status;
+    if (const Status status = MakeBytes(encode, &value, &length)) return status;
+    return AddRsaAttributesAttributeWithValue(attributes, oid, &index, value.Bytes(), length);
 }
 
 // ---- Documents ----
 
 // Size of the SignedData element in a document that has been decoded.
-Status MeasureSignedData(const uint8_t* data, uint32_t length, uint32_t* size) {
+Status MeasureSignedData(Bytes message, uint32_t* size) {
     uint8_t tagClass = 0, constructedBit = 0;
     uint32_t tagNumber = 0, contentLength = 0, indefinite = 0, headerLength = 0;
     // Into the ContentInfo, over its type, into the tag of its content.
     constexpr bool kInto[] = {true, false, true};
     for (const bool into : kInto) {
-        const Status status = GetAsn1ObjectInfo(data, length, &tagClass, &constructedBit, &tagNumber, &contentLength,
-                                                &indefinite, &headerLength);
-        if (status != StatusOk) return status;
+        if (const Status status = GetAsn1ObjectInfo(message.data, message.length, &tagClass, &constructedBit,
+                                                    &tagNumber, &contentLength, &indefinite, &headerLength)) {
+            return status;
+        }
         const uint32_t step = headerLength + (into ? 0 : contentLength);
-        data += step;
-        length -= step;
+        message = {message.data + step, message.length - step};
     }
-    const Asn1Any any = {Asn1KindSequence, length, const_cast<uint8_t*>(data)};  // only read
+    const Asn1Any any = {Asn1KindSequence, message.length, Unconst(message.data)};
     const Status status = GetAsn1AnyInfo(&any, &tagClass, &constructedBit, &tagNumber, &contentLength, &headerLength);
     *size = headerLength + contentLength;
     return status;
@@ -60,48 +59,43 @@ Status MeasureSignedData(const uint8_t* data, uint32_t length, uint32_t* size) {
 // is written to, a file's are never there together.
 class Document {
 public:
-    Document() = default;
-    Document(const Document&) = delete;
-    Document& operator=(const Document&) = delete;
-    ~Document() { FreeCmsSignedData(data_); }
-
-    // Status 32 for no bytes, and for the signer number 0.
-    Status FromBytes(uint32_t signerNumber, const uint8_t* data, uint32_t length);
+    // StatusBadArgument for no bytes, and for the signer number 0.
+    Status FromBytes(uint32_t signerNumber, Bytes message);
     // The file is read before anything is checked.
     Status FromFile(uint32_t signerNumber, const char* path);
 
-    // Status 322.
+    // StatusNotFound for a number that is too large.
     Status FindSigner(uint32_t signerNumber, CmsSignerInfo** signer) const;
     // Leaves the plain content when it was the only one.
     Status RemoveSigner(uint32_t signerNumber);
 
-    Status Give(uint8_t* buffer, uint32_t* length) const;
+    Status Encode(uint8_t* buffer, uint32_t* length) const;
     Status WriteTo(const char* path) const;
 
 private:
     Status CheckGrowth() const;
 
-    CmsSignedData* data_ = nullptr;
+    Tree<CmsSignedData> data_;
     uint32_t encodedLength_ = 0;        // of SignedData as it came
     const Asn1Value* plain_ = nullptr;  // eContent when that is all that is left
 };
 
-Status Document::FromBytes(uint32_t signerNumber, const uint8_t* data, uint32_t length) {
-    if (signerNumber == 0 || data == nullptr || length == 0) return Fail(StatusBadArgument);
-    const Status status = DecodeSignedMessage(data, length, &data_);
-    return status == StatusOk ? MeasureSignedData(data, length, &encodedLength_) : status;
+Status Document::FromBytes(uint32_t signerNumber, Bytes message) {
+    if (signerNumber == 0 || message.data == nullptr || message.length == 0) return Fail(StatusBadArgument);
+    if (const Status status = DecodeSignedMessage(message, &data_)) return status;
+    return MeasureSignedData(message, &encodedLength_);
 }
 
 Status Document::FromFile(uint32_t signerNumber, const char* path) {
     Block bytes;
     uint32_t length = 0;
-    const Status status = ReadWholeFile(path, &bytes, &length);
-    return status == StatusOk ? FromBytes(signerNumber, bytes.Bytes(), length) : status;
+    if (const Status status = ReadWholeFile(path, &bytes, &length)) return status;
+    return FromBytes(signerNumber, {bytes.Bytes(), length});
 }
 
 Status Document::FindSigner(uint32_t signerNumber, CmsSignerInfo** signer) const {
     if (signerNumber > GetAsn1ListLength(data_->signerInfos)) return Fail(StatusNotFound);
-    return GetListMember(data_->signerInfos, signerNumber - 1, signer);
+    return Borrow(MemberAt(data_->signerInfos, signerNumber - 1), signer);
 }
 
 Status Document::RemoveSigner(uint32_t signerNumber) {
@@ -109,61 +103,59 @@ Status Document::RemoveSigner(uint32_t signerNumber) {
         plain_ = data_->encapContentInfo->eContent;
         return GetAsn1ValueLength(plain_) != 0 ? StatusOk : Fail(StatusNotFound);
     }
-    const Status status = DeleteCmsSignedDataSignerInfo(data_, signerNumber - 1);
-    return status == StatusOk ? CheckGrowth() : status;
+    if (const Status status = DeleteCmsSignedDataSignerInfo(data_.Get(), signerNumber - 1)) return status;
+    return CheckGrowth();
 }
 
 // What is left must not be longer than what there was before, as it can become when it wasn't DER. No buffer of the
-// caller is at fault, yet 49 is the answer: that is intended.
+// caller is at fault, yet the status is StatusBufferTooSmall: see docs/statuses.md.
 Status Document::CheckGrowth() const {
     uint32_t length = 0;
-    const Status status = EncodeCmsSignedData(data_, nullptr, &length);
-    return status == StatusOk && length > encodedLength_ ? Fail(StatusBufferTooSmall) : status;
+    if (const Status status = data_.Encode(nullptr, &length)) return status;
+    return length > encodedLength_ ? Fail(StatusBufferTooSmall) : StatusOk;
 }
 
-Status Document::Give(uint8_t* buffer, uint32_t* length) const {
-    return plain_ != nullptr ? GetAsn1Value(plain_, buffer, length) : EncodeSignedMessage(data_, buffer, length);
+Status Document::Encode(uint8_t* buffer, uint32_t* length) const {
+    return plain_ != nullptr ? GetAsn1Value(plain_, buffer, length) : EncodeSignedMessage(data_.Get(), buffer, length);
 }
 
 Status Document::WriteTo(const char* path) const {
     if (plain_ != nullptr) return WriteWholeFile(path, plain_->data, plain_->length);
     Block bytes;
     uint32_t length = 0;
-    const Status status =
-        MakeBytes([this](uint8_t* buffer, uint32_t* needed) { return EncodeSignedMessage(data_, buffer, needed); },
-                  &bytes, &length);
-    return status == StatusOk ? WriteWholeFile(path, bytes.Bytes(), length) : status;
+    const auto encode = [this](uint8_t* buffer, uint32_t* needed) {
+        return EncodeSignedMessage(data_.Get(), buffer, needed);
+    };
+    if (const Status status = MakeBytes(encode, &bytes, &length)) return status;
+    return WriteWholeFile(path, bytes.Bytes(), length);
 }
 
 // ---- Signers ----
 
-// What doesn't fit is 49 as it stands, a key identifier above four bytes too. That is intended.
-Status SignerIdentifierText(CmsSignerInfo* signer, uint8_t* text, uint32_t* textLength) {
+// What doesn't fit is StatusBufferTooSmall as it stands, a key identifier above four bytes too: see docs/statuses.md.
+Status SignerIdentifierText(CmsSignerInfo* signer, Output text) {
     X509Name* issuer = nullptr;
     uint8_t serial[1024], keyId[4];
     uint32_t serialLength = sizeof serial, keyIdLength = sizeof keyId;
-    Status status = GetCmsSignerInfoSignerIdentifier(signer, &issuer, serial, &serialLength, keyId, &keyIdLength);
+    const Status status = GetCmsSignerInfoSignerIdentifier(signer, &issuer, serial, &serialLength, keyId, &keyIdLength);
     if (status != StatusOk) return status;
     if (issuer == nullptr && keyIdLength == 0) return Fail(StatusBadSignerData);
-    if (issuer == nullptr) return GiveText(kSignerNotFound.text, kSignerNotFound.length, text, textLength);
+    if (issuer == nullptr) return GiveText(kSignerNotFound.text, kSignerNotFound.length, text.buffer, text.length);
     SummaryText summary;
-    status = summary.AppendSerial(serial, serialLength);
-    if (status == StatusOk) status = summary.AppendCommonNames(issuer);
-    return status == StatusOk ? summary.Give(text, textLength) : status;
+    if (const Status failure = summary.AppendSerial(serial, serialLength)) return failure;
+    if (const Status failure = summary.AppendCommonNames(issuer)) return failure;
+    return summary.CopyOut(text.buffer, text.length);
 }
 
-// Every attribute in front of the time has to have one value that isn't too long, and those behind it don't matter.
-// That is intended.
+// Every attribute before the time has to have one value that isn't too long: see docs/oddities.md.
 Status ReadSigningTime(const RsaAttributeList* attributes, LibraryTime* time) {
     for (uint32_t i = 0; i < GetAsn1ListLength(attributes); ++i) {
-        RsaAttribute* attribute = nullptr;
-        Asn1Any* value = nullptr;
-        Status status = GetListMember(attributes, i, &attribute);
-        if (status != StatusOk) return status;
+        const Part<RsaAttribute> attribute = MemberAt(attributes, i);
+        if (!attribute) return attribute.Absent();
         if (GetAsn1ValueLength(attribute->type) > kAttributeOidLimit) return Fail(StatusBadSignerData);
         if (GetAsn1ListLength(attribute->values) != 1) return Fail(StatusBadSignerData);
-        status = GetListMember(attribute->values, 0, &value);
-        if (status != StatusOk) return status;
+        const Part<Asn1Any> value = MemberAt(attribute->values, 0);
+        if (!value) return value.Absent();
         if (value->length > kAttributeValueLimit) return Fail(StatusBadSignerData);
         if (IsOidAndAsn1ObjectIdentifierEquals(kSigningTime, attribute->type) != 0) {
             return DecodeTime(value->data, value->length, time);
@@ -173,13 +165,14 @@ Status ReadSigningTime(const RsaAttributeList* attributes, LibraryTime* time) {
     return Fail(StatusNotFound);
 }
 
-Status DescribeSigner(const Document& document, uint32_t signerNumber, LibraryTime* time, uint8_t* text,
-                      uint32_t* textLength) {
+// Time and text may be null.
+Status DescribeSigner(const Document& document, uint32_t signerNumber, LibraryTime* time, Output text) {
     CmsSignerInfo* signer = nullptr;
-    Status status = document.FindSigner(signerNumber, &signer);
-    if (status == StatusOk && textLength != nullptr) status = SignerIdentifierText(signer, text, textLength);
-    if (status != StatusOk || time == nullptr) return status;
-    return ReadSigningTime(signer->signedAttrs.list, time);
+    if (const Status status = document.FindSigner(signerNumber, &signer)) return status;
+    if (text.length != nullptr) {
+        if (const Status status = SignerIdentifierText(signer, text)) return status;
+    }
+    return time != nullptr ? ReadSigningTime(signer->signedAttrs.list, time) : StatusOk;
 }
 
 }  // namespace
@@ -188,22 +181,22 @@ Status FillCmsSignerInfoWithSignedAttributes(CmsSignerInfo* signer, const uint8_
                                              const LibraryTime* signingTime) {
     if (AnyNull(signer, digest)) return Fail(StatusBadArgument);
     const RsaAttributes attributes = &signer->signedAttrs;
-    Status status = AddAttribute(attributes, kContentType, [](uint8_t* buffer, uint32_t* length) {
-        return EncodeAsn1Oid(kData, buffer, length);
-    });
-    if (status != StatusOk) return status;
-    status = AddAttribute(attributes, kMessageDigest, [&](uint8_t* buffer, uint32_t* length) {
+    const auto encodeType = [](uint8_t* buffer, uint32_t* length) { return EncodeAsn1Oid(kData, buffer, length); };
+    const auto encodeDigest = [=](uint8_t* buffer, uint32_t* length) {
         return EncodeAsn1PrimitiveValue(Asn1KindOctetString, digest, digestLength, buffer, length);
-    });
-    if (status != StatusOk || signingTime == nullptr) return status;
-    return AddAttribute(attributes, kSigningTime,
-                        [&](uint8_t* buffer, uint32_t* length) { return EncodeTime(signingTime, buffer, length); });
+    };
+    const auto encodeTime = [=](uint8_t* buffer, uint32_t* length) { return EncodeTime(signingTime, buffer, length); };
+    if (const Status status = AddAttribute(attributes, kContentType, encodeType)) return status;
+    if (const Status status = AddAttribute(attributes, kMessageDigest, encodeDigest)) return status;
+    return signingTime != nullptr ? AddAttribute(attributes, kSigningTime, encodeTime) : StatusOk;
 }
 
 Status FillCmsSignerInfoWithSignedAttributes2(CmsSignerInfo* signer, const uint8_t* digest, uint32_t digestLength,
                                               const LibraryTime* signingTime, RsaAttributes extra) {
-    const Status status = FillCmsSignerInfoWithSignedAttributes(signer, digest, digestLength, signingTime);
-    return status == StatusOk ? AppendRsaAttributes(&signer->signedAttrs, extra) : status;
+    if (const Status status = FillCmsSignerInfoWithSignedAttributes(signer, digest, digestLength, signingTime)) {
+        return status;
+    }
+    return AppendRsaAttributes(&signer->signedAttrs, extra);
 }
 
 Status GetCmsSignedDataToBeSignedPart(const uint8_t* digest, uint32_t digestLength, const LibraryTime* signingTime,
@@ -215,10 +208,12 @@ Status GetCmsSignedDataToBeSignedPart2(const uint8_t* digest, uint32_t digestLen
                                        RsaAttributes extra, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(digest, length)) return Fail(StatusBadArgument);
     Tree<CmsSignerInfo> signer;
-    Status status = signer.Create();
-    if (status != StatusOk) return status;
-    status = FillCmsSignerInfoWithSignedAttributes2(signer.Get(), digest, digestLength, signingTime, extra);
-    return status == StatusOk ? GetCmsSignerInfoEncodedSignedAttributes(signer.Get(), buffer, length) : status;
+    if (const Status status = signer.Create()) return status;
+    if (const Status status =
+            FillCmsSignerInfoWithSignedAttributes2(signer.Get(), digest, digestLength, signingTime, extra)) {
+        return status;
+    }
+    return GetCmsSignerInfoEncodedSignedAttributes(signer.Get(), buffer, length);
 }
 
 Status CompareSignerInfoAndCertificate(CmsSignerInfo* signer, Certificate* certificate) {
@@ -226,14 +221,17 @@ Status CompareSignerInfoAndCertificate(CmsSignerInfo* signer, Certificate* certi
     X509Name* issuer = nullptr;
     uint8_t serial[64], keyId[32], ownKeyId[32];
     uint32_t serialLength = sizeof serial, keyIdLength = sizeof keyId, ownKeyIdLength = sizeof ownKeyId;
-    Status status =
-        FromWorkBuffer(GetCmsSignerInfoSignerIdentifier(signer, &issuer, serial, &serialLength, keyId, &keyIdLength));
-    if (status != StatusOk) return status;
+    if (const Status status = FromWorkBuffer(
+            GetCmsSignerInfoSignerIdentifier(signer, &issuer, serial, &serialLength, keyId, &keyIdLength))) {
+        return status;
+    }
     if (issuer != nullptr) {
         return IsCertificateCorrespondToAuthKeyIdent(certificate, nullptr, 0, issuer, serial, serialLength);
     }
-    status = FromWorkBuffer(GetCertificateSubjectKeyIdentifier(certificate, ownKeyId, &ownKeyIdLength));
-    if (status != StatusOk) return status;
+    if (const Status status =
+            FromWorkBuffer(GetCertificateSubjectKeyIdentifier(certificate, ownKeyId, &ownKeyIdLength))) {
+        return status;
+    }
     return IsArrayEquals(keyId, static_cast<int32_t>(keyIdLength), ownKeyId, static_cast<int32_t>(ownKeyIdLength));
 }
 
@@ -241,17 +239,17 @@ Status DeleteBufferCmsSignerInfo(uint32_t signerNumber, const uint8_t* data, uin
                                  uint32_t* bufferLength) {
     if (bufferLength == nullptr) return Fail(StatusBadArgument);
     Document document;
-    Status status = document.FromBytes(signerNumber, data, length);
-    if (status == StatusOk) status = document.RemoveSigner(signerNumber);
-    return status == StatusOk ? document.Give(buffer, bufferLength) : status;
+    if (const Status status = document.FromBytes(signerNumber, {data, length})) return status;
+    if (const Status status = document.RemoveSigner(signerNumber)) return status;
+    return document.Encode(buffer, bufferLength);
 }
 
 Status DeleteCmsSignerInfo(uint32_t signerNumber, const char* inputPath, const char* outputPath) {
     if (AnyNull(inputPath, outputPath)) return Fail(StatusBadArgument);
     Document document;
-    Status status = document.FromFile(signerNumber, inputPath);
-    if (status == StatusOk) status = document.RemoveSigner(signerNumber);
-    return status == StatusOk ? document.WriteTo(outputPath) : status;
+    if (const Status status = document.FromFile(signerNumber, inputPath)) return status;
+    if (const Status status = document.RemoveSigner(signerNumber)) return status;
+    return document.WriteTo(outputPath);
 }
 
 Status GetBufferCmsSignatureTime(uint32_t signerNumber, const uint8_t* data, uint32_t length, LibraryTime* time) {
@@ -261,8 +259,8 @@ Status GetBufferCmsSignatureTime(uint32_t signerNumber, const uint8_t* data, uin
 Status GetBufferCmsSignatureTimeAndCN(uint32_t signerNumber, const uint8_t* data, uint32_t length, LibraryTime* time,
                                       uint8_t* text, uint32_t* textLength) {
     Document document;
-    const Status status = document.FromBytes(signerNumber, data, length);
-    return status == StatusOk ? DescribeSigner(document, signerNumber, time, text, textLength) : status;
+    if (const Status status = document.FromBytes(signerNumber, {data, length})) return status;
+    return DescribeSigner(document, signerNumber, time, {text, textLength});
 }
 
 Status GetCmsSignatureTime(uint32_t signerNumber, const char* path, LibraryTime* time) {
@@ -272,6 +270,6 @@ Status GetCmsSignatureTime(uint32_t signerNumber, const char* path, LibraryTime*
 Status GetCmsSignatureTimeAndCN(uint32_t signerNumber, const char* path, LibraryTime* time, uint8_t* text,
                                 uint32_t* textLength) {
     Document document;
-    const Status status = document.FromFile(signerNumber, path);
-    return status == StatusOk ? DescribeSigner(document, signerNumber, time, text, textLength) : status;
+    if (const Status status = document.FromFile(signerNumber, path)) return status;
+    return DescribeSigner(document, signerNumber, time, {text, textLength});
 }

@@ -1,66 +1,37 @@
 #include "tlvforge/enveloped.h"
 
 #include "cms/enveloped.schema.h"
-#include "engine/nodes.h"
-#include "engine/oids.h"
 #include "x509/fields.h"
-#include "x509/transition.h"
 
 using namespace tlvforge;
 
 namespace {
 
-// One of the two blocks of the structure.
-template <class Block>
-using Branch = Block* GostR3410KeyTransport::*;
-constexpr Branch<SessionEncryptedKey> kSessionKey = &GostR3410KeyTransport::sessionEncryptedKey;
-constexpr Branch<TransportParameters> kParameters = &GostR3410KeyTransport::transportParameters;
+using KeyInfo = SubjectPublicKeyInfo;
 
-// A field of a block; null too where the block is absent.
-template <class Block, class Field>
-Field* FieldOf(const GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch, Field* Block::*field) {
-    return transport->*branch == nullptr ? nullptr : transport->*branch->*field;
+// Fields of the two blocks of the structure, and of the ephemeral key in the second.
+template <auto Member, class Record>
+auto SessionKey(Record* transport, Place place = Place::Here()) {
+    return At<&GostR3410KeyTransport::sessionEncryptedKey, Member>(transport, place);
+}
+template <auto... Members, class Record>
+auto Parameters(Record* transport, Place place = Place::Here()) {
+    return At<&GostR3410KeyTransport::transportParameters, Members...>(transport, place);
+}
+template <auto Member, class Record>
+auto EphemeralKey(Record* transport, Place place = Place::Here()) {
+    return Parameters<&TransportParameters::ephemeralPublicKey, Member>(transport, place);
 }
 
-// Makes a block with every required field empty, where there is none.
-template <class Block>
-Status Need(Block** block) {
-    return *block == nullptr ? CreateTree(block) : StatusOk;
+Status EnsureEphemeralKey(GostR3410KeyTransport* transport) {
+    if (const Status status = Ensure(&transport->transportParameters)) return status;
+    return Ensure(&transport->transportParameters->ephemeralPublicKey);
 }
 
-template <class Block>
-Status GetOctets(const GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch,
-                 Asn1Value* Block::*field, uint8_t* buffer, uint32_t* length, Place place = Place::Here()) {
-    if (AnyNull(transport, length)) return Fail(StatusBadArgument, place);
-    const Asn1Value* value = FieldOf(transport, branch, field);
-    return value == nullptr ? Fail(StatusAbsent, place) : GetAsn1Value(value, buffer, length);
-}
-
-template <class Block>
-Status SetOctets(GostR3410KeyTransport* transport, Block* GostR3410KeyTransport::*branch, Asn1Value* Block::*field,
-                 const uint8_t* data, uint32_t length, Place place = Place::Here()) {
-    if (AnyNull(transport, data)) return Fail(StatusBadArgument, place);
-    Block** block = &(transport->*branch);
-    const Status status = Need(block);
-    return status == StatusOk ? SetAsn1ValueField(&((*block)->*field), Asn1KindOctetString, data, length) : status;
-}
-
-SubjectPublicKeyInfo* EphemeralKeyOf(const GostR3410KeyTransport* transport) {
-    return FieldOf(transport, kParameters, &TransportParameters::ephemeralPublicKey);
-}
-
-// Both ephemeral setters: without an input they remove the key with its algorithm, and never make a thing for it.
-template <class Set>
-Status SetEphemeralKey(GostR3410KeyTransport* transport, const uint8_t* input, Set set, Place place = Place::Here()) {
-    if (transport == nullptr) return Fail(StatusBadArgument, place);
-    TransportParameters** parameters = &transport->transportParameters;
-    if (input == nullptr) {
-        if (*parameters != nullptr) FreeField(&(*parameters)->ephemeralPublicKey);
-        return StatusOk;
-    }
-    Status status = Need(parameters);
-    if (status == StatusOk) status = Need(&(*parameters)->ephemeralPublicKey);
-    return status == StatusOk ? set((*parameters)->ephemeralPublicKey) : status;
+// The key is freed with its algorithm.
+Status RemoveEphemeralKey(GostR3410KeyTransport* transport) {
+    if (transport->transportParameters != nullptr) FreeField(&transport->transportParameters->ephemeralPublicKey);
+    return StatusOk;
 }
 
 }  // namespace
@@ -78,37 +49,35 @@ Status EncodeGostR3410KeyTransport(const GostR3410KeyTransport* transport, uint8
 Status FreeGostR3410KeyTransport(GostR3410KeyTransport* transport) { return FreeTree(transport); }
 
 Status GetGostR3410KeyTransportEncryptedKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
-    return GetOctets(transport, kSessionKey, &SessionEncryptedKey::encryptedKey, buffer, length);
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    return GetBytes(SessionKey<&SessionEncryptedKey::encryptedKey>(transport), buffer, length);
 }
 
 Status GetGostR3410KeyTransportMaskKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(transport, length)) return Fail(StatusBadArgument);
-    const SessionEncryptedKey* key = transport->sessionEncryptedKey;
-    if (key == nullptr) return Fail(StatusAbsent);
-    if (key->maskKey != nullptr) return GetAsn1Value(key->maskKey, buffer, length);
-    *length = 0;
-    return StatusOk;
+    return GetOptionalBytes(SessionKey<&SessionEncryptedKey::maskKey>(transport), buffer, length);
 }
 
 Status GetGostR3410KeyTransportMacKey(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
-    return GetOctets(transport, kSessionKey, &SessionEncryptedKey::macKey, buffer, length);
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    return GetBytes(SessionKey<&SessionEncryptedKey::macKey>(transport), buffer, length);
 }
 
 Status GetGostR3410KeyTransportEncryptionParamSetOid(const GostR3410KeyTransport* transport, uint8_t* oid,
                                                      uint32_t* length) {
     if (AnyNull(transport, length)) return Fail(StatusBadArgument);
-    const Asn1Value* paramSet = FieldOf(transport, kParameters, &TransportParameters::encryptionParamSet);
-    return paramSet == nullptr ? Fail(StatusAbsent) : GetAsn1Oid(paramSet, oid, length);
+    return GetOid(Parameters<&TransportParameters::encryptionParamSet>(transport), oid, length);
 }
 
 Status GetGostR3410KeyTransportUkm(const GostR3410KeyTransport* transport, uint8_t* buffer, uint32_t* length) {
-    return GetOctets(transport, kParameters, &TransportParameters::ukm, buffer, length);
+    if (AnyNull(transport, length)) return Fail(StatusBadArgument);
+    return GetBytes(Parameters<&TransportParameters::ukm>(transport), buffer, length);
 }
 
 Status GetGostR3410KeyTransportEphemeralPublicKey(const GostR3410KeyTransport* transport, uint8_t* buffer,
                                                   uint32_t* length) {
     if (AnyNull(transport, length)) return Fail(StatusBadArgument);
-    return GetPublicKey(EphemeralKeyOf(transport), buffer, length);
+    return GetBits(EphemeralKey<&KeyInfo::subjectPublicKey>(transport), buffer, length);
 }
 
 Status GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(const GostR3410KeyTransport* transport,
@@ -116,50 +85,59 @@ Status GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(const
                                                                            uint8_t* parameters,
                                                                            uint32_t* parametersLength) {
     if (AnyNull(transport, oidLength)) return Fail(StatusBadArgument);
-    return GetAlgorithm(AlgorithmOf(EphemeralKeyOf(transport)), oid, oidLength, parameters, parametersLength);
+    return GetAlgorithm(EphemeralKey<&KeyInfo::algorithm>(transport), {oid, oidLength}, {parameters, parametersLength});
 }
 
 Status SetGostR3410KeyTransportEncryptedKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
-    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::encryptedKey, data, length);
+    if (AnyNull(transport, data)) return Fail(StatusBadArgument);
+    if (const Status status = Ensure(&transport->sessionEncryptedKey)) return status;
+    return SetBytes(SessionKey<&SessionEncryptedKey::encryptedKey>(transport), Asn1KindOctetString, data, length);
 }
 
 Status SetGostR3410KeyTransportMaskKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
     if (transport == nullptr) return Fail(StatusBadArgument);
-    SessionEncryptedKey* key = transport->sessionEncryptedKey;
-    if (key != nullptr) FreeField(&key->maskKey);
+    if (transport->sessionEncryptedKey != nullptr) FreeField(&transport->sessionEncryptedKey->maskKey);
     if (data == nullptr || length == 0) return StatusOk;
-    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::maskKey, data, length);
+    if (const Status status = Ensure(&transport->sessionEncryptedKey)) return status;
+    return SetBytes(SessionKey<&SessionEncryptedKey::maskKey>(transport), Asn1KindOctetString, data, length);
 }
 
 Status SetGostR3410KeyTransportMacKey(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
-    return SetOctets(transport, kSessionKey, &SessionEncryptedKey::macKey, data, length);
+    if (AnyNull(transport, data)) return Fail(StatusBadArgument);
+    if (const Status status = Ensure(&transport->sessionEncryptedKey)) return status;
+    return SetBytes(SessionKey<&SessionEncryptedKey::macKey>(transport), Asn1KindOctetString, data, length);
 }
 
 Status SetGostR3410KeyTransportEncryptionParamSetOid(GostR3410KeyTransport* transport, const uint8_t* oid) {
     if (AnyNull(transport, oid)) return Fail(StatusBadArgument);
-    const Status status = Need(&transport->transportParameters);
-    if (status != StatusOk) return status;
-    Asn1Value** field = &transport->transportParameters->encryptionParamSet;
-    // A set that is there is emptied, not replaced. This is intended: callers set it once.
-    const bool filled = *field != nullptr && (*field)->data != nullptr;
-    return SetAsn1ValueField(field, Asn1KindObjectIdentifier, oid + 1, filled ? 0 : oid[0]);
+    if (const Status status = Ensure(&transport->transportParameters)) return status;
+    // A set that is there is emptied, not replaced: see docs/oddities.md.
+    const auto paramSet = Parameters<&TransportParameters::encryptionParamSet>(transport);
+    const bool filled = paramSet && paramSet->data != nullptr;
+    return SetBytes(paramSet, Asn1KindObjectIdentifier, oid + 1, filled ? 0 : oid[0]);
 }
 
 Status SetGostR3410KeyTransportEphemeralPublicKey(GostR3410KeyTransport* transport, const uint8_t* data,
                                                   uint32_t length) {
-    return SetEphemeralKey(transport, data, [=](SubjectPublicKeyInfo* key) { return SetPublicKey(key, data, length); });
+    if (transport == nullptr) return Fail(StatusBadArgument);
+    if (data == nullptr) return RemoveEphemeralKey(transport);
+    if (const Status status = EnsureEphemeralKey(transport)) return status;
+    return ReplaceBits(EphemeralKey<&KeyInfo::subjectPublicKey>(transport), data, length);
 }
 
 Status SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(GostR3410KeyTransport* transport,
                                                                            const uint8_t* oid,
                                                                            const uint8_t* parameters,
                                                                            uint32_t parametersLength) {
-    return SetEphemeralKey(transport, oid, [=](SubjectPublicKeyInfo* key) {
-        const Status status = Need(&key->algorithm);
-        return status == StatusOk ? SetAlgorithm(key->algorithm, oid, parameters, parametersLength) : status;
-    });
+    if (transport == nullptr) return Fail(StatusBadArgument);
+    if (oid == nullptr) return RemoveEphemeralKey(transport);
+    if (const Status status = EnsureEphemeralKey(transport)) return status;
+    if (const Status status = Ensure(EphemeralKey<&KeyInfo::algorithm>(transport).cell)) return status;
+    return SetAlgorithm(EphemeralKey<&KeyInfo::algorithm>(transport), oid, {parameters, parametersLength});
 }
 
 Status SetGostR3410KeyTransportUkm(GostR3410KeyTransport* transport, const uint8_t* data, uint32_t length) {
-    return SetOctets(transport, kParameters, &TransportParameters::ukm, data, length);
+    if (AnyNull(transport, data)) return Fail(StatusBadArgument);
+    if (const Status status = Ensure(&transport->transportParameters)) return status;
+    return SetBytes(Parameters<&TransportParameters::ukm>(transport), Asn1KindOctetString, data, length);
 }

@@ -25,7 +25,11 @@ Status AddSeveralDataContentInfo(SeveralData* data, CmsContentInfo* info) {
 Status GetSeveralDataContentInfoCount(const SeveralData* data, uint32_t* count) { return GetListCount(data, count); }
 
 Status GetSeveralDataContentInfo(const SeveralData* data, uint32_t index, CmsContentInfo** info) {
-    return GetListMember(data, index, info);
+    if (info == nullptr || !HasIndex(data, index)) return Fail(StatusBadArgument);
+    return Borrow(MemberAt(data, index), info);
 }
 
-Status RemoveSeveralDataContentInfo(SeveralData* data, uint32_t index) { return RemoveListMember(data, index); }
+Status RemoveSeveralDataContentInfo(SeveralData* data, uint32_t index) {
+    if (data == nullptr) return Fail(StatusBadArgument);
+    return RemoveMember(data, index);
+}

@@ -82,8 +82,10 @@ template <> struct Schema<EncapsulatedContentInfo> : Record<
 
 template <> struct Schema<OtherRevocationInfo> : Record<
     Field<&OtherRevocationInfo::otherRevInfoFormat, ObjectIdentifier>,
-    Field<&OtherRevocationInfo::otherRevInfo, Any>> {};  // The first alternative is primitive with the number 1, so that an ordinary CertificateList, 30, matches no alternative
-// and a document that holds one is refused. That is intended.
+    Field<&OtherRevocationInfo::otherRevInfo, Any>> {};
+
+// The first alternative is primitive with the number 1, so that an ordinary CertificateList, 30, matches no alternative
+// and a document that holds one is refused: see docs/oddities.md.
 template <> struct Schema<RevocationInfoChoice> : Choice<
     UniversalTag<1, Any>,              // crl
     Implicit<1, OtherRevocationInfo>> {};  // other
@@ -115,9 +117,13 @@ template <> struct Schema<CmsSignedData> : Record<
     Field<&CmsSignedData::encapContentInfo, EncapsulatedContentInfo>,
     Field<&CmsSignedData::certificates, Optional<Implicit<0, CertificateSet>>>,
     Field<&CmsSignedData::crls, Optional<Implicit<1, RevocationInfoChoices>>>,
-    Field<&CmsSignedData::signerInfos, SetOf<CmsSignerInfo>>> {};  // A SignedData within its ContentInfo as one tree, so that large content is moved once only.
+    Field<&CmsSignedData::signerInfos, SetOf<CmsSignerInfo>>> {};
+
+// A SignedData within its ContentInfo as one tree, so that large content is moved once only.
 template <> struct Schema<SignedMessage> : Record<
     Field<&SignedMessage::contentType, ObjectIdentifier>,
-    Field<&SignedMessage::content, Explicit<0, CmsSignedData>>> {};  // clang-format on
+    Field<&SignedMessage::content, Explicit<0, CmsSignedData>>> {};
+
+// clang-format on
 }  // namespace schema
 }  // namespace tlvforge

@@ -1,10 +1,7 @@
 #include "cms/document_parts.h"
 
-#include "engine/list_cells.h"
-#include "engine/oids.h"
-#include "engine/output.h"
+#include "engine/views.h"
 #include "x509/fields.h"
-#include "x509/transition.h"
 
 namespace tlvforge {
 
@@ -16,8 +13,6 @@ constexpr uint32_t kSubjectKeyIdentifier = 1;
 
 // Identifier octets of the kinds from 1 on.
 constexpr uint8_t kCertificateOctets[] = {0x30, 0xA0, 0xA1, 0xA2, 0xA3};
-constexpr uint8_t kCrlKinds = CmsCrlKindOther;
-
 // Selects no alternative of any choice.
 constexpr uint32_t kNoAlternative = UINT32_MAX;
 
@@ -34,12 +29,13 @@ uint8_t CertificateKindOf(uint8_t tagClass, uint8_t constructedBit, uint32_t tag
     return 0;
 }
 
-// Whether an element is in the set whose first byte is another one in `data`.
-bool HasCertificate(const CertificateSet& set, uint8_t octet, const uint8_t* data, uint32_t length) {
+// Whether the set has the element with this first byte.
+bool HasCertificate(const CertificateSet& set, uint8_t octet, Bytes element) {
     for (uint32_t i = 0; i < set.count; ++i) {
         const Asn1Any* member = set.At(i);
-        if (member == nullptr || member->length != length || HasLostBytes(member)) continue;
-        if (member->data[0] == octet && memcmp(member->data + 1, data + 1, length - 1) == 0) return true;
+        if (member == nullptr || member->length != element.length || HasLostBytes(member)) continue;
+        if (member->data[0] == octet && memcmp(member->data + 1, element.data + 1, element.length - 1) == 0)
+            return true;
     }
     return false;
 }
@@ -47,25 +43,23 @@ bool HasCertificate(const CertificateSet& set, uint8_t octet, const uint8_t* dat
 bool IsSignedData(const Asn1Value* contentType) { return EqualRecords(*contentType, kSignedDataType); }
 
 // Makes the value issuerAndSerialNumber, or keeps the one that is there.
-Status NeedIssuerAndSerialNumber(EntityIdentifier* identifier, Place place) {
+Status EnsureIssuerAndSerialNumber(EntityIdentifier* identifier) {
     if (identifier->selected != kIssuerAndSerialNumber) {
-        const Status status = ClearAsn1Choice(itemOf<EntityIdentifier>, identifier);
-        if (status != StatusOk) return status;
+        if (const Status status = ClearAsn1Choice(itemOf<EntityIdentifier>, identifier)) return status;
     }
     if (identifier->value == nullptr) {
         const Status status = CreateAsn1Object(&itemOf<IssuerAndSerialNumber>, &identifier->value, 0);
         if (status != StatusOk) return status;
     }
     identifier->selected = kIssuerAndSerialNumber;
-    auto* parts = static_cast<IssuerAndSerialNumber*>(identifier->value);
-    if (parts->issuer == nullptr) parts->issuer = AllocChoice<Name>();
-    return parts->issuer == nullptr ? Fail(StatusOutOfMemory, place) : StatusOk;
+    return Ensure(&static_cast<IssuerAndSerialNumber*>(identifier->value)->issuer);
 }
 
 }  // namespace
 
-Status IdentifierParts::Of(EntityIdentifier* identifier, uint32_t* serialLength, uint32_t* keyIdLength, Place place) {
-    if (identifier == nullptr || identifier->value == nullptr) return Fail(StatusAbsent, place);
+Status IdentifierParts::Of(const Part<EntityIdentifier>& identifier, uint32_t* serialLength, uint32_t* keyIdLength,
+                           Place place) {
+    if (!identifier || identifier->value == nullptr) return identifier.Absent();
     if (identifier->selected == kSubjectKeyIdentifier) {
         if (serialLength != nullptr) *serialLength = 0;
         keyId = static_cast<const Asn1Value*>(identifier->value);
@@ -74,102 +68,90 @@ Status IdentifierParts::Of(EntityIdentifier* identifier, uint32_t* serialLength,
     if (identifier->selected != kIssuerAndSerialNumber) return Fail(StatusBadAlternative, place);
     if (keyIdLength != nullptr) *keyIdLength = 0;
     const auto* parts = static_cast<const IssuerAndSerialNumber*>(identifier->value);
-    if (AnyNull(parts->issuer, parts->serialNumber)) return Fail(StatusAbsent, place);
+    if (AnyNull(parts->issuer, parts->serialNumber)) return identifier.Absent();
     serialNumber = parts->serialNumber;
-    return LendName(parts->issuer, &issuer, place);
+    return GetName({parts->issuer, identifier.place}, &issuer);
 }
 
-Status SetIssuerAndSerialNumber(EntityIdentifier* identifier, const X509Name* issuer, const uint8_t* serial,
-                                uint32_t serialLength, Place place) {
-    if (identifier == nullptr) return Fail(StatusAbsent, place);
-    Status status = NeedIssuerAndSerialNumber(identifier, place);
-    if (status != StatusOk) return status;
+Status SetIssuerAndSerialNumber(const Part<EntityIdentifier>& identifier, const X509Name* issuer, Bytes serial) {
+    if (!identifier) return identifier.Absent();
+    if (const Status status = EnsureIssuerAndSerialNumber(identifier.node)) return status;
     auto* parts = static_cast<IssuerAndSerialNumber*>(identifier->value);
-    status = CopyNameInto(parts->issuer, issuer, place);
-    if (status != StatusOk) return status;
+    if (const Status status = CopyName({parts->issuer, identifier.place}, issuer)) return status;
     const bool replaces = parts->serialNumber != nullptr;
-    status = SetAsn1ValueField(&parts->serialNumber, Asn1KindInteger, serial, serialLength);
-    // A number that is lost while it is replaced isn't told. This is intended.
+    const Status status = SetAsn1ValueField(&parts->serialNumber, Asn1KindInteger, serial.data, serial.length);
+    // A number that is lost while it is replaced is no failure: see docs/oddities.md.
     return replaces ? StatusOk : status;
 }
 
-Status SetSubjectKeyIdentifier(EntityIdentifier* identifier, const uint8_t* keyId, uint32_t length, Place place) {
-    if (identifier == nullptr) return Fail(StatusAbsent, place);
-    Asn1Value* value = AllocAsn1Value(Asn1KindOctetString, keyId, length);
-    (void)ClearAsn1Choice(itemOf<EntityIdentifier>, identifier);
+Status SetSubjectKeyIdentifier(const Part<EntityIdentifier>& identifier, Bytes keyId) {
+    if (!identifier) return identifier.Absent();
+    Asn1Value* value = AllocAsn1Value(Asn1KindOctetString, keyId.data, keyId.length);
+    (void)ClearAsn1Choice(itemOf<EntityIdentifier>, identifier.node);
     identifier->value = value;
-    if (value == nullptr) return Fail(StatusOutOfMemory, place);
+    if (value == nullptr) return Fail(StatusOutOfMemory, identifier.place);
     identifier->selected = kSubjectKeyIdentifier;
     return StatusOk;
 }
 
-Status GetEncodedCertificate(const CertificateSet* set, uint32_t index, uint8_t* kind, uint8_t* buffer,
-                             uint32_t* length, Place place) {
-    if (set == nullptr) return Fail(StatusAbsent, place);
+Status GetEncodedCertificate(const Part<CertificateSet>& set, uint32_t index, uint8_t* kind, Bytes* certificate,
+                             Place place) {
     Asn1Any* element = nullptr;
-    Status status = GetListMember(set, index, &element, place);
-    if (status != StatusOk) return status;
+    if (const Status status = GetMember(set, index, &element, place)) return status;
     uint8_t tagClass = 0, constructedBit = 0;
     uint32_t tagNumber = 0, contentLength = 0, headerLength = 0;
-    status = GetAsn1ObjectInfo(element->data, element->length, &tagClass, &constructedBit, &tagNumber, &contentLength,
-                               nullptr, &headerLength);
-    if (status != StatusOk) return status;
+    if (const Status status = GetAsn1ObjectInfo(element->data, element->length, &tagClass, &constructedBit, &tagNumber,
+                                                &contentLength, nullptr, &headerLength)) {
+        return status;
+    }
     *kind = CertificateKindOf(tagClass, constructedBit, tagNumber);
-    if (buffer == nullptr && length == nullptr) return StatusOk;
-    return CopyOut(element->data, element->length, buffer, length, place);
+    *certificate = {element->data, element->length};
+    return StatusOk;
 }
 
-Status GetEncodedCrl(const RevocationInfoChoices* set, uint32_t index, uint8_t*, uint8_t*, uint32_t*, Place place) {
-    if (set == nullptr) return Fail(StatusAbsent, place);
-    RevocationInfoChoice* element = nullptr;
-    const Status status = GetListMember(set, index, &element, place);
-    return status == StatusOk ? Fail(StatusBadEncoding, place) : status;
-}
+bool IsCertificateKind(uint8_t kind) { return kind != 0 && kind <= sizeof kCertificateOctets; }
 
-Status AddEncodedCertificate(CertificateSet** set, uint8_t kind, const uint8_t* data, uint32_t length, Status badKind,
-                             Place place) {
-    const Status status = NeedList(set, place);
-    if (status != StatusOk) return status;
-    if (kind == 0 || kind > sizeof kCertificateOctets) return Fail(badKind, place);
-    if (length == 0) return Fail(StatusBadArgument, place);
+bool IsCrlKind(uint8_t kind) { return kind != 0 && kind <= CmsCrlKindOther; }
+
+Status AddEncodedCertificate(CertificateSet* set, uint8_t kind, Bytes certificate, Place place) {
     const uint8_t octet = kCertificateOctets[kind - 1];
-    if (HasCertificate(**set, octet, data, length)) return StatusOk;
-    Tree<schema::ConstructedAny> element(AllocAsn1Any(Asn1KindSequence, data, length));
+    if (HasCertificate(*set, octet, certificate)) return StatusOk;
+    Tree<schema::ConstructedAny> element(AllocAsn1Any(Asn1KindSequence, certificate.data, certificate.length));
     if (!element) return Fail(StatusOutOfMemory, place);
     element->data[0] = octet;
-    return element.MoveTo(*set);
+    return element.MoveTo(set);
 }
 
-Status AddEncodedCrl(RevocationInfoChoices** set, uint8_t kind, const uint8_t*, uint32_t, Status badKind, Place place) {
-    const Status status = NeedList(set, place);
-    if (status != StatusOk) return status;
-    if (kind == 0 || kind > kCrlKinds) return Fail(badKind, place);
+Status AddEncodedCrl(RevocationInfoChoices* set, Place place) {
     Tree<RevocationInfoChoice> element(AllocChoice<RevocationInfoChoice>(kNoAlternative));
-    return element ? element.MoveTo(*set) : Fail(StatusOutOfMemory, place);
+    return element ? element.MoveTo(set) : Fail(StatusOutOfMemory, place);
 }
 
-Status DecodeSignedMessage(const uint8_t* data, uint32_t length, CmsSignedData** signedData, Place place) {
-    *signedData = nullptr;
-    Tree<SignedMessage> message;
-    const Status decoded = message.Decode(data, length);
+Status ReplaceContent(const Slot<Asn1Value>& field, Bytes content) {
+    if (field.cell == nullptr) return field.Absent();
+    FreeField(field.cell);
+    if (content.data == nullptr || content.length == 0) return StatusOk;
+    return ReplaceField(field.cell, AllocAsn1Value(Asn1KindOctetString, content.data, content.length), field.place);
+}
+
+Status DecodeSignedMessage(Bytes message, Tree<CmsSignedData>* signedData, Place place) {
+    Tree<SignedMessage> whole;
+    const Status decoded = whole.Decode(message.data, message.length);
     if (decoded != StatusOk) {
-        // Whether this is a ContentInfo of another type goes before what is wrong with the content.
+        // That this is a ContentInfo of another type goes before what is wrong with the content.
         Tree<CmsContentInfo> info;
-        const Status status = info.Decode(data, length);
-        if (status != StatusOk) return status;
+        if (const Status status = info.Decode(message.data, message.length)) return status;
         return IsSignedData(info->contentType) ? decoded : Fail(StatusWrongContentType, place);
     }
-    if (!IsSignedData(message->contentType)) return Fail(StatusWrongContentType, place);
-    *signedData = message->content;
-    message->content = nullptr;
+    if (!IsSignedData(whole->contentType)) return Fail(StatusWrongContentType, place);
+    *signedData->Slot() = TakeField(&whole->content);
     return StatusOk;
 }
 
 Status EncodeSignedMessage(const CmsSignedData* signedData, uint8_t* buffer, uint32_t* length) {
     if (signedData == nullptr) return Fail(StatusBadArgument);
     Asn1Value type = kSignedDataType;
-    const SignedMessage message = {&type, const_cast<CmsSignedData*>(signedData)};  // the encoder only reads
-    return EncodeTree(&message, buffer, length);
+    return EncodeTree(AddressOf(SignedMessage{&type, Unconst(signedData)}), buffer, length);
 }
 
 }  // namespace tlvforge

@@ -20,6 +20,7 @@ struct OriginatorInfo {
 };
 
 struct RecipientInfo : Asn1Choice {};
+struct RecipientInfos : ListOf<RecipientInfo> {};
 
 struct EncryptedContentInfo {
     Asn1Value* contentType;
@@ -49,7 +50,7 @@ struct TransportParameters {
 struct CmsEnvelopedData {
     Asn1Value* version;
     tlvforge::OriginatorInfo* originatorInfo;
-    tlvforge::ListOf<tlvforge::RecipientInfo>* recipientInfos;
+    tlvforge::RecipientInfos* recipientInfos;
     tlvforge::EncryptedContentInfo* encryptedContentInfo;
     RsaAttributesCell unprotectedAttrs;
 };
@@ -70,13 +71,17 @@ template <> struct Schema<KeyTrans> : Record<
     Field<&KeyTrans::version, Integer>,
     Field<&KeyTrans::rid, EntityIdentifier>,
     Field<&KeyTrans::keyEncryptionAlgorithm, AlgorithmIdentifier>,
-    Field<&KeyTrans::encryptedKey, OctetString>> {};  // The selector is the kind of recipient less one.
+    Field<&KeyTrans::encryptedKey, OctetString>> {};
+
+// The selector is the kind of recipient less one.
 template <> struct Schema<RecipientInfo> : Choice<
     KeyTrans,                   // ktri
     ImplicitConstructedAny<1>,  // kari
     ImplicitConstructedAny<2>,  // kekri
     ImplicitConstructedAny<3>,  // pwri
     ImplicitConstructedAny<4>> {};  // ori
+
+template <> struct Schema<RecipientInfos> : SetOf<RecipientInfo> {};
 
 template <> struct Schema<EncryptedContentInfo> : Record<
     Field<&EncryptedContentInfo::contentType, ObjectIdentifier>,
@@ -86,7 +91,7 @@ template <> struct Schema<EncryptedContentInfo> : Record<
 template <> struct Schema<CmsEnvelopedData> : Record<
     Field<&CmsEnvelopedData::version, Integer>,
     Field<&CmsEnvelopedData::originatorInfo, Optional<Implicit<0, OriginatorInfo>>>,
-    Field<&CmsEnvelopedData::recipientInfos, SetOf<RecipientInfo>>,
+    Field<&CmsEnvelopedData::recipientInfos, RecipientInfos>,
     Field<&CmsEnvelopedData::encryptedContentInfo, EncryptedContentInfo>,
     Field<&CmsEnvelopedData::unprotectedAttrs, Optional<Implicit<1, RsaAttributeList>>>> {};
 
@@ -106,5 +111,7 @@ template <> struct Schema<TransportParameters> : Record<
 
 template <> struct Schema<GostR3410KeyTransport> : Record<
     Field<&GostR3410KeyTransport::sessionEncryptedKey, SessionEncryptedKey>,
-    Field<&GostR3410KeyTransport::transportParameters, Optional<Implicit<0, TransportParameters>>>> {};  // clang-format on
+    Field<&GostR3410KeyTransport::transportParameters, Optional<Implicit<0, TransportParameters>>>> {};
+
+// clang-format on
 }  // namespace tlvforge::schema

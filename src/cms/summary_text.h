@@ -6,8 +6,8 @@
 
 namespace tlvforge {
 
-// A summary while it is being built. What doesn't fit is 49 as it stands, although no buffer of the caller is at fault:
-// that is intended.
+// A summary while it is being built. What doesn't fit is StatusBufferTooSmall, although no buffer of the caller is at
+// fault: see docs/statuses.md.
 struct SummaryText {
     static constexpr uint32_t kUsable = 1023;
 
@@ -22,7 +22,7 @@ struct SummaryText {
     // The first common name of each RDN, without separators.
     Status AppendCommonNames(const X509Name* name);
 
-    Status Give(uint8_t* text, uint32_t* textLength, Place place = Place::Here()) const {
+    Status CopyOut(uint8_t* text, uint32_t* textLength, Place place = Place::Here()) const {
         return GiveText(bytes, length, text, textLength, place);
     }
 };

@@ -104,6 +104,11 @@ Status GetBytes(const Part<Node>& field, uint8_t* buffer, uint32_t* length) {
     return field ? GetAsn1Value(field.node, buffer, length) : field.Absent();
 }
 
+// Content bytes of a field that is optional in its record: the length 0 without it.
+inline Status GetOptionalBytes(const Slot<Asn1Value>& field, uint8_t* buffer, uint32_t* length) {
+    return field.cell != nullptr ? GetOptionalBytes(field.node, {buffer, length}) : field.Absent();
+}
+
 inline Status GetOid(const Part<Asn1Value>& field, uint8_t* oid, uint32_t* length) {
     return field ? GetAsn1Oid(field.node, oid, length) : field.Absent();
 }
