@@ -61,16 +61,15 @@ Status AddOcspRequestCertRequest(OcspRequest* request, const uint8_t* hashOid, c
                                  const uint8_t* keyHash, uint32_t keyHashLength, const uint8_t* serial,
                                  uint32_t serialLength, X509Extensions extensions) {
     if (AnyNull(request, hashOid, nameHash, keyHash, serial)) return Fail(StatusBadArgument);
-    const CertIDParts id = {hashOid,
-                            {parameters, parametersLength},
-                            {nameHash, nameHashLength},
-                            {keyHash, keyHashLength},
-                            {serial, serialLength}};
     const auto list = Tbs<&TBSRequest::requestList>(request);
     if (!list) return list.Absent();
     Tree<OcspCertRequest> entry;
     if (const Status status = entry.Create(1)) return status;
-    if (const Status status = WriteCertID(At<&OcspCertRequest::reqCert>(entry.Get()), id)) return status;
+    const Part<CertID> id = At<&OcspCertRequest::reqCert>(entry.Get());
+    if (const Status status = WriteCertID(id, hashOid, {parameters, parametersLength}, {nameHash, nameHashLength},
+                                          {keyHash, keyHashLength}, {serial, serialLength})) {
+        return status;
+    }
     if (const Status status = CopyExtensions(extensions, &entry->singleRequestExtensions.list)) return status;
     if (const Status status = ReserveAsn1ListItem(list.node)) return status;  // a failed add loses nothing
     return entry.MoveTo(list.node);
@@ -92,11 +91,8 @@ Status GetOcspRequestCertRequest(const OcspRequest* request, int32_t index, uint
     OcspCertRequest* entry = nullptr;
     if (const Status status = GetMember(list, static_cast<uint32_t>(index), &entry)) return status;
     if (extensions != nullptr) *extensions = &entry->singleRequestExtensions;
-    return ReadCertID(At<&OcspCertRequest::reqCert>(entry), {{hashOid, hashOidLength},
-                                                             {parameters, parametersLength},
-                                                             {nameHash, nameHashLength},
-                                                             {keyHash, keyHashLength},
-                                                             {serial, serialLength}});
+    return ReadCertID(At<&OcspCertRequest::reqCert>(entry), {hashOid, hashOidLength}, {parameters, parametersLength},
+                      {nameHash, nameHashLength}, {keyHash, keyHashLength}, {serial, serialLength});
 }
 
 Status ClearOcspRequestCertRequests(OcspRequest* request) {

@@ -260,11 +260,8 @@ Status GetOcspSingleResponseCertID(const OcspSingleResponse* single, uint8_t* ha
     if (AnyNull(single, hashOidLength, parametersLength, nameHashLength, keyHashLength, serialLength)) {
         return Fail(StatusBadArgument);
     }
-    return ReadCertID(At<&OcspSingleResponse::certID>(single), {{hashOid, hashOidLength},
-                                                                {parameters, parametersLength},
-                                                                {nameHash, nameHashLength},
-                                                                {keyHash, keyHashLength},
-                                                                {serial, serialLength}});
+    return ReadCertID(At<&OcspSingleResponse::certID>(single), {hashOid, hashOidLength}, {parameters, parametersLength},
+                      {nameHash, nameHashLength}, {keyHash, keyHashLength}, {serial, serialLength});
 }
 
 Status SetOcspSingleResponseCertID(OcspSingleResponse* single, const uint8_t* hashOid, const uint8_t* parameters,
@@ -272,11 +269,8 @@ Status SetOcspSingleResponseCertID(OcspSingleResponse* single, const uint8_t* ha
                                    const uint8_t* keyHash, uint32_t keyHashLength, const uint8_t* serial,
                                    uint32_t serialLength) {
     if (AnyNull(single, hashOid, nameHash, keyHash, serial)) return Fail(StatusBadArgument);
-    return WriteCertID(At<&OcspSingleResponse::certID>(single), {hashOid,
-                                                                 {parameters, parametersLength},
-                                                                 {nameHash, nameHashLength},
-                                                                 {keyHash, keyHashLength},
-                                                                 {serial, serialLength}});
+    return WriteCertID(At<&OcspSingleResponse::certID>(single), hashOid, {parameters, parametersLength},
+                       {nameHash, nameHashLength}, {keyHash, keyHashLength}, {serial, serialLength});
 }
 
 Status GetOcspSingleResponseCertStatus(const OcspSingleResponse* single, uint32_t* certStatus) {

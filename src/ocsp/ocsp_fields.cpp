@@ -2,29 +2,31 @@
 
 namespace tlvforge {
 
-Status ReadCertID(const Part<CertID>& field, const CertIDOutputs& out) {
+Status ReadCertID(const Part<CertID>& field, Output hashOid, Output parameters, Output nameHash, Output keyHash,
+                  Output serial) {
     if (!field || AnyNull(field->hashAlgorithm, field->issuerNameHash, field->issuerKeyHash, field->serialNumber)) {
         return field.Absent();
     }
-    if (const Status status = GetAlgorithmIdentifierOid(field->hashAlgorithm, out.hashOid)) return status;
+    if (const Status status = GetAlgorithmIdentifierOid(field->hashAlgorithm, hashOid)) return status;
     return ReadOutputs(
         OutputRule::kPastSmallUntilFit,
-        [&] { return GetAlgorithmIdentifierParameters(field->hashAlgorithm, out.parameters); },
-        [&] { return GetAsn1Value(field->issuerNameHash, out.nameHash.buffer, out.nameHash.length); },
-        [&] { return GetAsn1Value(field->issuerKeyHash, out.keyHash.buffer, out.keyHash.length); },
-        [&] { return GetAsn1Value(field->serialNumber, out.serial.buffer, out.serial.length); });
+        [&] { return GetAlgorithmIdentifierParameters(field->hashAlgorithm, parameters); },
+        BytesInto(field->issuerNameHash, nameHash.buffer, nameHash.length),
+        BytesInto(field->issuerKeyHash, keyHash.buffer, keyHash.length),
+        BytesInto(field->serialNumber, serial.buffer, serial.length));
 }
 
-Status WriteCertID(const Part<CertID>& field, const CertIDParts& parts) {
+Status WriteCertID(const Part<CertID>& field, const uint8_t* hashOid, Bytes parameters, Bytes nameHash, Bytes keyHash,
+                   Bytes serial) {
     if (!field) return field.Absent();
     const auto set = [](Asn1Value** cell, uint32_t kind, Bytes bytes) {
         return SetAsn1ValueField(cell, kind, bytes.data, bytes.length);
     };
     const auto algorithm = At<&CertID::hashAlgorithm>(field.node, field.place);
-    if (const Status status = SetAlgorithm(algorithm, parts.hashOid, parts.parameters)) return status;
-    if (const Status status = set(&field->issuerNameHash, Asn1KindOctetString, parts.nameHash)) return status;
-    if (const Status status = set(&field->issuerKeyHash, Asn1KindOctetString, parts.keyHash)) return status;
-    return set(&field->serialNumber, Asn1KindInteger, parts.serial);
+    if (const Status status = SetAlgorithm(algorithm, hashOid, parameters)) return status;
+    if (const Status status = set(&field->issuerNameHash, Asn1KindOctetString, nameHash)) return status;
+    if (const Status status = set(&field->issuerKeyHash, Asn1KindOctetString, keyHash)) return status;
+    return set(&field->serialNumber, Asn1KindInteger, serial);
 }
 
 Status ReadAlgorithm(const Part<AlgorithmIdentifier>& field, Output oid, Output parameters) {

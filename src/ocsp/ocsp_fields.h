@@ -6,26 +6,12 @@
 
 namespace tlvforge {
 
-struct CertIDOutputs {
-    Output hashOid;
-    Output parameters;
-    Output nameHash;
-    Output keyHash;
-    Output serial;
-};
-
-struct CertIDParts {
-    const uint8_t* hashOid;
-    Bytes parameters;
-    Bytes nameHash;
-    Bytes keyHash;
-    Bytes serial;
-};
-
 // The lengths must not be null. A small buffer for the OID ends the reading; of the others, the first output that fits
 // after one that didn't: see docs/oddities.md.
-Status ReadCertID(const Part<CertID>& field, const CertIDOutputs& out);
-Status WriteCertID(const Part<CertID>& field, const CertIDParts& parts);
+Status ReadCertID(const Part<CertID>& field, Output hashOid, Output parameters, Output nameHash, Output keyHash,
+                  Output serial);
+Status WriteCertID(const Part<CertID>& field, const uint8_t* hashOid, Bytes parameters, Bytes nameHash, Bytes keyHash,
+                   Bytes serial);
 
 // An algorithm is absent without its OID too. Both outputs are read, and a failure of another kind goes before a buffer
 // that is too small.
