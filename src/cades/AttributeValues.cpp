@@ -13,34 +13,25 @@ using namespace tlvforge;
 
 namespace {
 
-// The rule of the encoders that know no capacity: intended, their callers measure first.
+// The rule of the encoders that know no capacity: see docs/oddities.md.
 template <class Node>
 Status EncodeInFull(const Node* node, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
     uint32_t needed = UINT32_MAX;
-    const Status status = EncodeTree(node, buffer, &needed);
-    if (status == StatusOk) *length = needed;
-    return status;
-}
-
-// Moves a list of a decoded tree to the caller.
-template <class List>
-void HandOver(List** field, List** out) {
-    *out = *field;
-    *field = nullptr;
+    if (const Status status = EncodeTree(node, buffer, &needed)) return status;
+    *length = needed;
+    return StatusOk;
 }
 
 // --- Document information ---
 
-Status ReadTimeOrNull(const Asn1Value* field, LibraryTime* time) {
+Status GetTimeOrNull(const Asn1Value* field, LibraryTime* time) {
     if (field != nullptr) return GeneralizedTimeToLibraryTime(field, time);
     *time = {};
     return StatusOk;
 }
 
-Status SetText(Asn1Value** field, const uint8_t* text, uint32_t length) {
-    return text != nullptr ? SetAsn1ValueField(field, Asn1KindUTF8String, text, length) : StatusOk;
-}
+Status SetText(Asn1Value** field, Bytes text) { return SetOptionalBytes(field, Asn1KindUTF8String, text); }
 
 Status SetTimeUnlessNull(Asn1Value** field, const LibraryTime* time) {
     return IsLibraryTimeNull(time) == 0 ? SetOptionalTime(field, time) : StatusOk;
@@ -49,16 +40,14 @@ Status SetTimeUnlessNull(Asn1Value** field, const LibraryTime* time) {
 // --- Signing certificates ---
 
 template <class List>
-Status DecodeSigningCertificate(const uint8_t* data, uint32_t length, List** certs,
-                                ExtensionCertificatePolicies** policies) {
-    if (AnyNull(data, certs, policies)) return Fail(StatusBadArgument);
+Status DecodeSigningCertificate(Bytes bytes, List** certs, ExtensionCertificatePolicies** policies) {
+    if (AnyNull(bytes.data, certs, policies)) return Fail(StatusBadArgument);
     *certs = nullptr;
     *policies = nullptr;
     Tree<SigningCertificate<List>> value;
-    const Status status = value.Decode(data, length);
-    if (status != StatusOk) return status;
-    HandOver(&value->certs, certs);
-    HandOver(&value->policies, policies);
+    if (const Status status = value.Decode(bytes.data, bytes.length)) return status;
+    *certs = TakeField(&value->certs);
+    *policies = TakeField(&value->policies);
     return StatusOk;
 }
 
@@ -67,23 +56,23 @@ Status EncodeSigningCertificate(const List* certs, const ExtensionCertificatePol
                                 uint32_t* length) {
     if (AnyNull(certs, length)) return Fail(StatusBadArgument);
     PoliciesView view;
-    const Status status = policies != nullptr ? view.Of(policies) : StatusOk;
-    if (status != StatusOk) return status;
-    const SigningCertificate<List> value = {Borrow(certs), Borrow(view.List())};
+    if (policies != nullptr) {
+        if (const Status status = view.Of(policies)) return status;
+    }
+    const SigningCertificate<List> value = {Unconst(certs), Unconst(view.List())};
     return EncodeInFull(&value, buffer, length);
 }
 
 // --- Hash index ---
 
 // With its algorithm, or without: then the algorithm is the default.
-Status DecodeHashIndex(const uint8_t* data, uint32_t length, Tree<AtsHashIndex>* index) {
-    const Status status = index->Decode(data, length);
+Status DecodeHashIndex(Bytes bytes, Tree<AtsHashIndex>* index) {
+    const Status status = index->Decode(bytes.data, bytes.length);
     if (status != StatusBadEncoding) return status;
     Tree<AtsHashIndexLists> lists;
-    Status second = lists.Decode(data, length);
+    const Status second = lists.Decode(bytes.data, bytes.length);
     if (second != StatusOk) return second == StatusOutOfMemory ? second : status;
-    second = index->Create();
-    if (second != StatusOk) return second;
+    if (const Status created = index->Create()) return created;
     AtsHashIndex& found = *index->Get();
     std::swap(found.certificatesHashIndex, lists->certificatesHashIndex);
     std::swap(found.crlsHashIndex, lists->crlsHashIndex);
@@ -145,33 +134,33 @@ Status DecodeRsaAttributeValidityValue(const uint8_t* data, uint32_t length, Lib
                                        LibraryTime* notAfter) {
     if (AnyNull(data, notBefore, notAfter)) return Fail(StatusBadArgument);
     Tree<Validity> validity;
-    Status status = validity.Decode(data, length);
-    if (status == StatusOk) status = Asn1TimeToLibraryTime(validity->notBefore, notBefore);
-    return status == StatusOk ? Asn1TimeToLibraryTime(validity->notAfter, notAfter) : status;
+    if (const Status status = validity.Decode(data, length)) return status;
+    if (const Status status = Asn1TimeToLibraryTime(validity->notBefore, notBefore)) return status;
+    return Asn1TimeToLibraryTime(validity->notAfter, notAfter);
 }
 
 Status EncodeRsaAttributeValidityValue(const LibraryTime* notBefore, const LibraryTime* notAfter, uint8_t* buffer,
                                        uint32_t* length) {
     if (AnyNull(notBefore, notAfter, length)) return Fail(StatusBadArgument);
     Tree<Validity> validity;
-    Status status = validity.Create();
-    if (status == StatusOk) status = LibraryTimeToAsn1Time(notBefore, validity->notBefore);
-    if (status == StatusOk) status = LibraryTimeToAsn1Time(notAfter, validity->notAfter);
-    return status == StatusOk ? validity.Encode(buffer, length) : status;
+    if (const Status status = validity.Create()) return status;
+    if (const Status status = LibraryTimeToAsn1Time(notBefore, validity->notBefore)) return status;
+    if (const Status status = LibraryTimeToAsn1Time(notAfter, validity->notAfter)) return status;
+    return validity.Encode(buffer, length);
 }
 
 Status DecodeRsaAttributeExtSubjInfoValue(const uint8_t* data, uint32_t length, uint8_t* oid, uint32_t* oidLength,
                                           uint8_t* value, uint32_t* valueLength) {
     if (AnyNull(data, oidLength, valueLength)) return Fail(StatusBadArgument);
     Tree<TypedValue> info;
-    const Status status = info.Decode(data, length);
-    return status == StatusOk ? ReadTypedValue(info.Get(), {oid, oidLength}, {value, valueLength}) : status;
+    if (const Status status = info.Decode(data, length)) return status;
+    return GetTypedValue(info.Get(), {oid, oidLength}, {value, valueLength});
 }
 
 Status EncodeRsaAttributeExtSubjInfoValue(const uint8_t* oid, const uint8_t* value, uint32_t valueLength,
                                           uint8_t* buffer, uint32_t* length) {
     if (AnyNull(oid, value, length)) return Fail(StatusBadArgument);
-    TypedValueView info(oid, value, valueLength);
+    TypedValueView info(oid, {value, valueLength});
     return EncodeTree(info.Get(), buffer, length);
 }
 
@@ -182,52 +171,45 @@ Status DecodeDocInfo(const uint8_t* data, uint32_t length, int32_t* docType, uin
         return Fail(StatusBadArgument);
     }
     Tree<DocInfo> info;
-    Status result = info.Decode(data, length);
-    if (result != StatusOk) return result;
-    const Status statuses[] = {GetAsn1Int32(info->docType, docType),
-                               ReadOptional(info->text0, {text0, text0Length}),
-                               ReadOptional(info->text1, {text1, text1Length}),
-                               ReadOptional(info->text2, {text2, text2Length}),
-                               ReadTimeOrNull(info->time3, time3),
-                               ReadTimeOrNull(info->time4, time4),
-                               ReadOptional(info->text5, {text5, text5Length})};
-    for (const Status status : statuses) {
-        if (status != StatusOk) result = status;
-    }
-    return result;
+    if (const Status status = info.Decode(data, length)) return status;
+    return ReadOutputs(
+        OutputRule::kAllLast, [&] { return GetAsn1Int32(info->docType, docType); },
+        BytesInto(info->text0, text0, text0Length), BytesInto(info->text1, text1, text1Length),
+        BytesInto(info->text2, text2, text2Length), [&] { return GetTimeOrNull(info->time3, time3); },
+        [&] { return GetTimeOrNull(info->time4, time4); }, BytesInto(info->text5, text5, text5Length));
 }
 
-// text2 has no effect: intended, callers hand it in and compare the bytes that come out.
+// text2 has no effect: see docs/oddities.md.
 Status EncodeDocInfo(uint32_t docType, const uint8_t* text0, uint32_t text0Length, const uint8_t* text1,
                      uint32_t text1Length, const uint8_t*, uint32_t, const LibraryTime* time3, const LibraryTime* time4,
                      const uint8_t* text5, uint32_t text5Length, uint8_t* buffer, uint32_t* length) {
     if (length == nullptr) return Fail(StatusBadArgument);
     Tree<DocInfo> info;
-    Status status = info.Create();
-    if (status == StatusOk) status = SetAsn1Int32Field(&info->docType, static_cast<int32_t>(docType));
-    if (status == StatusOk) status = SetText(&info->text0, text0, text0Length);
-    if (status == StatusOk) status = SetText(&info->text1, text1, text1Length);
-    if (status == StatusOk) status = SetTimeUnlessNull(&info->time3, time3);
-    if (status == StatusOk) status = SetTimeUnlessNull(&info->time4, time4);
-    if (status == StatusOk) status = SetText(&info->text5, text5, text5Length);
-    return status == StatusOk ? info.Encode(buffer, length) : status;
+    if (const Status status = info.Create()) return status;
+    if (const Status status = SetAsn1Int32Field(&info->docType, static_cast<int32_t>(docType))) return status;
+    if (const Status status = SetText(&info->text0, {text0, text0Length})) return status;
+    if (const Status status = SetText(&info->text1, {text1, text1Length})) return status;
+    if (const Status status = SetTimeUnlessNull(&info->time3, time3)) return status;
+    if (const Status status = SetTimeUnlessNull(&info->time4, time4)) return status;
+    if (const Status status = SetText(&info->text5, {text5, text5Length})) return status;
+    return info.Encode(buffer, length);
 }
 
 // --- Signing certificates ---
 
 Status DecodeRsaAttributeSigningCertificateValue(const uint8_t* data, uint32_t length, ESSCertIDs** certs,
                                                  ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(data, length, certs, policies);
+    return DecodeSigningCertificate({data, length}, certs, policies);
 }
 
 Status DecodeRsaAttributeSigningCertificateV2Value(const uint8_t* data, uint32_t length, ESSCertIDsV2** certs,
                                                    ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(data, length, certs, policies);
+    return DecodeSigningCertificate({data, length}, certs, policies);
 }
 
 Status DecodeRsaAttributeOtherSigningCertificateValue(const uint8_t* data, uint32_t length, OtherCertIDs** certs,
                                                       ExtensionCertificatePolicies** policies) {
-    return DecodeSigningCertificate(data, length, certs, policies);
+    return DecodeSigningCertificate({data, length}, certs, policies);
 }
 
 Status EncodeRsaAttributeSigningCertificateValue(const ESSCertIDs* certs, const ExtensionCertificatePolicies* policies,
@@ -272,19 +254,18 @@ Status DecodeRsaAttributeRevocationValues(const uint8_t* data, uint32_t length, 
     *crls = nullptr;
     *ocsps = nullptr;
     Tree<RevocationValues> values;
-    const Status status = values.Decode(data, length);
-    if (status != StatusOk) return status;
-    HandOver(&values->crlVals, crls);
-    HandOver(&values->ocspVals, ocsps);
-    return ReadTypedValue(values->otherRevVals, {otherOid, otherOidLength}, {otherValue, otherValueLength});
+    if (const Status status = values.Decode(data, length)) return status;
+    *crls = TakeField(&values->crlVals);
+    *ocsps = TakeField(&values->ocspVals);
+    return GetTypedValue(values->otherRevVals, {otherOid, otherOidLength}, {otherValue, otherValueLength});
 }
 
 Status EncodeRsaAttributeRevocationValues(const X509Crls* crls, const OcspBasicResponses* ocsps,
                                           const uint8_t* otherOid, const uint8_t* otherValue, uint32_t otherLength,
                                           uint8_t* buffer, uint32_t* length) {
-    TypedValueView other(otherOid, otherValue, otherLength);
+    TypedValueView other(otherOid, {otherValue, otherLength});
     const bool hasOther = otherValue != nullptr && otherLength != 0;
-    const RevocationValues values = {Borrow(crls), Borrow(ocsps), hasOther ? other.Get() : nullptr};
+    const RevocationValues values = {Unconst(crls), Unconst(ocsps), hasOther ? other.Get() : nullptr};
     return EncodeInFull(&values, buffer, length);
 }
 
@@ -296,13 +277,13 @@ Status DecodeRsaAttributeAtsHashIndex(const uint8_t* data, uint32_t length, uint
     }
     *certificates = *crls = *attributes = nullptr;
     Tree<AtsHashIndex> index;
-    const Status status = DecodeHashIndex(data, length, &index);
-    if (status != StatusOk) return status;
-    HandOver(&index->certificatesHashIndex, certificates);
-    HandOver(&index->crlsHashIndex, crls);
-    HandOver(&index->unsignedAttrsHashIndex, attributes);
-    // A buffer that is too small is no failure here: intended, callers compare the lengths themselves.
-    (void)GetAlgorithmIdentifierOidAndParameters(index->hashIndAlgorithm, oid, oidLength, parameters, parametersLength);
+    if (const Status status = DecodeHashIndex({data, length}, &index)) return status;
+    *certificates = TakeField(&index->certificatesHashIndex);
+    *crls = TakeField(&index->crlsHashIndex);
+    *attributes = TakeField(&index->unsignedAttrsHashIndex);
+    // A buffer that is too small is no failure here: see docs/oddities.md.
+    (void)GetAlgorithm(At<&AtsHashIndex::hashIndAlgorithm>(index.Get()), {oid, oidLength},
+                       {parameters, parametersLength});
     return StatusOk;
 }
 
@@ -310,8 +291,8 @@ Status EncodeRsaAttributeAtsHashIndex(const uint8_t* oid, const uint8_t* paramet
                                       const OctetStrings* certificates, const OctetStrings* crls,
                                       const OctetStrings* attributes, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(oid, certificates, crls, attributes, length)) return Fail(StatusBadArgument);
-    AlgorithmView algorithm(oid, parameters, parametersLength);
-    const AtsHashIndex index = {algorithm.Get(), Borrow(certificates), Borrow(crls), Borrow(attributes)};
+    AlgorithmView algorithm(oid, {parameters, parametersLength});
+    const AtsHashIndex index = {algorithm.Get(), Unconst(certificates), Unconst(crls), Unconst(attributes)};
     return EncodeInFull(&index, buffer, length);
 }
 
