@@ -4,7 +4,7 @@
 namespace tlvforge {
 
 Asn1Any* AllocAsn1Any(uint32_t type, const uint8_t* data, uint32_t length) {
-    return NewValueInTwoBlocks<Asn1Any>(type, data, length);
+    return NewValue<Asn1Any>(type, data, length);
 }
 
 Asn1Any* AllocAsn1AnyFromContent(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumber, const uint8_t* content,

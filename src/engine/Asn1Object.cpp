@@ -150,55 +150,64 @@ template <class Record>
     releases.Add(record);
 }
 
-void FreeConstructed(const Facts& facts, void* node, Releases& releases);
+void FreeComposed(const Facts& facts, void* node, Releases& releases);
+void FreeForeign(const Asn1Item& item, void* node, Releases& releases);
 
 // The item's constructed bit decides first: an item that should have it and hasn't frees nothing.
 [[gnu::always_inline]] inline void FreeNode(const Facts& facts, void* node, Releases& releases) {
     if (node == nullptr) return;
     if (facts.Is(Facts::kLeaf)) {
         FreeRecord(static_cast<Asn1Value*>(node), releases);
+    } else if (facts.children != nullptr) {
+        FreeComposed(facts, node, releases);
     } else if (facts.item->constructedBit != 0) {
-        FreeConstructed(facts, node, releases);
+        FreeForeign(*facts.item, node, releases);
     }
 }
 
-// A child of an item of another maker may be missing.
-void FreeChild(const Facts& facts, uint32_t index, void* node, Releases& releases) {
-    if (facts.children != nullptr && index < facts.childCount) {
-        FreeNode(facts.children[index], node, releases);
-    } else if (const Asn1Item* item = ChildOf(*facts.item, index)) {
-        FreeNode(FactsOf(*item), node, releases);
-    }
-}
-
-void FreeList(const Facts& facts, Asn1List* list, Releases& releases) {
-    if (list->items != nullptr) {
-        Cell* const items = static_cast<Cell*>(list->items);
-        if (facts.children != nullptr) {
-            for (uint32_t i = 0; i < list->count; ++i) FreeNode(*facts.children, items[i], releases);
-        } else {
-            for (uint32_t i = 0; i < list->count; ++i) FreeChild(facts, 0, items[i], releases);
-        }
-        ReleaseListTable(list);
-    }
+inline void FreeTable(Asn1List* list, Releases& releases) {
+    if (list->items != nullptr) ReleaseListTable(list);
     releases.Add(list);
 }
 
-[[gnu::noinline]] void FreeConstructed(const Facts& facts, void* node, Releases& releases) {
-    if (IsList(*facts.item)) {
-        FreeList(facts, static_cast<Asn1List*>(node), releases);
-    } else if (facts.kind == Asn1KindChoice) {
-        Asn1Choice* choice = static_cast<Asn1Choice*>(node);
-        FreeChild(facts, choice->selected, choice->value, releases);
-        releases.Add(choice);
-    } else {
+[[gnu::noinline]] void FreeComposed(const Facts& facts, void* node, Releases& releases) {
+    if (facts.kind == Asn1KindSequence) {
         Cell* cell = static_cast<Cell*>(node);
         const Facts* const last = facts.children + facts.childCount;
         for (const Facts* field = facts.children; field != last; ++field, ++cell) FreeNode(*field, *cell, releases);
-        if (facts.children == nullptr) {
-            for (uint32_t i = 0; i < facts.item->childCount; ++i) FreeChild(facts, i, cell[i], releases);
-        }
         releases.Add(node);
+    } else if (facts.kind == Asn1KindChoice) {
+        const Asn1Choice choice = *static_cast<Asn1Choice*>(node);
+        releases.Add(node);
+        if (choice.selected < facts.childCount) FreeNode(facts.children[choice.selected], choice.value, releases);
+    } else {
+        Asn1List* list = static_cast<Asn1List*>(node);
+        Cell* const items = static_cast<Cell*>(list->items);
+        for (uint32_t i = 0; items != nullptr && i < list->count; ++i) FreeNode(*facts.children, items[i], releases);
+        FreeTable(list, releases);
+    }
+}
+
+// A child of an item of another maker, which may be missing.
+void FreeChild(const Asn1Item* item, void* node, Releases& releases) {
+    if (item != nullptr) FreeNode(FactsOf(*item), node, releases);
+}
+
+[[gnu::noinline]] void FreeForeign(const Asn1Item& item, void* node, Releases& releases) {
+    if (IsList(item)) {
+        Asn1List* list = static_cast<Asn1List*>(node);
+        for (uint32_t i = 0; list->items != nullptr && i < list->count; ++i) {
+            FreeChild(ChildOf(item, 0), list->items[i], releases);
+        }
+        FreeTable(list, releases);
+    } else if (item.kind == Asn1KindChoice) {
+        const Asn1Choice choice = *static_cast<Asn1Choice*>(node);
+        releases.Add(node);
+        FreeChild(ChildOf(item, choice.selected), choice.value, releases);
+    } else {
+        Cell* block = static_cast<Cell*>(node);
+        for (uint32_t i = 0; i < item.childCount; ++i) FreeChild(ChildOf(item, i), block[i], releases);
+        releases.Add(block);
     }
 }
 

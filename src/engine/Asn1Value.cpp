@@ -41,7 +41,7 @@ constexpr Asn1Item PrimitiveItem(uint8_t kind) {
 }  // namespace
 
 Asn1Value* AllocAsn1Value(uint32_t type, const uint8_t* data, uint32_t length) {
-    return NewValueInTwoBlocks<Asn1Value>(type, data, length);
+    return NewValue<Asn1Value>(type, data, length);
 }
 
 // Copies first, so that a value can be set from its own bytes. After a failed copy the bytes are lost: null data
@@ -97,7 +97,7 @@ uint32_t GetAsn1ValueLength(const void* value) {
 
 Asn1Value* AllocAsn1Boolean(uint32_t flag) {
     const uint8_t content = flag != 0 ? 0xFF : 0x00;
-    return AllocAsn1Value(Asn1KindBoolean, &content, 1);
+    return NewValueInTwoBlocks<Asn1Value>(Asn1KindBoolean, &content, 1);
 }
 
 Status GetAsn1Boolean(const Asn1Value* value, uint32_t* flag) {
@@ -124,11 +124,11 @@ Status CheckAsn1Integer(const Asn1Value* value) {
 
 Asn1Value* AllocAsn1Integer(int32_t value) {
     const Int32Bytes bytes(value);
-    return AllocAsn1Value(Asn1KindInteger, bytes.Data(), bytes.Length());
+    return NewValueInTwoBlocks<Asn1Value>(Asn1KindInteger, bytes.Data(), bytes.Length());
 }
 
 Asn1Value* AllocAsn1Integer_s(const uint8_t* data, uint32_t length) {
-    return AllocAsn1Value(Asn1KindInteger, data, length);
+    return NewValueInTwoBlocks<Asn1Value>(Asn1KindInteger, data, length);
 }
 
 Status SetAsn1Integer(Asn1Value* value, const uint8_t* data, uint32_t length) {

@@ -205,6 +205,10 @@ uint32_t CountElements(const uint8_t* at, const uint8_t* end, bool indefinite) {
     return count;
 }
 
+inline bool IsOneElement(const uint8_t* at, const uint8_t* end) {
+    return (at[0] & 0x1F) != 0x1F && at[1] < 0x80 && at[1] == end - at - 2;
+}
+
 // In indefinite form a list may end with its bytes, without end-of-contents octets.
 [[gnu::always_inline]] inline Decoded DecodeElements(const uint8_t* at, const uint8_t* end, bool indefinite,
                                                      const Facts& element, Asn1List* list, Arena& arena) {
@@ -232,8 +236,8 @@ uint32_t CountElements(const uint8_t* at, const uint8_t* end, bool indefinite) {
     const bool ended = indefinite && AtEndOfContents(at, end);
     if (at == end || ended) return StoreNode(NewListWithTable(0, arena), out, ended ? at + 2 : end);
     // An element has at least two bytes: a short list needs no count to be known for one.
-    const bool isShort = end - at < 22;
-    Asn1List* list = NewListWithTable(isShort ? 1 : CountElements(at, end, indefinite), arena);
+    const bool isShort = end - at < 22 || IsOneElement(at, end);
+    Asn1List* list = isShort ? NewShortList(arena) : NewListWithTable(CountElements(at, end, indefinite), arena);
     if (list == nullptr) return Fail(StatusOutOfMemory);
     const Decoded decoded = facts.children != nullptr
                                 ? DecodeElements(at, end, indefinite, *facts.children, list, arena)

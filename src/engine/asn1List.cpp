@@ -15,18 +15,17 @@ Asn1List* AllocAsn1List() {
 }
 
 Asn1List* NewListWithTable(uint32_t count, Arena& arena) {
-    uint64_t slots = count != 0 ? NextSlots(0) : 0;
-    const bool beside = count <= slots;
-    while (slots < count) slots = NextSlots(slots);
-    void* block = arena.Allocate(sizeof(Asn1List) + (beside ? slots * sizeof(void*) : 0));
-    if (block == nullptr) return nullptr;
-    Asn1List* list = new (block) Asn1List{};
+    uint64_t slots = NextSlots(0);
+    if (count != 0 && count <= slots) return NewShortList(arena);
+    Asn1List* list = NewRecord<Asn1List>(arena);
+    if (list == nullptr) return nullptr;
     list->sorted = 1;
-    if (slots == 0) return list;
-    list->items = beside ? reinterpret_cast<void**>(list + 1) : static_cast<void**>(Allocate(slots * sizeof(void*)));
+    if (count == 0) return list;
+    while (slots < count) slots = NextSlots(slots);
+    list->items = static_cast<void**>(Allocate(slots * sizeof(void*)));
     list->capacity = static_cast<uint32_t>(slots);
     if (list->items != nullptr) return list;
-    Release(block);
+    Release(list);
     return nullptr;
 }
 

@@ -102,6 +102,18 @@ bool HasLostBytes(const Record* record) {
     return record->data == nullptr && record->length != 0;
 }
 
+// A value record with a copy of the bytes beside it, of any kind but BIT STRING. Null when out of memory, and for lost
+// bytes.
+template <class Record>
+Record* NewValue(uint32_t type, const uint8_t* data, uint32_t length) {
+    if (data == nullptr && length != 0) return nullptr;
+    Record* record = NewRecordWithBytes<Record>(length);
+    if (record == nullptr) return nullptr;
+    record->type = type;
+    CopyBytes(BytesBeside(record), data, length);
+    return record;
+}
+
 // A value record for a caller who may end it himself, with free for the bytes and free for the record: two blocks.
 // Null when out of memory, and for lost bytes.
 template <class Record>
@@ -166,7 +178,15 @@ Status ClearAsn1Choice(const Asn1Item& item, Asn1Choice* choice);
 // later ones grow fast, for the sake of large CRLs.
 constexpr uint64_t NextSlots(uint64_t slots) { return slots == 0 ? 10 : slots + 200 + slots / 2; }
 Asn1List* AllocAsn1List();
-// With a table as the growth to `count` elements would have made it, but at once; the smallest is beside the record.
+// A list with the first table, which lies beside the record. Null when out of memory.
+[[gnu::always_inline]] inline Asn1List* NewShortList(Arena& arena) {
+    constexpr uint32_t kSlots = NextSlots(0);
+    void* block = arena.Allocate(sizeof(Asn1List) + kSlots * sizeof(void*));
+    if (block == nullptr) return nullptr;
+    Asn1List* list = static_cast<Asn1List*>(block);
+    return new (list) Asn1List{0, reinterpret_cast<void**>(list + 1), kSlots, nullptr, 1};
+}
+// With a table as the growth to `count` elements would have made it, but at once.
 Asn1List* NewListWithTable(uint32_t count, Arena& arena);
 // The first table may lie beside the record, in its block.
 void ReleaseListTable(Asn1List* list);

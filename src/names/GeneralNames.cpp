@@ -7,12 +7,13 @@ using namespace tlvforge;
 
 namespace {
 
-// The value record of an alternative, from the caller's form of it. Null when out of memory.
+// The value record of an alternative, from the caller's form of it: two blocks, which a caller may end by itself. Null
+// when out of memory.
 void* AllocAlternative(const Asn1Item& alternative, const uint8_t* value, uint32_t length) {
     switch (alternative.kind) {
-        case Asn1KindAny: return AllocAsn1Any(length != 0 ? value[0] : 0, value, length);
-        case Asn1KindObjectIdentifier: return AllocAsn1OidFromOid(value);
-        default: return AllocAsn1Value(alternative.kind, value, length);
+        case Asn1KindAny: return NewValueInTwoBlocks<Asn1Any>(length != 0 ? value[0] : 0, value, length);
+        case Asn1KindObjectIdentifier: return NewValueInTwoBlocks<Asn1Value>(alternative.kind, value + 1, value[0]);
+        default: return NewValueInTwoBlocks<Asn1Value>(alternative.kind, value, length);
     }
 }
 

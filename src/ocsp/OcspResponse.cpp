@@ -320,13 +320,14 @@ Status SetOcspSingleResponseCertStatusRevoked(OcspSingleResponse* single, const 
 Status AllocCertStatusRevokedInfo(const LibraryTime* time, int32_t reason, OcspRevokedInfo** info) {
     if (AnyNull(time, info)) return Fail(StatusBadArgument);
     *info = nullptr;
-    // Blocks that the caller may end by itself.
+    // Blocks that the caller may end by itself, and bytes in blocks of their own.
     Tree<OcspRevokedInfo> record(NewRecord<OcspRevokedInfo>());
-    if (!record) return Fail(StatusOutOfMemory);
-    if (const Status status = SetOptionalTime(&record->revocationTime, time)) return status;
-    if (reason >= 0) {
-        if (const Status status = SetAsn1Int32Field(&record->revocationReason, reason)) return status;
-    }
+    const Tree<schema::GeneralizedTime> value(LibraryTimeToGeneralizedTime(time));
+    if (!record || !value) return Fail(StatusOutOfMemory);
+    record->revocationTime = NewValueInTwoBlocks<Asn1Value>(value->type, value->data, value->length);
+    if (reason >= 0) record->revocationReason = AllocAsn1Integer(reason);
+    const bool complete = record->revocationTime != nullptr && (reason < 0 || record->revocationReason != nullptr);
+    if (!complete) return Fail(StatusOutOfMemory);
     *info = record.Take();
     return StatusOk;
 }
