@@ -220,12 +220,14 @@ Status SetCertificatePublicKey(Certificate* certificate, const uint8_t* key, uin
 
 Status SetCertificateGostR34102001PublicKey(Certificate* certificate, const uint8_t* key, uint32_t length) {
     if (AnyNull(certificate, key)) return Fail(StatusBadArgument);
-    return SetGostPublicKey(PublicKey(certificate), key, length);
+    const auto field = PublicKey(certificate);
+    return SetGostPublicKey(field, key, length);
 }
 
 Status GetCertificatePublicKeyGostR3410(const Certificate* certificate, uint8_t* key, uint32_t* length) {
     if (AnyNull(certificate, length)) return Fail(StatusBadArgument);
-    return GetGostPublicKey(PublicKey(certificate), key, length);
+    const auto field = PublicKey(certificate);
+    return GetGostPublicKey(field, key, length);
 }
 
 Status GetCertificateDecodedPublicKeyGostR34102012(const Certificate* certificate, uint8_t* key, uint32_t* length,

@@ -110,12 +110,14 @@ Status SetPKCS10CertReqPublicKey(PKCS10CertReq* request, const uint8_t* key, uin
 
 Status GetPKCS10CertReqPublicKeyGostR3410(const PKCS10CertReq* request, uint8_t* key, uint32_t* length) {
     if (AnyNull(request, length)) return Fail(StatusBadArgument);
-    return GetGostPublicKey(PublicKey(request), key, length);
+    const auto field = PublicKey(request);
+    return GetGostPublicKey(field, key, length);
 }
 
 Status SetPKCS10CertReqGostR34102001PublicKey(PKCS10CertReq* request, const uint8_t* key, uint32_t length) {
     if (AnyNull(request, key)) return Fail(StatusBadArgument);
-    return SetGostPublicKey(PublicKey(request), key, length);
+    const auto field = PublicKey(request);
+    return SetGostPublicKey(field, key, length);
 }
 
 Status GetPKCS10CertReqPublicKeyAlgorithmOidAndParameters(const PKCS10CertReq* request, uint8_t* oid,

@@ -58,20 +58,20 @@ Status SetTime(const Part<Time>& field, const LibraryTime* time) {
     return field ? LibraryTimeToAsn1Time(time, field.node) : field.Absent();
 }
 
-Status GetGostPublicKey(const Part<Asn1BitString>& field, uint8_t* key, uint32_t* length) {
+Status GetGostPublicKey(const Part<Asn1BitString>& field, uint8_t* key, uint32_t* length, Place place) {
     uint8_t wrapped[kGostKeyReadLimit] = {};
     uint32_t wrappedLength = sizeof wrapped;
     const Status status = GetBits(field, wrapped, &wrappedLength);
-    if (status == StatusBufferTooSmall) return FromWorkBuffer(status);
+    if (status == StatusBufferTooSmall) return FromWorkBuffer(status, place);
     if (status != StatusOk) wrappedLength = 0;
     return DecodeAsn1PrimitiveValue(Asn1KindOctetString, wrapped, wrappedLength, key, length);
 }
 
-Status SetGostPublicKey(const Slot<Asn1BitString>& field, const uint8_t* key, uint32_t length) {
+Status SetGostPublicKey(const Slot<Asn1BitString>& field, const uint8_t* key, uint32_t length, Place place) {
     uint8_t wrapped[kGostKeyWriteLimit];
     uint32_t wrappedLength = sizeof wrapped;
     const Status status = EncodeAsn1PrimitiveValue(Asn1KindOctetString, key, length, wrapped, &wrappedLength);
-    if (status != StatusOk) return FromWorkBuffer(status);
+    if (status != StatusOk) return FromWorkBuffer(status, place);
     return ReplaceBits(field, wrapped, wrappedLength);
 }
 

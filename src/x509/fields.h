@@ -19,9 +19,10 @@ Status SetTime(const Part<Time>& field, const LibraryTime* time);
 
 // The key of a SubjectPublicKeyInfo as a GOST key, an OCTET STRING within the BIT STRING.
 // An absent key is recorded as StatusAbsent and answered with StatusBadEncoding, the status of decoding no bytes: see
-// docs/oddities.md.
-Status GetGostPublicKey(const Part<Asn1BitString>& field, uint8_t* key, uint32_t* length);
-Status SetGostPublicKey(const Slot<Asn1BitString>& field, const uint8_t* key, uint32_t length);
+// docs/oddities.md. A key that is too long is recorded at the place of the call.
+Status GetGostPublicKey(const Part<Asn1BitString>& field, uint8_t* key, uint32_t* length, Place place = Place::Here());
+Status SetGostPublicKey(const Slot<Asn1BitString>& field, const uint8_t* key, uint32_t length,
+                        Place place = Place::Here());
 
 // Writes a signature algorithm into the signed part and then beside the signature, so that the two agree. If the second
 // write fails, the first stays.
