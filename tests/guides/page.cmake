@@ -1,9 +1,9 @@
-# Takes the code blocks out of a page. The line in front of a block, a comment that readers don't see, tells what it is:
+# Takes the code blocks out of a page. The line before a block, a comment that readers don't see, says what it is:
 #
-#   <!-- program: name.c -->   a whole program in C, C++ or Java
-#   <!-- file: name -->        a file that the commands need
+#   <!-- program: name.c -->   a whole program in C, C++ or Java; the text before it names `name.c`
+#   <!-- file: name -->        a file that the commands need; named in the text as well
 #   <!-- run -->               commands, which have to succeed; <!-- run: WHAT --> only where WHAT is there
-#   <!-- output -->            what the commands in front of it print; "..." stands for any text within a line
+#   <!-- output -->            what the commands before it print; "..." stands for any text within a line
 #   <!-- fragment -->          code that is no program
 #
 # Without one, a block is only shown; code in C, C++ and Java has to have one.
@@ -37,9 +37,13 @@ function(guide_read_page page)
             set(BLOCK_${count}_KIND ${CMAKE_MATCH_1} PARENT_SCOPE)
             set(BLOCK_${count}_NAME "${CMAKE_MATCH_3}" PARENT_SCOPE)
             set(BLOCK_${count}_TEXT "${block}\n" PARENT_SCOPE)
+            string(FIND "${before}" "`${CMAKE_MATCH_3}`" named)
+            if(named EQUAL -1 AND CMAKE_MATCH_1 MATCHES "program|file")
+                message(FATAL_ERROR "${page}: the text before this block doesn't name its file:\n${block}")
+            endif()
             math(EXPR count "${count} + 1")
         elseif(language MATCHES "^(c|cpp|java)$" OR before MATCHES "-->$")
-            message(FATAL_ERROR "${page}: this block has no line that tells what it is:\n${block}")
+            message(FATAL_ERROR "${page}: this block has no line that says what it is:\n${block}")
         endif()
     endwhile()
     set(BLOCK_COUNT ${count} PARENT_SCOPE)
