@@ -131,4 +131,59 @@ TEST(FailureRecord, PoliciesTellTheTwoIndicesApart) {
     });
 }
 
+TEST(FailureRecord, MessagesTellTheirCausesApart) {
+    const auto message = Make<FreeCmsSignedData>(CreateCmsSignedData);
+    const auto enveloped = Make<FreeCmsEnvelopedData>(CreateCmsEnvelopedData);
+    const auto signer = Make<FreeCmsSignerInfo>(CreateCmsSignerInfo);
+    const auto hashes = Make<FreeESSCertIDs>(CreateESSCertIDs);
+    const Bytes member = Tlv(0x30, Text("a"));
+    uint8_t kind = 0, small[1];
+    uint32_t length = 0, serialLength = 0;
+    const auto certificate = [&](uint32_t i, uint8_t* buffer, uint32_t* size) {
+        return GetCmsSignedDataEncodedCertificate(message.get(), i, &kind, buffer, size);
+    };
+    const auto crl = [&](uint32_t i) { return GetCmsSignedDataEncodedCrl(message.get(), i, &kind, small, &length); };
+    const auto add = [&](auto adder, auto* to, uint8_t ofKind, uint32_t size) {
+        return adder(to, ofKind, member.data(), size);
+    };
+    const auto identifier = [&](CmsSignerInfo* of, X509Name** issuer) {
+        return GetCmsSignerInfoSignerIdentifier(of, issuer, nullptr, &serialLength, nullptr, &length);
+    };
+    const auto hash = [&](uint32_t i) {
+        return GetESSCertIDInformation(hashes.get(), i, nullptr, &length, nullptr, nullptr, &serialLength);
+    };
+    Expect(0, {AddESSCertIDToList(hashes.get(), member.data(), 1, nullptr, nullptr, 0)});
+    const Hole ofHashes(hashes.get());
+    ExpectPlaces({
+        {"CmsProperties.cpp",
+         "GetCmsSignedDataEncodedCertificate",
+         {{311, [&] { return certificate(0, nullptr, nullptr); }},
+          {32,
+           [&] {
+               return add(AddCmsSignedDataEncodedCertificate, message.get(), 1, 3), certificate(1, small, &length);
+           }},
+          {32, [&] { return certificate(0, small, nullptr); }},
+          {49, [&] { return length = 1, certificate(0, small, &length); }}}},
+        {"CmsProperties.cpp",
+         "AddCmsSignedDataEncodedCertificate",
+         {{32, [&] { return add(AddCmsSignedDataEncodedCertificate, message.get(), 0, 3); }},
+          {32, [&] { return add(AddCmsSignedDataEncodedCertificate, message.get(), 1, 0); }},
+          {32, [&] { return AddCmsSignedDataEncodedCertificate(message.get(), 1, nullptr, 3); }}}},
+        {"CmsEnvelopedData.cpp",
+         "AddCmsEnvelopedDataEncodedCertificate",
+         {{306, [&] { return add(AddCmsEnvelopedDataEncodedCertificate, enveloped.get(), 0, 3); }},
+          {32, [&] { return add(AddCmsEnvelopedDataEncodedCertificate, enveloped.get(), 1, 0); }}}},
+        {"CmsProperties.cpp",
+         "GetCmsSignedDataEncodedCrl",
+         {{311, [&] { return crl(0); }},
+          {32, [&] { return add(AddCmsSignedDataEncodedCrl, message.get(), 1, 3), crl(1); }},
+          {302, [&] { return crl(0); }}}},
+        {"CmsProperties.cpp",
+         "GetCmsSignerInfoSignerIdentifier",
+         {{32, [&] { return identifier(nullptr, nullptr); }},
+          {311, [&] { return identifier(signer.get(), nullptr); }}}},
+        {"CadesLists.cpp", "GetESSCertIDInformation", {{32, [&] { return hash(1); }}, {311, [&] { return hash(0); }}}},
+    });
+}
+
 }  // namespace
