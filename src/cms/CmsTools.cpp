@@ -3,6 +3,7 @@
 #include "cms/document_parts.h"
 #include "cms/summary_text.h"
 #include "common/files.h"
+#include "engine/header.h"
 #include "engine/oids.h"
 #include "engine/views.h"
 #include "tlvforge/convert.h"
@@ -37,22 +38,21 @@ Status AddAttribute(RsaAttributes attributes, const uint8_t* oid, const Encode& 
 
 // Size of the SignedData element in a document that has been decoded.
 Status MeasureSignedData(Bytes message, uint32_t* size) {
-    uint8_t tagClass = 0, constructedBit = 0;
-    uint32_t tagNumber = 0, contentLength = 0, indefinite = 0, headerLength = 0;
+    Header header{};
     // Into the ContentInfo, over its type, into the tag of its content.
     constexpr bool kInto[] = {true, false, true};
     for (const bool into : kInto) {
-        if (const Status status = GetAsn1ObjectInfo(message.data, message.length, &tagClass, &constructedBit,
-                                                    &tagNumber, &contentLength, &indefinite, &headerLength)) {
-            return status;
-        }
-        const uint32_t step = headerLength + (into ? 0 : contentLength);
+        if (const Status status = ReadLongHeader(message.data, message.length, &header)) return status;
+        const uint32_t step = header.headerLength + (into ? 0 : header.contentLength);
         message = {message.data + step, message.length - step};
     }
     const Asn1Any any = {Asn1KindSequence, message.length, Unconst(message.data)};
-    const Status status = GetAsn1AnyInfo(&any, &tagClass, &constructedBit, &tagNumber, &contentLength, &headerLength);
-    *size = headerLength + contentLength;
-    return status;
+    if (const Status status = GetAsn1AnyInfo(&any, &header.tagClass, &header.constructedBit, &header.tagNumber,
+                                             &header.contentLength, &header.headerLength)) {
+        return status;
+    }
+    *size = header.headerLength + header.contentLength;
+    return StatusOk;
 }
 
 // A document whose content may be most of the memory there is: of the bytes it is read from, its tree and the bytes it
