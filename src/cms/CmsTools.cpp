@@ -140,7 +140,7 @@ Status SignerIdentifierText(CmsSignerInfo* signer, Output text) {
     const Status status = GetCmsSignerInfoSignerIdentifier(signer, &issuer, serial, &serialLength, keyId, &keyIdLength);
     if (status != StatusOk) return status;
     if (issuer == nullptr && keyIdLength == 0) return Fail(StatusBadSignerData);
-    if (issuer == nullptr) return GiveText(kSignerNotFound.text, kSignerNotFound.length, text.buffer, text.length);
+    if (issuer == nullptr) return CopyOutText(kSignerNotFound.text, kSignerNotFound.length, text.buffer, text.length);
     SummaryText summary;
     if (const Status failure = summary.AppendSerial(serial, serialLength)) return failure;
     if (const Status failure = summary.AppendCommonNames(issuer)) return failure;

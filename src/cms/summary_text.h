@@ -23,7 +23,7 @@ struct SummaryText {
     Status AppendCommonNames(const X509Name* name);
 
     Status CopyOut(uint8_t* text, uint32_t* textLength, Place place = Place::Here()) const {
-        return GiveText(bytes, length, text, textLength, place);
+        return CopyOutText(bytes, length, text, textLength, place);
     }
 };
 

@@ -9,5 +9,5 @@ constexpr char kVersionInfo[] = "TLVFORGE v1.0 (64bit) 05/02/2019 (R.3729) Kestr
 
 Status GetVersionInfo(uint8_t* text, uint32_t* length) {
     if (AnyNull(text, length)) return Fail(StatusBadArgument);
-    return GiveText(kVersionInfo, sizeof kVersionInfo - 1, text, length);
+    return CopyOutText(kVersionInfo, sizeof kVersionInfo - 1, text, length);
 }

@@ -43,7 +43,7 @@ uint32_t BmpToCp1251(const uint8_t* bmp, uint32_t count, uint8_t* text, uint32_t
     return count;
 }
 
-Status GiveText(const void* bytes, uint32_t count, uint8_t* text, uint32_t* length, Place place) {
+Status CopyOutText(const void* bytes, uint32_t count, uint8_t* text, uint32_t* length, Place place) {
     bool write = false;
     const Status status = ReserveOutput(count + 1, text, length, &write, place);
     if (!write) return status;

@@ -101,6 +101,6 @@ uint32_t BmpToCp1251(const uint8_t* bmp, uint32_t count, uint8_t* text, uint32_t
 
 // Copies a text out by the output-buffer rule: what is needed counts the terminating zero, the length after success
 // doesn't.
-Status GiveText(const void* bytes, uint32_t count, uint8_t* text, uint32_t* length, Place place = Place::Here());
+Status CopyOutText(const void* bytes, uint32_t count, uint8_t* text, uint32_t* length, Place place = Place::Here());
 
 }  // namespace tlvforge
