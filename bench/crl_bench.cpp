@@ -56,12 +56,10 @@ Document BuildList(const char* listName, bool indirect) {
         if (!indirect || i % 100 != 0) continue;
         FreeX509Name(document.lastIssuer);
         document.lastIssuer = NameOf(("Example Authority " + std::to_string(i)).c_str());
-        const Bytes name =
-            Fetch([&](uint8_t* out, uint32_t* n) { return EncodeX509Name(document.lastIssuer, out, n); });
-        AddExtension(crl, index, certificateIssuer, 1, Tlv(0x30, Tlv(0xA4, name)));
+        AddExtension(crl, index, certificateIssuer, 1, Tlv(0x30, Tlv(0xA4, tlvforge::Encode(document.lastIssuer))));
     }
     Must(SetX509CrlSignature(crl, key.data(), Size(key)));
-    document.der = Fetch([=](uint8_t* out, uint32_t* length) { return EncodeX509Crl(crl, out, length); });
+    document.der = tlvforge::Encode(crl);
     FreeX509Crl(crl);
     return document;
 }

@@ -18,14 +18,17 @@ constexpr size_t kMegabyte = 1 << 20;
 // A signature over the content, or one more beside those of another message.
 Bytes Signed(const Bytes& content, const Bytes& existing = {}) {
     static const Sample sample;
-    static const Bytes certificate = Encode(Build(sample)), sha256 = Oid("2.16.840.1.101.3.4.2.1"), digest(32, 0xD1);
-    const uint8_t* certificates[] = {certificate.data()};
-    const uint32_t lengths[] = {Size(certificate)};
-    return Fetch([&](uint8_t* out, uint32_t* length) {
-        return CreateCmsFileSignature2(content.data(), Size(content), digest.data(), 32, &sample.notBefore,
-                                       sha256.data(), nullptr, 0, certificate.data(), lengths[0], certificates, lengths,
-                                       1, sample.rsa.data(), sample.null.data(), 2, 1, nullptr, nullptr,
-                                       sample.signature.data(), 256, existing.data(), Size(existing), out, length);
+    static const Bytes certificate = Encode(Build(sample)), digest(32, 0xD1);
+    return tlvforge::Encode(tlvforge::FileSignature{
+        .content = content,
+        .digest = digest,
+        .signingTime = sample.notBefore,
+        .digestAlgorithm = {tlvforge::Oid("2.16.840.1.101.3.4.2.1")},
+        .signerCertificate = certificate,
+        .certificates = {certificate},
+        .signatureAlgorithm = {tlvforge::Oid::Prefixed(sample.rsa), sample.null},
+        .signature = sample.signature,
+        .existingSignature = existing,
     });
 }
 

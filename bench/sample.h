@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "tlvforge/tlvforge.h"
+#include "tlvforge/cpp/messages.hpp"
 
 namespace bench {
 
-using Bytes = std::vector<uint8_t>;
+using tlvforge::Bytes;
 
 inline uint32_t Size(const Bytes& bytes) { return static_cast<uint32_t>(bytes.size()); }
 
@@ -24,16 +24,6 @@ inline void Must(Status status, int line = __builtin_LINE(), const char* file = 
     if (status == StatusOk) return;
     fprintf(stderr, "%s:%d: status %u\n", file, line, status);
     exit(1);
-}
-
-// What call(buffer, &length) gives.
-template <class Call>
-Bytes Fetch(Call&& call) {
-    uint32_t length = 0;
-    Must(call(static_cast<uint8_t*>(nullptr), &length));
-    Bytes bytes(length);
-    Must(call(bytes.data(), &length));
-    return bytes;
 }
 
 // The same numbers in every run.
@@ -64,14 +54,8 @@ inline Bytes Tlv(uint8_t identifier, const Bytes& content) {
 inline Bytes Tlv(uint8_t identifier, std::initializer_list<Bytes> parts) { return Tlv(identifier, Joined(parts)); }
 
 // Length-prefixed, and as an element.
-inline Bytes Oid(const char* dotted) {
-    return Fetch([=](uint8_t* out, uint32_t* length) { return ConvertStringToOid(dotted, out, length); });
-}
-
-inline Bytes OidTlv(const char* dotted) {
-    return Fetch(
-        [oid = Oid(dotted)](uint8_t* out, uint32_t* length) { return EncodeAsn1Oid(oid.data(), out, length); });
-}
+inline Bytes Oid(const char* dotted) { return tlvforge::Get(ConvertStringToOid, dotted); }
+inline Bytes OidTlv(const char* dotted) { return tlvforge::Get(EncodeAsn1Oid, Oid(dotted)); }
 
 struct Sample {
     struct Extension {
@@ -154,8 +138,6 @@ inline Certificate* Build(const Sample& sample) {
     return certificate;
 }
 
-inline Bytes Encode(const Certificate* certificate) {
-    return Fetch([=](uint8_t* out, uint32_t* length) { return EncodeCertificate(certificate, out, length); });
-}
+inline Bytes Encode(const Certificate* certificate) { return tlvforge::Encode(certificate); }
 
 }  // namespace bench

@@ -104,9 +104,7 @@ void Over(benchmark::State& state, void (*run)(const Bytes& in, Bytes* out)) {
 // The same over the text of such a buffer.
 void OverText(benchmark::State& state, void (*run)(const Bytes& in, Bytes* out)) {
     const Bytes bytes = Random(static_cast<size_t>(state.range(0)));
-    const Bytes in = Fetch([&](uint8_t* out, uint32_t* length) {
-        return EncodeToBase64(bytes.data(), Size(bytes), reinterpret_cast<char*>(out), length);
-    });
+    const Bytes in = tlvforge::Get<Bytes>(EncodeToBase64, bytes);
     Bytes out(2 * in.size() + 100);
     for (auto _ : state) run(in, &out);
     CountBytes(state, in.size());

@@ -72,8 +72,9 @@ void Read(const Handle<Certificate>& issuer, const Handle<OcspRequest>& request,
     const auto now = std::chrono::system_clock::now();
     for (const OcspSingleResponse* answer : Members(basic)) {
         if (Get(GetOcspSingleResponseCertID, answer) != std::tie(algorithm, parameters, name, key, serial)) continue;
-        const auto next = Find<Time>(GetOcspSingleResponseNextUpdate, answer);
-        if (Get<Time>(GetOcspSingleResponseThisUpdate, answer) > now || (next && *next < now)) Refuse("out of date");
+        const auto next = Find<TimePoint>(GetOcspSingleResponseNextUpdate, answer);
+        if (Get<TimePoint>(GetOcspSingleResponseThisUpdate, answer) > now || (next && *next < now))
+            Refuse("out of date");
         std::printf("%s: ", ToHex(serial).c_str());
         return PrintStatus(answer);
     }

@@ -27,7 +27,7 @@ struct Anchor {
     Key key;
 };
 
-bool IsNow(Time from, Time to) {
+bool IsNow(TimePoint from, TimePoint to) {
     const auto now = std::chrono::system_clock::now();
     return from <= now && now <= to;
 }
@@ -49,7 +49,7 @@ Anchor MakeAnchor(const Bytes& root, const Bytes& crl) {
     Require(Same(CompareX509Names, Get(GetX509CrlIssuer, anchor.crl), name) &&
                 Verifies(anchor.key, Get(GetX509CrlToBeSignedPart, anchor.crl), Get(GetX509CrlSignature, anchor.crl)),
             "the list isn't the root's");
-    Require(IsNow(Get<Time>(GetX509CrlThisUpdate, anchor.crl), Get<Time>(GetX509CrlNextUpdate, anchor.crl)),
+    Require(IsNow(Get<TimePoint>(GetX509CrlThisUpdate, anchor.crl), Get<TimePoint>(GetX509CrlNextUpdate, anchor.crl)),
             "the list is out of date");
     return anchor;
 }
@@ -60,8 +60,8 @@ void RequireTrusted(const Handle<Certificate>& certificate, const Anchor& anchor
                 Verifies(anchor.key, Get(GetCertificateToBeSignedPart, certificate),
                          Get(GetCertificateSignature, certificate)),
             "a certificate that the root didn't issue");
-    Require(IsNow(Get<Time>(GetCertificateValidNotBefore, certificate),
-                  Get<Time>(GetCertificateValidNotAfter, certificate)),
+    Require(IsNow(Get<TimePoint>(GetCertificateValidNotBefore, certificate),
+                  Get<TimePoint>(GetCertificateValidNotAfter, certificate)),
             "a certificate that isn't valid now");
     RequireKnownExtensions(certificate);
     const auto usage = Find(GetCertificateExtensionValue, certificate, kKeyUsage);

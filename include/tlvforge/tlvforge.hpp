@@ -14,6 +14,10 @@
 #ifndef TLVFORGE_TLVFORGE_HPP
 #define TLVFORGE_TLVFORGE_HPP
 
+#if __cplusplus < 201703L
+#error "tlvforge.hpp needs C++17 or later: -std=c++17"
+#endif
+
 #include "tlvforge/cpp/bytes.hpp"
 #include "tlvforge/cpp/call.hpp"
 #include "tlvforge/cpp/handle.hpp"

@@ -61,7 +61,7 @@ Handle<Certificate> Sample() {
     Call(SetCertificateIssuer, certificate, name);
     Call(SetCertificateSubject, certificate, name);
     Call(SetCertificateValidNotBefore, certificate, LibraryTime{2026, 3, 1, 0, 0, 0});
-    Call(SetCertificateValidNotAfter, certificate, Time(seconds(1774999999)));
+    Call(SetCertificateValidNotAfter, certificate, TimePoint(seconds(1774999999)));
     const Oid rsa = Oid::Parsed("1.2.840.113549.1.1.1");
     Call(SetCertificatePublicKeyAlgorithmOidAndParameters, certificate, rsa, Bytes{5, 0});
     Call(SetCertificateSignatureAlgorithmOidAndParameters, certificate, rsa, Bytes{5, 0});
@@ -79,7 +79,7 @@ TEST(Face, CallsFetchWhatAFunctionStores) {
     EXPECT_EQ(Get<std::string>(GetCertificateSerialNumber, certificate.get()), "\x1F.");
     EXPECT_EQ((Get<Oid, Bytes>(GetCertificateSignatureAlgorithmOidAndParameters, certificate)),
               std::pair(Oid("1.2.840.113549.1.1.1"), (Bytes{5, 0})));
-    EXPECT_EQ(Get<Time>(GetCertificateValidNotAfter, certificate), Time(seconds(1774999999)));
+    EXPECT_EQ(Get<TimePoint>(GetCertificateValidNotAfter, certificate), TimePoint(seconds(1774999999)));
     EXPECT_EQ(Get(ConvertOidToString, kKeyUsage), "2.5.29.15");
     EXPECT_EQ(Get(ConvertStringToOid, std::string("2.5.29.15")), Bytes(kKeyUsage.data(), kKeyUsage.data() + 4));
     EXPECT_EQ(Get(DecodePem, Get(EncodePem, "content", "X")), support::Text("content"));
@@ -129,7 +129,7 @@ TEST(Face, FailuresSayWhatFailed) {
     const Bytes cutOid{3, 0x55};
     EXPECT_EQ(nothrow::Get(GetCertificateExtensionValue, certificate, cutOid).status(), StatusBadArgument);
     EXPECT_EQ(nothrow::Get(SetCertificateVersion, certificate, uint64_t{1} << 32).status(), StatusBadArgument);
-    EXPECT_EQ(nothrow::Get(SetCertificateValidNotAfter, certificate, Time(seconds(5'000'000'000))).status(),
+    EXPECT_EQ(nothrow::Get(SetCertificateValidNotAfter, certificate, TimePoint(seconds(5'000'000'000))).status(),
               StatusBadTime);
     // An identifier that is too long for an Oid can still be read as bytes.
     const auto extensions = Create<X509Extensions>();
@@ -192,11 +192,11 @@ TEST(Face, ListsAreRanges) {
     }
 
     const auto crl = Create<X509Crl>();
-    for (uint8_t i = 1; i < 4; ++i) Call(AddX509CrlRevokedCertificate, crl, Bytes{i}, Time(seconds(i)));
+    for (uint8_t i = 1; i < 4; ++i) Call(AddX509CrlRevokedCertificate, crl, Bytes{i}, TimePoint(seconds(i)));
     uint8_t expected = 0;
     for (auto& entry : Revoked(crl)) {
         EXPECT_EQ(entry.serialNumber, Bytes{++expected});
-        EXPECT_EQ(ToChrono(entry.revocationDate), Time(seconds(expected)));
+        EXPECT_EQ(ToChrono(entry.revocationDate), TimePoint(seconds(expected)));
         EXPECT_TRUE(entry.extensions != nullptr);
     }
     EXPECT_EQ(expected, 3);
@@ -249,18 +249,18 @@ TEST(Face, TimesFromAndToChrono) {
         const time_t last = day * 86400 + 86399;
         tm expected;
         gmtime_r(&last, &expected);
-        const LibraryTime time = ToLibraryTime(Time(seconds(last)));
+        const LibraryTime time = ToLibraryTime(TimePoint(seconds(last)));
         ASSERT_TRUE(time.year == expected.tm_year + 1900u && time.month == expected.tm_mon + 1u &&
                     time.day == static_cast<uint32_t>(expected.tm_mday) && time.hour == 23 && time.second == 59)
             << day;
-        ASSERT_EQ(ToChrono(time), Time(seconds(last))) << day;
+        ASSERT_EQ(ToChrono(time), TimePoint(seconds(last))) << day;
     }
-    EXPECT_EQ(nothrow::ToLibraryTime(Time(seconds(-25567 * int64_t{86400} - 1))).status(), StatusBadTime);
-    EXPECT_EQ(nothrow::ToLibraryTime(Time(seconds(47847 * int64_t{86400}))).status(), StatusBadTime);
-    const LibraryPreciseTime precise = ToLibraryPreciseTime(PreciseTime(std::chrono::microseconds(-1)));
+    EXPECT_EQ(nothrow::ToLibraryTime(TimePoint(seconds(-25567 * int64_t{86400} - 1))).status(), StatusBadTime);
+    EXPECT_EQ(nothrow::ToLibraryTime(TimePoint(seconds(47847 * int64_t{86400}))).status(), StatusBadTime);
+    const LibraryPreciseTime precise = ToLibraryPreciseTime(PreciseTimePoint(std::chrono::microseconds(-1)));
     EXPECT_TRUE(precise.year == 1969 && precise.second == 59 && precise.millisecond == 999 &&
                 precise.microsecond == 999);
-    EXPECT_EQ(ToChrono(precise), PreciseTime(std::chrono::microseconds(-1)));
+    EXPECT_EQ(ToChrono(precise), PreciseTimePoint(std::chrono::microseconds(-1)));
     EXPECT_EQ(ToText(LibraryTime{2026, 3, 1, 9, 8, 7}), "2026-03-01T09:08:07Z");
 }
 

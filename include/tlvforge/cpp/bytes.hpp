@@ -1,4 +1,4 @@
-// Bytes, texts and object identifiers as arguments and results.
+/* Bytes, texts and object identifiers as arguments and results. */
 #ifndef TLVFORGE_CPP_BYTES_HPP
 #define TLVFORGE_CPP_BYTES_HPP
 
@@ -18,15 +18,17 @@
 
 namespace tlvforge {
 
-// The types of these headers stand in a namespace of their own, so that a call of Get finds the function of tlvforge or
-// that of tlvforge::nothrow by what the program uses and never by its arguments. Both namespaces have them.
+/*
+ * The types of these headers stand in a namespace of their own, so that a call of Get finds the function of tlvforge or
+ * that of tlvforge::nothrow by what the program uses and never by its arguments. Both namespaces have them.
+ */
 namespace types {}
 using namespace types;
 namespace nothrow {
 using namespace types;
 }
 
-// What functions that write bytes are read into, unless the caller asks for another container.
+/* What functions that write bytes are read into, unless the caller asks for another container. */
 namespace types {
 using Bytes = std::vector<uint8_t>;
 }
@@ -46,9 +48,11 @@ inline constexpr uint8_t kNoBytes[1] = {};
 
 namespace types {
 
-// ByteView is what a call takes for a pointer and a length: any container or array of one-byte elements, or a text
-// without its terminating zero. It lends the bytes. Null, which is left out of a document, is nullptr; an empty
-// container is a value of length 0.
+/**
+ * ByteView is what a call takes for a pointer and a length: any container or array of one-byte elements, or a text
+ * without its terminating zero. It lends the bytes. Null, which is left out of a document, is nullptr; an empty
+ * container is a value of length 0.
+ */
 class ByteView {
 public:
     constexpr ByteView(std::nullptr_t = nullptr) noexcept {}
@@ -80,7 +84,7 @@ private:
 
 }  // namespace types
 
-// ToHex writes bytes as upper-case hexadecimal digits.
+/** ToHex writes bytes as upper-case hexadecimal digits. */
 inline std::string ToHex(ByteView bytes) {
     std::string text;
     text.reserve(2 * bytes.size());
@@ -97,13 +101,15 @@ using tlvforge::ToHex;
 
 namespace types {
 
-// An object identifier, held in the length-prefixed form of the interface.
-//
-//     constexpr Oid keyUsage("2.5.29.15");
-//
-// A text that is no object identifier doesn't compile where the object is constexpr, and with a C++20 compiler that has
-// consteval nowhere; elsewhere it ends the program, as a failed assertion does. Parsed reads texts that aren't known
-// before the program runs.
+/**
+ * An object identifier, held in the length-prefixed form of the interface.
+ *
+ *     constexpr Oid keyUsage("2.5.29.15");
+ *
+ * A text that is no object identifier doesn't compile: where the object is constexpr, and in C++20, if the compiler has
+ * consteval, everywhere. Without that it ends the program, as a failed assertion does. Parsed reads texts that aren't
+ * known before the program runs.
+ */
 class Oid {
 public:
     // The empty identifier, one byte 0.

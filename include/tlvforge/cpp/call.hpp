@@ -1,4 +1,4 @@
-// Calls of the C interface with C++ arguments and results.
+/* Calls of the C interface with C++ arguments and results. */
 #ifndef TLVFORGE_CPP_CALL_HPP
 #define TLVFORGE_CPP_CALL_HPP
 
@@ -531,7 +531,7 @@ T* PointerTo(const std::unique_ptr<T, Free>& object) noexcept {
 
 namespace nothrow {
 
-/*
+/**
  * Get calls a function of the library and returns its outputs.
  *
  * Arguments are the function's parameters without the outputs:
@@ -539,7 +539,7 @@ namespace nothrow {
  *   an object identifier         an Oid, or a range of bytes in the length-prefixed form
  *   an object                    a Handle, a pointer, or nullptr; by std::move where the function adopts it
  *   a LibraryTime and its like   the record itself, a time_point of the system clock, or nullptr
- *   numbers and flags            any numbers; one that doesn't fit is 32
+ *   numbers and flags            any numbers; StatusBadArgument for one that doesn't fit
  *
  * Outputs are what the function's pointers to non-const values lead to:
  *   a buffer and its length      Bytes, or std::string where they are characters. They are asked for the size first,
@@ -551,8 +551,9 @@ namespace nothrow {
  * and a number that belongs to something else stand side by side, as in Get<bool,
  * uint32_t>(DecodeExtensionBasicConstraints, value).
  *
- * Statuses are those of the function, 49 for an object identifier above 255 bytes, 313 for a time_point outside the
- * years 1900 to 2100, and 32 for bytes in place of an object identifier that aren't in its form.
+ * Statuses are those of the function, StatusBufferTooSmall for an object identifier above 255 bytes, StatusBadTime for
+ * a time_point outside the years 1900 to 2100, and StatusBadArgument for bytes in place of an object identifier that
+ * aren't in its form.
  */
 template <class... Outputs, class Function, class... Arguments>
 auto Get(Function function, Arguments&&... arguments) {
@@ -568,26 +569,28 @@ auto Get(Function function, Arguments&&... arguments) {
     }
 }
 
-// Call is Get by another name, for functions that are called for what they do.
+/** Call is Get by another name, for functions that are called for what they do. */
 template <class... Outputs, class Function, class... Arguments>
 auto Call(Function function, Arguments&&... arguments) {
     return nothrow::Get<Outputs...>(function, std::forward<Arguments>(arguments)...);
 }
 
-// GetText is Get of bytes that are a text, or characters.
+/** GetText is Get of bytes that are a text, or characters. */
 template <class Function, class... Arguments>
 Result<std::string> GetText(Function function, Arguments&&... arguments) {
     return nothrow::Get<std::string>(function, std::forward<Arguments>(arguments)...);
 }
 
-// GetInto is Get of one output into an object of the caller's, a container that keeps its memory from call to call.
+/**
+ * GetInto is Get of one output into an object of the caller's, a container that keeps its memory from call to call.
+ */
 template <class Output, class Function, class... Arguments>
 Result<void> GetInto(Output& output, Function function, Arguments&&... arguments) {
     const Status status = detail::Store(function, std::tie(output), std::forward<Arguments>(arguments)...);
     return status == StatusOk ? Result<void>() : Result<void>(detail::FailureOf(status, function));
 }
 
-// Find is Get with nothing in place of the statuses 311 and 322, for what is absent and what isn't found.
+/** Find is Get with nothing in place of StatusAbsent and StatusNotFound. */
 template <class... Outputs, class Function, class... Arguments>
 auto Find(Function function, Arguments&&... arguments) {
     auto got = nothrow::Get<Outputs...>(function, std::forward<Arguments>(arguments)...);
@@ -596,7 +599,7 @@ auto Find(Function function, Arguments&&... arguments) {
     return got ? Result<Value>(Value(*std::move(got))) : Result<Value>(got.failure());
 }
 
-// Same asks a function that compares: true for its status 0, false for 320.
+/** Same asks a function that compares: true for StatusOk, false for StatusNotEqual. */
 template <class Function, class... Arguments>
 Result<bool> Same(Function function, Arguments&&... arguments) {
     const Result<void> compared = nothrow::Get(function, std::forward<Arguments>(arguments)...);
@@ -604,26 +607,26 @@ Result<bool> Same(Function function, Arguments&&... arguments) {
     return compared.failure();
 }
 
-// Create makes an empty object: Create<Certificate>().
+/** Create makes an empty object: Create<Certificate>(). */
 template <class T>
 Result<Handle<T>> Create() {
     return nothrow::Get(detail::Functions<std::remove_pointer_t<T>>::kCreate);
 }
 
-// Decode reads an object from the front of BER or DER: Decode<Certificate>(bytes). What follows it is ignored.
+/** Decode reads an object from the front of BER or DER: Decode<Certificate>(bytes). What follows it is ignored. */
 template <class T>
 Result<Handle<T>> Decode(ByteView bytes) {
     return nothrow::Get(detail::Functions<std::remove_pointer_t<T>>::kDecode, bytes);
 }
 
-// Encode writes an object as DER. object: a Handle or a pointer.
+/** Encode writes an object as DER. object: a Handle or a pointer. */
 template <class Object>
 Result<Bytes> Encode(const Object& object) {
     using T = std::remove_const_t<std::remove_pointer_t<decltype(detail::PointerTo(object))>>;
     return nothrow::Get(detail::Functions<T>::kEncode, detail::PointerTo(object));
 }
 
-// Copy makes a deep copy of an object. object: a Handle or a pointer.
+/** Copy makes a deep copy of an object. object: a Handle or a pointer. */
 template <class Object>
 auto Copy(const Object& object) {
     using T = std::remove_const_t<std::remove_pointer_t<decltype(detail::PointerTo(object))>>;
@@ -632,7 +635,7 @@ auto Copy(const Object& object) {
 
 }  // namespace nothrow
 
-// The same functions with their results alone; they throw Error in place of a failure.
+/* The same functions with their results alone; they throw Error in place of a failure. */
 #if defined(__cpp_exceptions)
 template <class... Outputs, class Function, class... Arguments>
 auto Get(Function function, Arguments&&... arguments) {

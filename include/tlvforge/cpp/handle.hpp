@@ -1,4 +1,4 @@
-// Owners of the library's objects.
+/* Owners of the library's objects. */
 #ifndef TLVFORGE_CPP_HANDLE_HPP
 #define TLVFORGE_CPP_HANDLE_HPP
 
@@ -90,7 +90,7 @@ inline constexpr bool kIsCell = std::is_same_v<T, X509ExtensionsCell> || std::is
 
 namespace types {
 
-// Free calls the Free function of a type.
+/** Free calls the Free function of a type. */
 struct Free {
     template <class T>
     void operator()(T* object) const noexcept {
@@ -99,8 +99,10 @@ struct Free {
     }
 };
 
-// Handle owns an object of the library: Handle<Certificate>, Handle<X509Extensions>. It is a unique_ptr of the size of
-// a pointer. Calls take it as it is; those that adopt an object take it by std::move, and leave it empty after success.
+/**
+ * Handle owns an object of the library: Handle<Certificate>, Handle<X509Extensions>. It is a unique_ptr of the size of
+ * a pointer. Calls take it as it is; those that adopt an object take it by std::move, and leave it empty after success.
+ */
 template <class T>
 using Handle = std::unique_ptr<std::remove_pointer_t<T>, Free>;
 

@@ -1,4 +1,4 @@
-// Lists of the C interface, a count and a getter by index, as ranges.
+/* Lists of the C interface, a count and a getter by index, as ranges. */
 #ifndef TLVFORGE_CPP_LISTS_HPP
 #define TLVFORGE_CPP_LISTS_HPP
 
@@ -13,12 +13,14 @@ namespace tlvforge {
 
 namespace types {
 
-// Range is what the functions below return, for one loop over a list. The element is read into the range itself when
-// the loop comes to it, and keeps its memory from one to the next. A list must not change while it is read, and the
-// objects that it belongs to have to live as long.
-//
-// Ranges of the namespace tlvforge throw Error where an element can't be read. Those of tlvforge::nothrow end there:
-// ask status() or failure() after the loop.
+/**
+ * Range is what the functions below return, for one loop over a list. The element is read into the range itself when
+ * the loop comes to it, and keeps its memory from one to the next. A list must not change while it is read, and the
+ * objects that it belongs to have to live as long.
+ *
+ * Ranges of the namespace tlvforge throw Error where an element can't be read. Those of tlvforge::nothrow end there:
+ * ask status() or failure() after the loop.
+ */
 template <class Element, class Read, bool Throws>
 class Range {
 public:
@@ -89,40 +91,40 @@ private:
     Failure failure_;
 };
 
-// An extension: its value is the content of extnValue.
+/** An extension: its value is the content of extnValue. */
 struct Extension {
     Oid oid;
     bool critical = false;
     Bytes value;
 };
 
-// An attribute: its values are whole elements. index is its own in the set.
+/** An attribute: its values are whole elements. index is its own in the set. */
 struct Attribute {
     Oid oid;
     std::vector<Bytes> values;
     uint32_t index = 0;
 };
 
-// An entry of a CRL. serialNumber: big-endian content bytes. extensions: lent.
+/** An entry of a CRL. serialNumber: big-endian content bytes. extensions: lent. */
 struct RevokedCertificate {
     Bytes serialNumber;
     LibraryTime revocationDate = {};
     X509Extensions extensions = nullptr;
 };
 
-// A general name: X509GeneralNameDNSName or another alternative, and a value in its form.
+/** A general name: X509GeneralNameDNSName or another alternative, and a value in its form. */
 struct GeneralName {
     uint32_t alternative = 0;
     Bytes value;
 };
 
-// A method and a location, which is lent.
+/** A method and a location, which is lent. */
 struct AccessDescription {
     Oid method;
     X509GeneralName* location = nullptr;
 };
 
-// Parts of a distribution point, lent, and null where absent; reasons is a flag word.
+/** Parts of a distribution point, lent, and null where absent; reasons is a flag word. */
 struct DistributionPoint {
     X509GeneralNames* fullName = nullptr;
     X509Name* relativeName = nullptr;
@@ -280,35 +282,41 @@ auto MakeList(Count count, Item item, const Object& object, Arguments... argumen
 
 namespace nothrow {
 
-// Extensions lists those of a certificate, a CRL, a request, an OCSP message or a handle of them, as Extension. Objects
-// of all the functions below are handles or pointers.
+/**
+ * Extensions lists those of a certificate, a CRL, a request, an OCSP message or a handle of them, as Extension. Objects
+ * of all the functions below are handles or pointers.
+ */
 template <class Object>
 auto Extensions(const Object& object) {
     return detail::MakeExtensions<false>(object);
 }
 
-// Attributes lists those of a set, as Attribute.
+/** Attributes lists those of a set, as Attribute. */
 template <class Object = RsaAttributes>
 auto Attributes(const Object& attributes) {
     return detail::MakeAttributes<false>(detail::PointerTo(attributes));
 }
 
-// Revoked lists the entries of a CRL, as RevokedCertificate.
+/** Revoked lists the entries of a CRL, as RevokedCertificate. */
 template <class Object>
 auto Revoked(const Object& crl) {
     return detail::MakeRevoked<false>(detail::PointerTo(crl));
 }
 
-// Members lists what an object is a list of: certificates, CRLs, general names (GeneralName), texts (std::string), OCSP
-// answers, signers, purposes of keys and policies (Oid), descriptions of access (AccessDescription), distribution
-// points (DistributionPoint). Objects are lent.
+/**
+ * Members lists what an object is a list of: certificates, CRLs, general names (GeneralName), texts (std::string), OCSP
+ * answers, signers, purposes of keys and policies (Oid), descriptions of access (AccessDescription), distribution
+ * points (DistributionPoint). Objects are lent.
+ */
 template <class Object>
 auto Members(const Object& object) {
     return detail::MakeMembers<false>(object);
 }
 
-// List makes a range of any two functions, one for the number of elements and one whose last argument is the index:
-// List(GetCmsSignedDataSignerInfosCount, GetCmsSignedDataSignerInfo, signedData). Elements are what Get returns.
+/**
+ * List makes a range of any two functions, one for the number of elements and one whose last argument is the index:
+ * List(GetCmsSignedDataSignerInfosCount, GetCmsSignedDataSignerInfo, signedData). Elements are what Get returns.
+ */
 template <class Count, class Item, class Object, class... Arguments>
 auto List(Count count, Item item, const Object& object, Arguments... arguments) {
     return detail::MakeList<false>(count, item, object, arguments...);
@@ -316,7 +324,7 @@ auto List(Count count, Item item, const Object& object, Arguments... arguments) 
 
 }  // namespace nothrow
 
-// The same, throwing Error.
+/* The same, throwing Error. */
 #if defined(__cpp_exceptions)
 template <class Object>
 auto Extensions(const Object& object) {

@@ -1,4 +1,4 @@
-// Functions with a dozen arguments and more, as structs: in C++20 with designated initialisers.
+/* Functions with a dozen arguments and more, as structs: in C++20 with designated initialisers. */
 #ifndef TLVFORGE_CPP_MESSAGES_HPP
 #define TLVFORGE_CPP_MESSAGES_HPP
 
@@ -11,13 +11,13 @@ namespace tlvforge {
 
 namespace types {
 
-// An algorithm: its parameters are a whole element, or empty where there are none.
+/** An algorithm: its parameters are a whole element, or empty where there are none. */
 struct Algorithm {
     Oid oid = {};
     Bytes parameters = {};
 };
 
-/*
+/**
  * FileSignature is what CreateCmsFileSignature2 makes a signed document of. All bytes are lent.
  *
  *     FileSignature signature{.content = text, .digest = hash, .signingTime = now, ...};
@@ -38,7 +38,7 @@ struct FileSignature {
     ByteView existingSignature = nullptr;         // the document to add a signer to; null: a new one
 };
 
-// TimeStampRequest is TimeStampReq (RFC 3161, 2.4.1). Empty members, and null ones, are absent.
+/** TimeStampRequest is TimeStampReq (RFC 3161, 2.4.1). Empty members, and null ones, are absent. */
 struct TimeStampRequest {
     int32_t version = 1;
     Algorithm hashAlgorithm = {};
@@ -49,7 +49,7 @@ struct TimeStampRequest {
     Handle<X509Extensions> extensions = {};
 };
 
-// TimeStampResponse is TimeStampResp (RFC 3161, 2.4.2). status: 0 and 1 come with a token. failInfo: a flag word.
+/** TimeStampResponse is TimeStampResp (RFC 3161, 2.4.2). status: 0 and 1 come with a token. failInfo: a flag word. */
 struct TimeStampResponse {
     int32_t status = 0;
     Handle<PKIFreeText> statusString = {};
@@ -57,7 +57,7 @@ struct TimeStampResponse {
     Handle<CmsContentInfo> token = {};
 };
 
-// TimeStampInfo is TSTInfo (RFC 3161, 2.4.2), the content of a token.
+/** TimeStampInfo is TSTInfo (RFC 3161, 2.4.2), the content of a token. */
 struct TimeStampInfo {
     int32_t version = 1;
     Oid policy = {};
@@ -84,15 +84,17 @@ inline const uint8_t* Given(const Oid& oid) { return oid.empty() ? nullptr : oid
 
 namespace nothrow {
 
-// ToBeSigned gives the bytes that the signature of a document is made of: those of the signed attributes, and without
-// them the content.
+/**
+ * ToBeSigned gives the bytes that the signature of a document is made of: those of the signed attributes, and without
+ * them the content.
+ */
 inline Result<Bytes> ToBeSigned(const FileSignature& signature) {
     if (!signature.useSignedAttributes) return Bytes(signature.content);
     return nothrow::Get(GetCmsSignedDataToBeSignedPart2, signature.digest, signature.signingTime,
                         signature.extraAttributes);
 }
 
-// Encode makes a message of a struct, with the statuses of the function that it stands for.
+/** Encode makes a message of a struct, with the statuses of the function that it stands for. */
 inline Result<Bytes> Encode(const FileSignature& signature) {
     std::vector<const uint8_t*> certificates;
     std::vector<uint32_t> lengths;
@@ -126,7 +128,7 @@ inline Result<Bytes> Encode(const TimeStampInfo& info) {
                         info.accuracy, info.ordering, detail::Given(info.nonce), info.tsa, info.extensions);
 }
 
-// DecodeTimeStampRequest and the two after it read a message into a struct.
+/** DecodeTimeStampRequest and the two after it read a message into a struct. */
 inline Result<TimeStampRequest> DecodeTimeStampRequest(ByteView bytes) {
     TimeStampRequest r;
     const Status status = detail::Store(DecodeTimeStampReq,

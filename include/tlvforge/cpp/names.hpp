@@ -1,4 +1,4 @@
-// Distinguished names as text.
+/* Distinguished names as text. */
 #ifndef TLVFORGE_CPP_NAMES_HPP
 #define TLVFORGE_CPP_NAMES_HPP
 
@@ -13,7 +13,7 @@ namespace tlvforge {
 
 namespace types {
 
-// An entry of a name: its type, and its value as content bytes under a tag.
+/** An entry of a name: its type, and its value as content bytes under a tag. */
 struct NameEntry {
     Oid oid;
     uint8_t tagClass = 0;     // as in the identifier octet: 0x00, 0x40, 0x80 or 0xC0
@@ -28,7 +28,7 @@ struct NameEntry {
 
 }  // namespace types
 
-// ShortName gives the usual short name of an attribute type, such as CN or O; empty for others.
+/** ShortName gives the usual short name of an attribute type, such as CN or O; empty for others. */
 inline std::string_view ShortName(const Oid& oid) {
     static constexpr struct {
         std::string_view oid, name;
@@ -197,7 +197,9 @@ namespace nothrow {
 
 using tlvforge::ShortName;
 
-// Entries reads all entries of a name, in the order of the encoding. name: a Handle or a pointer, as for those below.
+/**
+ * Entries reads all entries of a name, in the order of the encoding. name: a Handle or a pointer, as for those below.
+ */
 template <class Name>
 Result<std::vector<NameEntry>> Entries(const Name& name) {
     const X509Name* const pointer = detail::PointerTo(name);
@@ -220,8 +222,10 @@ Result<std::vector<NameEntry>> Entries(const Name& name) {
     return entries;
 }
 
-// ToText writes a name on one line of UTF-8, as RFC 4514 says: the last RDN first, "CN=Anna,O=Example,C=DE". Types with
-// a short name have it, also those that the RFC doesn't list.
+/**
+ * ToText writes a name on one line of UTF-8, as RFC 4514 says: the last RDN first, "CN=Anna,O=Example,C=DE". Types with
+ * a short name have it, also those that the RFC doesn't list.
+ */
 template <class Name>
 Result<std::string> ToText(const Name& name) {
     const Result<std::vector<NameEntry>> entries = nothrow::Entries(name);
@@ -237,8 +241,10 @@ Result<std::string> ToText(const Name& name) {
     return line;
 }
 
-// AddEntry appends an entry with an RDN of its own, under the narrowest string type for its text.
-// text: UTF-8. A country and a serial number have to be PrintableStrings, and become them if the text allows.
+/**
+ * AddEntry appends an entry with an RDN of its own, under the narrowest string type for its text.
+ * text: UTF-8. A country and a serial number have to be PrintableStrings, and become them if the text allows.
+ */
 template <class Name>
 Result<void> AddEntry(const Name& name, const Oid& oid, std::string_view text) {
     const Result<uint32_t> type = nothrow::Get(DetermineSuitableStringType, text);

@@ -1,4 +1,4 @@
-// PEM armour (RFC 7468) as it is found in files, and the files.
+/* PEM armour (RFC 7468) as it is found in files, and the files. */
 #ifndef TLVFORGE_CPP_PEM_HPP
 #define TLVFORGE_CPP_PEM_HPP
 
@@ -14,8 +14,10 @@ namespace tlvforge {
 
 namespace types {
 
-// A block of a PEM text: "CERTIFICATE" or another label, header lines of RFC 1421 if there are any, and the content. A
-// header says more often than not that the content is encrypted.
+/**
+ * A block of a PEM text: "CERTIFICATE" or another label, header lines of RFC 1421 if there are any, and the content. A
+ * header says more often than not that the content is encrypted.
+ */
 struct PemBlock {
     std::string label;
     std::string headers;
@@ -49,10 +51,12 @@ inline std::optional<std::string_view> LabelOf(std::string_view line, std::strin
 
 namespace nothrow {
 
-// PemBlocks reads all blocks of a text, in their order. White space is allowed everywhere within the lines, lines have
-// any length, and what stands between the blocks is passed over: a text without armour, or DER, has no blocks.
-// Status 319 for a block without its END line or with another label in it, and for content that isn't Base64; the
-// failure's call names the line where the block begins.
+/**
+ * PemBlocks reads all blocks of a text, in their order. White space is allowed everywhere within the lines, lines have
+ * any length, and what stands between the blocks is passed over: a text without armour, or DER, has no blocks.
+ * StatusBadPem for a block without its END line or with another label in it, and for content that isn't Base64; the
+ * failure's call names the line where the block begins.
+ */
 inline Result<std::vector<PemBlock>> PemBlocks(ByteView pem) {
     std::string_view text = pem.text();
     std::vector<PemBlock> blocks;
@@ -94,7 +98,7 @@ inline Result<std::vector<PemBlock>> PemBlocks(ByteView pem) {
     return blocks;
 }
 
-// ReadFile reads a whole file. Status 12 for one that can't be opened, 46 for one that can't be read.
+/** ReadFile reads a whole file. StatusFileOpenFailed, StatusFileReadShort. */
 inline Result<Bytes> ReadFile(const std::string& path) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path.c_str(), "rb"), fclose);
     if (!file) return detail::OwnFailure(StatusFileOpenFailed, path.c_str());
@@ -109,7 +113,7 @@ inline Result<Bytes> ReadFile(const std::string& path) {
     return bytes;
 }
 
-// WriteFile makes or replaces a file. Status 12 for one that can't be opened, 47 for one that can't be written.
+/** WriteFile makes or replaces a file. StatusFileOpenFailed, StatusFileWriteShort. */
 inline Result<void> WriteFile(const std::string& path, ByteView bytes) {
     FILE* const file = fopen(path.c_str(), "wb");
     if (file == nullptr) return detail::OwnFailure(StatusFileOpenFailed, path.c_str());

@@ -1,4 +1,4 @@
-// Failures: as an exception, and as a value.
+/* Failures: as an exception, and as a value. */
 #ifndef TLVFORGE_CPP_RESULT_HPP
 #define TLVFORGE_CPP_RESULT_HPP
 
@@ -21,7 +21,7 @@
 namespace tlvforge {
 namespace types {
 
-// Failure says what failed and where.
+/** Failure says what failed and where. */
 struct Failure {
     Status status = StatusOk;
     // The function of the library that failed; empty where that can't be found out. One of its names, if it has
@@ -42,7 +42,7 @@ struct Failure {
 };
 
 #if defined(__cpp_exceptions)
-// Error is what the functions of the namespace tlvforge throw; what() is the text of the failure.
+/** Error is what the functions of the namespace tlvforge throw; what() is the text of the failure. */
 class Error : public std::runtime_error {
 public:
     explicit Error(Failure failure) : std::runtime_error(failure.text()), failure_(std::move(failure)) {}
@@ -57,8 +57,10 @@ private:
 };
 #endif
 
-// Result is what the functions of the namespace tlvforge::nothrow return: a value, or the failure in its place. To ask
-// for the value of a failure throws Error; without exceptions it ends the program.
+/**
+ * Result is what the functions of the namespace tlvforge::nothrow return: a value, or the failure in its place. To ask
+ * for the value of a failure throws Error; without exceptions it ends the program.
+ */
 template <class T>
 class [[nodiscard]] Result {
 public:
@@ -94,7 +96,7 @@ private:
     Failure failure_;
 };
 
-// The result of a call that has no outputs.
+/** The result of a call that has no outputs. */
 template <>
 class [[nodiscard]] Result<void> {
 public:

@@ -1,4 +1,4 @@
-// Times of documents as times of <chrono>, in UTC.
+/* Times of documents as times of <chrono>, in UTC. */
 #ifndef TLVFORGE_CPP_TIME_HPP
 #define TLVFORGE_CPP_TIME_HPP
 
@@ -10,11 +10,13 @@
 
 namespace tlvforge {
 
-// What the times of documents become: seconds, and microseconds for the precise ones. Calls that take a LibraryTime
-// take any time_point of the system clock too, without its fraction of a second.
+/*
+ * What the times of documents become: seconds, and microseconds for the precise ones. Calls that take a LibraryTime
+ * take any time_point of the system clock too, without its fraction of a second.
+ */
 namespace types {
-using Time = std::chrono::time_point<std::chrono::system_clock, std::chrono::seconds>;
-using PreciseTime = std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
+using TimePoint = std::chrono::time_point<std::chrono::system_clock, std::chrono::seconds>;
+using PreciseTimePoint = std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
 }  // namespace types
 
 namespace detail {
@@ -28,15 +30,15 @@ constexpr int64_t DaysOf(int64_t year, int64_t month, int64_t day) noexcept {
 }
 
 template <class Record>
-constexpr Time SecondsOf(const Record& time) noexcept {
+constexpr TimePoint SecondsOf(const Record& time) noexcept {
     const int64_t days = DaysOf(time.year, time.month, time.day);
-    return Time(std::chrono::seconds(((days * 24 + time.hour) * 60 + time.minute) * 60 + time.second));
+    return TimePoint(std::chrono::seconds(((days * 24 + time.hour) * 60 + time.minute) * 60 + time.second));
 }
 
 constexpr bool IsSet(const LibraryTime& time) noexcept { return time.month != 0; }
 
 // The record of a time; the null time for one outside the years 1900 to 2100.
-constexpr LibraryTime RecordOf(Time time) noexcept {
+constexpr LibraryTime RecordOf(TimePoint time) noexcept {
     const int64_t seconds = time.time_since_epoch().count();
     constexpr int64_t kFirst = DaysOf(1900, 1, 1) * 86400, kEnd = DaysOf(2101, 1, 1) * 86400;
     if (seconds < kFirst || seconds >= kEnd) return {};
@@ -56,13 +58,13 @@ constexpr LibraryTime RecordOf(Time time) noexcept {
 
 }  // namespace detail
 
-// ToChrono is the time that a record stands for. The null time, which stands for none, becomes a time before 1900.
-constexpr Time ToChrono(const LibraryTime& time) noexcept { return detail::SecondsOf(time); }
-constexpr PreciseTime ToChrono(const LibraryPreciseTime& time) noexcept {
+/** ToChrono is the time that a record stands for. The null time, which stands for none, becomes a time before 1900. */
+constexpr TimePoint ToChrono(const LibraryTime& time) noexcept { return detail::SecondsOf(time); }
+constexpr PreciseTimePoint ToChrono(const LibraryPreciseTime& time) noexcept {
     return detail::SecondsOf(time) + std::chrono::microseconds(time.millisecond * 1000 + time.microsecond);
 }
 
-// ToText writes a time as RFC 3339 does: 2026-03-31T23:59:59Z.
+/** ToText writes a time as RFC 3339 does: 2026-03-31T23:59:59Z. */
 inline std::string ToText(const LibraryTime& time) {
     const auto padded = [](uint32_t number, size_t width) {
         const std::string digits = std::to_string(number);
@@ -77,7 +79,7 @@ namespace nothrow {
 using tlvforge::ToChrono;
 using tlvforge::ToText;
 
-// ToLibraryTime and ToLibraryPreciseTime make the record of a time. Status 313 outside the years 1900 to 2100.
+/** ToLibraryTime and ToLibraryPreciseTime make the record of a time. StatusBadTime outside the years 1900 to 2100. */
 template <class Duration>
 Result<LibraryTime> ToLibraryTime(std::chrono::time_point<std::chrono::system_clock, Duration> time) {
     const LibraryTime record = detail::RecordOf(std::chrono::floor<std::chrono::seconds>(time));
@@ -87,7 +89,7 @@ Result<LibraryTime> ToLibraryTime(std::chrono::time_point<std::chrono::system_cl
 
 template <class Duration>
 Result<LibraryPreciseTime> ToLibraryPreciseTime(std::chrono::time_point<std::chrono::system_clock, Duration> time) {
-    const Time whole = std::chrono::floor<std::chrono::seconds>(time);
+    const TimePoint whole = std::chrono::floor<std::chrono::seconds>(time);
     const LibraryTime record = detail::RecordOf(whole);
     if (!detail::IsSet(record)) return detail::OwnFailure(StatusBadTime, "ToLibraryPreciseTime");
     const auto part = static_cast<uint32_t>(std::chrono::floor<std::chrono::microseconds>(time - whole).count());
