@@ -20,10 +20,39 @@ string(REGEX REPLACE "/$" "" TLVFORGE_PC_UP ${TLVFORGE_PC_UP})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/tlvforge.pc.in ${PROJECT_BINARY_DIR}/tlvforge.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tlvforge.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-install(FILES README.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
-    FILES_MATCHING PATTERN "*.md" PATTERN reference EXCLUDE)
+# The headers lie elsewhere than in the sources, so the links of the pages to them change.
+file(RELATIVE_PATH headers ${CMAKE_INSTALL_FULL_DOCDIR} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+file(GLOB pages CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} README.md CONTRIBUTING.md SECURITY.md docs/*.md)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${pages})
+file(REMOVE_RECURSE ${PROJECT_BINARY_DIR}/pages)
+foreach(page IN LISTS pages)
+    file(READ ${page} text)
+    string(REPLACE "](include/" "](${headers}/" text "${text}")
+    string(REPLACE "](../include/" "](../${headers}/" text "${text}")
+    file(WRITE ${PROJECT_BINARY_DIR}/pages/${page} "${text}")
+endforeach()
+install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development)
+# The examples of one file each, with what they include.
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development FILES_MATCHING
+    PATTERN "*.cpp" PATTERN "*.h" PATTERN "*.java" PATTERN "inspect*" EXCLUDE PATTERN outline EXCLUDE
+    PATTERN support.h EXCLUDE)
 install(FILES packaging/tlvforge.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
+# The list of statuses is that of the headers.
+set(statuses "")
+file(STRINGS include/tlvforge/status.h numbers REGEX "^TLVFORGE_NUMBER.Status")
+file(READ include/tlvforge/status_text.h sentences)
+foreach(number IN LISTS numbers)
+    string(REGEX REPLACE ".*[(](Status[A-Za-z]+), ([0-9]+)[)].*" "\\1;\\2" number "${number}")
+    list(POP_FRONT number name)
+    if(NOT sentences MATCHES "case ${name}: return \"([^\"]+)\"")
+        message(FATAL_ERROR "status_text.h has no sentence for ${name}")
+    endif()
+    string(APPEND statuses ".It ${number} Dv ${name}\n${CMAKE_MATCH_1}\n")
+endforeach()
+string(STRIP "${statuses}" statuses)
+configure_file(packaging/tlvforge-status.7.in ${PROJECT_BINARY_DIR}/tlvforge-status.7 @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tlvforge-status.7 DESTINATION ${CMAKE_INSTALL_MANDIR}/man7 COMPONENT development)
 
 if(TARGET tlvforge_jar)
     get_target_property(jar tlvforge_jar JAR)
