@@ -95,7 +95,7 @@ double StatusLine(const std::string& label) {
 
 template <class Run>
 double PeakOf(Run run) {
-    std::ofstream("/proc/self/clear_refs") << 5;  // the peak begins anew
+    std::ofstream("/proc/self/clear_refs") << 5;  // the peak is reset
     const double before = StatusLine("VmRSS");
     run();
     return StatusLine("VmHWM") - before;

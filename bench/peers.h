@@ -25,7 +25,7 @@ public:
     virtual bool DecodeAndFree(const Bytes& der) = 0;
     // Keeps a decoded document for Encode. False for a peer that can't write it.
     virtual bool Keep(const Bytes&) { return false; }
-    // Writes the kept document into a buffer, and gives the length.
+    // Writes the kept document into a buffer, and returns the length.
     virtual size_t Encode(uint8_t*, size_t) { return 0; }
 };
 

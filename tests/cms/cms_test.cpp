@@ -10,7 +10,7 @@ const Bytes kNone, kNull = Hex("0500"), kData = OidOf("1.2.840.113549.1.7.1"), k
 const Bytes kB = OidOf("1.2.4"), kName = Hex("300E310C300A06035504030C03616263"), kCertificate = Hex("3003020105");
 
 Bytes OidAnd(const Bytes& oid, const Bytes& rest) { return Tlv(0x30, Bytes{6} + oid + rest); }
-// A SignedData of version 1 without digest algorithms, by its content and the fields behind it.
+// A SignedData of version 1 without digest algorithms, by its content and the fields after it.
 Bytes SignedTlv(const Bytes& content, const Bytes& fields) {
     return Tlv(0x30, Hex("0201013100") + OidAnd(kData, content) + fields);
 }

@@ -19,7 +19,7 @@ struct Zone {
     ~Zone() { SetZone(nullptr); }
 };
 
-// What a time is written as, behind U for UTCTime or G for GeneralizedTime.
+// What a time is written as, after U for UTCTime or G for GeneralizedTime.
 std::string Written(const LibraryTime& time, decltype(EncodeTime) encode = EncodeTime) {
     const Bytes tlv = Fetch(encode, &time);
     return (tlv.at(0) == 0x17 ? "U" : "G") + std::string(tlv.begin() + 2, tlv.end());

@@ -1,6 +1,6 @@
 // Real documents: each decodes and encodes to the same bytes, a copy of it too, and none of its prefixes decodes. What
-// is refused or written anew, and what becomes of malformed documents, is listed in exceptions.tsv with the reasons.
-// The replays of the fuzz targets read the same files with every getter, and what they were written as.
+// is refused or written otherwise, and what becomes of malformed documents, is listed in exceptions.tsv with the
+// reasons. The replays of the fuzz targets read the same files with every getter, and what they were written as.
 
 #include <fstream>
 #include <map>
@@ -36,7 +36,7 @@ Status RewriteArguments(const Bytes& in, Bytes* out) {
     return status;
 }
 
-// Text counts as written anew as soon as it is read.
+// A text has no encoding of its own to compare with: reading it is enough.
 Status ReadPem(const Bytes& in, Bytes* out) {
     const walk::Bytes exact(in.data(), in.size());
     uint32_t length = 0;

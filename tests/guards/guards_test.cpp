@@ -97,7 +97,7 @@ Table ReadTable(const char* file) {
     return table;
 }
 
-// Hex, where braces put the length of what they hold in front of it, $x stands for the row x, and "x" for the text x.
+// Hex, where braces stand for their content with its length before it, $x stands for the row x, and "x" for the text x.
 Bytes Read(const Table& table, std::istream& in) {
     Bytes bytes;
     for (char c = 0; in >> c && c != '}';) {

@@ -63,7 +63,7 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"empty", "3000", "="}, {"empty, indefinite", "30800000", "3000"}, {"default", "3003 010100", "3000"},
         {"malformed header where an optional item may stand", "3001 02", "!302"}}},
     {itemOf<OneInteger>, {
-        {"unknown fields behind the last", "3007 020105 0400 0500", "3003 020105"},
+        {"unknown fields after the last", "3007 020105 0400 0500", "3003 020105"},
         {"unknown fields, indefinite", "3080 020105 0400 0000", "!335"}, {"unfinished", "3080 020105 00", "!335"},
         {"sequence past the end", "3084FFFFFFFD 020105", "!302"}}},
     {NullField, {{"field without item", "3003 020105", "!32"}}},
@@ -94,7 +94,7 @@ const struct { const Asn1Item& item; std::vector<Row> rows; } kTable[] = {
         {"end of the sequence is taken", "3080 0000", "!335"}}},
     {itemOf<Integers>, {
         {"out of order", "3106 020105 020103", "3106 020103 020105"}, {"one byte", "3101 02", "!302"},
-        {"one byte behind the last", "3104 020105 00", "!302"}}},
+        {"one byte after the last", "3104 020105 00", "!302"}}},
     {itemOf<SetOf<OctetString>>, {{"shorter first, unsigned", "310A 0402AABB 0401FF 0401AA", "310A 0401AA 0401FF 0402AABB"}}},
     {itemOf<Anys>, {
         {"indefinite", "3080 020105 0500 0000", "3005 020105 0500"},

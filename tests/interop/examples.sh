@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # examples.sh PROGRAMS DIRECTORY: runs the examples one after the other on what those before made, has the openssl command
 # verify all of it, and answers it where the examples are clients. PROGRAMS is the folder of the built examples; DIRECTORY
-# is made anew.
+# is replaced.
 set -euo pipefail
 programs=$1
 rm -rf "$2"

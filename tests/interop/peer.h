@@ -26,7 +26,7 @@ walk::Owned<Free> FromDer(auto decode, const Bytes& der) {
     return walk::Owned<Free>(decode(nullptr, &at, static_cast<long>(der.size())));
 }
 
-// The members of a list one behind the other, as two functions or as a stack give them.
+// The members of a list one after the other, as two functions or a stack return them.
 Bytes Joined(auto* of, auto count, auto get, auto write) {
     Bytes der;
     for (int i = 0; i < count(of); ++i) der = der + DerOf(get(of, i), write);
@@ -50,7 +50,7 @@ inline std::vector<Bytes> Elements(Bytes outer) {
     return elements;
 }
 
-// What a getter of this library gives for each walk::kOut.
+// What a getter of this library returns for each walk::kOut.
 auto Outputs(auto... arguments) {
     const auto given = walk::Sure(walk::Get(arguments...));
     std::array<Bytes, std::tuple_size_v<std::decay_t<decltype(given)>>> outputs;
@@ -59,7 +59,7 @@ auto Outputs(auto... arguments) {
     return outputs;
 }
 
-// The DER of what getters give in parts.
+// The DER of what getters return in parts.
 inline Bytes TlvOr(const Bytes& content, uint8_t tag) { return content.empty() ? content : Tlv(tag, content); }
 Bytes OidTlvOf(auto... arguments) { return Bytes{6} + Fetch(arguments...); }
 Bytes AlgorithmOf(auto... arguments) {

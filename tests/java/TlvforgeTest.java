@@ -141,7 +141,7 @@ public final class TlvforgeTest {
             boolean small = size >= 0 && size < 64;
             equal(small ? 49 : 0, dll_GetX509CrlSignature(crl, buffer, length), "status with " + size);
             equal(64, length[0], "length with " + size);
-            equal(-5, length[1], "element behind it");
+            equal(-5, length[1], "element after it");
             byte[] expected = small || buffer == null ? new byte[Math.max(size, 0)] : Arrays.copyOf(signature, size);
             if (buffer != null) equal(true, Arrays.equals(expected, buffer), "bytes with " + size);
         }
@@ -173,7 +173,7 @@ public final class TlvforgeTest {
     private static void handlesAndNumbers() {
         long[] handle = {5, 6};
         ok(dll_CreateLibraryTime(handle));
-        equal(6L, handle[1], "element behind it");
+        equal(6L, handle[1], "element after it");
         equal(49, dll_CreateLibraryTime(null), "null");
         equal(49, dll_CreateLibraryTime(new long[0]), "empty");
         ok(dll_SetLibraryTime(handle[0], 31, 12, 2030, 23, 59, 58));

@@ -229,7 +229,7 @@ TEST(Bridge, AddressesTravelInArrays) {
     const jintArray consumed = vm.Ints({0});
     ASSERT_EQ(Call(vm, "Asn1DecodeItem", vm.Bytes(der), 8, item, root, consumed), 0);
     EXPECT_EQ(FakeVm::IntOf(consumed), 8);
-    EXPECT_EQ(FakeVm::BytesOf(root)[8], 0xEE) << "behind the address";
+    EXPECT_EQ(FakeVm::BytesOf(root)[8], 0xEE) << "after the address";
     EXPECT_EQ(FakeVm::LongOf(item), reinterpret_cast<jlong>(&kList));
 
     jlong list = 0;

@@ -59,7 +59,7 @@ Owned<Free> Make(Function function, Arguments... arguments) {
 
 // ---- Calls, where some arguments stand for two parameters ----
 
-// The argument behind a parameter, and whether it is its second one.
+// The argument for a parameter, and whether it is its second one.
 template <bool... Twofold>
 constexpr std::pair<size_t, bool> Place(size_t parameter) {
     size_t argument = 0;
@@ -341,7 +341,7 @@ void WalkParts(const Bytes& in, auto decode, auto encode, bool stable = true) {
 inline Buffer NoBuffer(Buffer) { return {}; }
 auto NoBuffer(auto argument) { return argument; }
 
-// For a getter that ends at the first buffer that is too small: the lengths behind it are filled in.
+// For a getter that ends at the first buffer that is too small: the lengths after it are filled in.
 auto Complete(auto function) {
     return [=](auto... arguments) {
         const Status status = function(arguments...);

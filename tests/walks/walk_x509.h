@@ -131,7 +131,7 @@ inline void WalkExtensions(X509Extensions extensions) {
     if (encoded) RequireSame(encoded, Get(EncodeX509Extensions, rebuilt.get()));
 }
 
-// A line of text for people, which may refuse a name. Bytes may be written behind the length that it asks for.
+// A line of text for people, which may refuse a name. Bytes may be written after the length that it asks for.
 inline void WalkLine(auto get, auto* of) {
     for (uint32_t size = 0, room = 0; room < 2000; room = 2 * room + 1) {
         const Bytes text(size = room);

@@ -130,9 +130,9 @@ TEST_F(CrlTest, AuthorityKeyIdentifierNamesTheSignersCertificate) {
     expect(issuer + Tlv(0x82, serial));
 }
 
-// An entry with a certificateIssuer extension behind another one.
-Bytes Entry(const Bytes& serial, const Bytes& names, const Bytes& behind) {
-    return Entry(serial, Tlv(0x30, kReason + ExtensionTlv("2.5.29.29", Tlv(0x30, names) + behind)));
+// An entry with a certificateIssuer extension after another one.
+Bytes Entry(const Bytes& serial, const Bytes& names, const Bytes& after) {
+    return Entry(serial, Tlv(0x30, kReason + ExtensionTlv("2.5.29.29", Tlv(0x30, names) + after)));
 }
 Bytes Dir(const std::string& text) { return Tlv(0xA4, NameTlv(text)); }
 
@@ -154,11 +154,11 @@ TEST_F(CrlTest, FindsEntriesUnderTheIssuerInForce) {
         {"other name spoils the one in front", Entry(a, x + dns, no), "X", a, 322},
         {"other name spoils the carried one", list + Entry(a, dns, no), "X", a, 322},
         {"other name leaves the own one", Entry(a, dns, no), "Root", a, 0},
-        {"indefinite length", Entry(a, odd, no), "X", a, 0}, {"bytes behind", Entry(a, x, kNull), "X", a, 0},
+        {"indefinite length", Entry(a, odd, no), "X", a, 0}, {"bytes after", Entry(a, x, kNull), "X", a, 0},
         {"short wrapper", Entry(a, Hex("A40B") + NameTlv("X"), no), "X", a, 0},
         {"wrapper around two", Entry(a, Hex("A41E") + NameTlv("X") + y, no), "Y", a, 0},
         {"long", Entry(a, Dir(lengthy), no), lengthy, a, 0}, {"longest", Entry(a, Dir(longest), no), longest, a, 0},
-        {"too long", tooLong + ea, "Root", a, 49}, {"too long, behind", ea + tooLong, "Root", a, 0},
+        {"too long", tooLong + ea, "Root", a, 49}, {"too long, after", ea + tooLong, "Root", a, 0},
         {"not names", Entry(b, kNull, no) + ea, "Root", a, 302}, {"longest serial", Entry(big), "Root", big, 0},
         {"too long a serial", Entry(tooBig) + ea, "Root", a, 49},
         // clang-format on
