@@ -52,9 +52,54 @@ struct Node {
     }
 };
 
+// A number in its shortest form is the same when it is set to what it is.
+void WalkInteger(const Asn1Value* value) {
+    int32_t number = 0;
+    if (!Ok(CheckAsn1Integer(value))) return;
+    Node again{itemOf<Integer>, AllocAsn1Integer_s(kAnyBytes, sizeof kAnyBytes)};
+    auto* const copy = static_cast<Asn1Value*>(again.tree);
+    const auto [bytes] = Sure(Get(GetAsn1Integer, value));
+    Require(Ok(SetAsn1Integer(copy, bytes.data(), bytes.size())) &&
+            Get(GetAsn1Value, copy) == Get(GetAsn1Value, value));
+    if (Ok(GetAsn1Int32(value, &number)))
+        Require(Ok(SetAsn1Int32(copy, number)) && Get(GetAsn1Value, copy) == Get(GetAsn1Value, value));
+}
+
+// All values of a tree.
+void WalkNode(const Asn1Item* item, void* node) {
+    uint8_t octets[2] = {};
+    uint32_t numbers[3] = {};
+    if (node == nullptr) return;
+    if (item->kind == Asn1KindChoice) {
+        Require(Ok(GetAsn1ChoiceUnderlyingType(&node, &item)));
+        WalkNode(item, node);
+    } else if (item->kind == Asn1KindSequence || item->kind == Asn1KindSet) {
+        for (uint32_t i = 0; i < item->childCount; ++i) WalkNode(item->children[i], static_cast<void**>(node)[i]);
+    } else if (IsList(*item)) {
+        const auto* const list = static_cast<const Asn1List*>(node);
+        for (uint32_t i = 0; i < GetAsn1ListLength(list); ++i)
+            WalkNode(item->children[0], Lent(GetAsn1ListItem, list, static_cast<int32_t>(i)));
+    } else if (item->kind == Asn1KindAny) {
+        const auto* const any = static_cast<const Asn1Any*>(node);
+        const uint32_t size = Sure(Get(GetAsn1AnyValue, node))[0].size();
+        if (Ok(GetAsn1AnyInfo(any, octets, octets + 1, numbers, numbers + 1, numbers + 2)))
+            Require(uint64_t{numbers[1]} + numbers[2] == size);
+    } else if (item->kind == Asn1KindBitString) {
+        (void)Get(GetAsn1BitString, static_cast<const Asn1BitString*>(node), octets);
+        Require(octets[0] < 8);
+    } else {
+        const auto* const value = static_cast<const Asn1Value*>(node);
+        const auto typed = Get(GetAsn1ValueAndType, value, numbers);
+        Require(!typed || typed == Get(GetAsn1Value, value));
+        if (item->kind == Asn1KindBoolean) Require(Ok(GetAsn1Boolean(value, numbers)) == Ok(CheckAsn1Boolean(value)));
+        if (item->kind == Asn1KindInteger) WalkInteger(value);
+    }
+}
+
 void WalkItem(const Asn1Item& item, const Bytes& in) {
     Node first{item}, second{item}, copy{item};
     if (!first.Decode(in)) return;
+    WalkNode(&item, first.tree);
     const MaybeBytes once = first.Encode();
     Require(once.has_value() == (item.kind != Asn1KindSet));
     if (!once) return;

@@ -219,12 +219,15 @@ constexpr auto& kCalls = kPlays<
     AddX509GeneralName, AddPKIFreeTextString, AddOctetStringsValue, AddExtensionExtendedKeyUsage,
     RemoveExtensionExtendedKeyUsage, AddExtensionPolicyInformation, AddExtensionPolicyQualifier,
     RemoveExtensionPolicyInformation, RemoveExtensionPolicyQualifier, RemoveExtensionCrlDistributionPoint,
-    RemoveExtensionAuthorityInformationAccess, AddCrlValidatedIdToList, AddOcspResponseIdToList>;
+    RemoveExtensionAuthorityInformationAccess, AddCrlValidatedIdToList, AddOcspResponseIdToList,
+    EncodeX509RevokedCertificates, EncodeCmsContentInfoContent, GetCmsSignedDataToBeSignedPart, FindAlgIdByOid,
+    GetPublicKeyAlgorithmOid, GetNameAttributeTypeOid>;
 constexpr auto& kMoves =
     kSteps<Adopt<AddCertificateToCertificates>, Adopt<AddX509CrlToX509Crls>, Adopt<AddSeveralDataContentInfo>,
            Adopt<AddOcspRequestCertificate>, Adopt<AddOcspBasicResponseSingleResponse>,
            Adopt<AddOcspBasicResponseCertificate>, Adopt<AddResponseToOcspBasicResponses>, Copy<CreateCertificateCopy>,
            Copy<CreateX509CrlCopy>, Copy<CreatePKCS10CertReqCopy>, Copy<CreateCmsSignedDataCopy>,
+           Copy<CreateCertificatesCopy>, Copy<CreatePKIFreeTextCopy>, Copy<CreateX509GeneralNameCopy>,
            Reread<EncodeX509Name, DecodeX509Name>, Reread<EncodeX509Extensions, DecodeX509Extensions>,
            Reread<EncodeRsaAttributes, DecodeRsaAttributes>, Reread<EncodeCertificate, DecodeCertificate>,
            Reread<EncodeX509Crl, DecodeX509Crl>, Reread<EncodePKCS10CertReq, DecodePKCS10CertReq>,
@@ -242,7 +245,17 @@ constexpr Step kOthers[] = {
     [](World& w) { w.DropAny(); },
     [](World& w) { Append(Pick<RsaAttributesCell>(w), Pick<RsaAttributesCell>(w)); },
     [](World& w) {
-        PoolOf<X509Name>(w).HandOver(w.in, [&](auto* n) { return SetCertificateIssuer_i(Pick<Certificate>(w), n, 0); });
+        for (const auto set : {SetCertificateIssuer_i, SetCertificateSubject_i})
+            PoolOf<X509Name>(w).HandOver(w.in, [&](auto* name) { return set(Pick<Certificate>(w), name, 0); });
+    },
+    [](World& w) {
+        const Bytes oid = w.in.Oid(), value = w.in.Text();
+        X509Extension* extension = nullptr;
+        RsaAttribute* attribute = nullptr;
+        (void)CreateX509Extension(&extension, oid.data(), 1, value.data(), value.size());
+        (void)CreateRsaAttribute(&attribute, oid.data(), value.data(), value.size());
+        (void)FreeX509Extension(extension);
+        (void)FreeRsaAttribute(attribute);
     },
     [](World& w) {
         CmsSignerInfo* const signer = walk::Lent(AddCmsSignedDataSignerInfo, Pick<CmsSignedData>(w));

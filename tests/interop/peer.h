@@ -42,12 +42,33 @@ Bytes Joined(const void* stack, int (*write)(const T*, uint8_t**)) {
 inline void FreeElements(STACK_OF(ASN1_TYPE) * elements) { sk_ASN1_TYPE_pop_free(elements, ASN1_TYPE_free); }
 inline std::vector<Bytes> Elements(Bytes outer) {
     std::vector<Bytes> elements;
-    outer.at(0) = 0x30;
+    if (outer.empty()) return elements;
+    outer[0] = 0x30;
     const auto owner = FromDer<FreeElements>(d2i_ASN1_SEQUENCE_ANY, outer);
     for (int i = 0; i < sk_ASN1_TYPE_num(owner.get()); ++i) {
         elements.push_back(DerOf(sk_ASN1_TYPE_value(owner.get(), i), i2d_ASN1_TYPE));
     }
     return elements;
+}
+
+// The one at an index, nothing behind the last one.
+inline Bytes At(const std::vector<Bytes>& list, size_t index) { return index < list.size() ? list[index] : Bytes(); }
+
+// Where two values differ first.
+std::string Difference(const auto& ours, const auto& theirs) {
+    return testing::PrintToString(ours) + "\nOpenSSL: " + testing::PrintToString(theirs);
+}
+inline std::string Difference(const Bytes& ours, const Bytes& theirs) {
+    const auto at = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end()).first - ours.begin();
+    const auto rest = [at](const Bytes& bytes) {
+        return ToHex(Bytes(bytes.begin() + at, std::min(bytes.begin() + at + 16, bytes.end())));
+    };
+    return "from byte " + std::to_string(at) + " of " + std::to_string(ours.size()) + " " + rest(ours) +
+           "\nOpenSSL: of " + std::to_string(theirs.size()) + " " + rest(theirs);
+}
+inline std::string Difference(const std::vector<Bytes>& ours, const std::vector<Bytes>& theirs) {
+    const auto at = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end()).first - ours.begin();
+    return "part " + std::to_string(at) + ", " + Difference(At(ours, size_t(at)), At(theirs, size_t(at)));
 }
 
 // What a getter of this library returns for each walk::kOut.
@@ -110,24 +131,23 @@ Bytes AttributesOf(auto get, auto* of) {
 class Comparison {
 public:
     // A field that is read differently on purpose.
-    struct Difference {
+    struct Intended {
         std::string document, field, reason;
         bool found = false;
     };
-    explicit Comparison(int documents, std::vector<Difference> rows = {})
+    explicit Comparison(int documents, std::vector<Intended> rows = {})
         : left_(documents), intended_(std::move(rows)) {}
     ~Comparison() {
         EXPECT_LE(left_, 0) << "documents are missing";
-        for (const Difference& row : intended_) EXPECT_TRUE(row.found) << row.document << " " << row.field;
+        for (const Intended& row : intended_) EXPECT_TRUE(row.found) << row.document << " " << row.field;
     }
     void Begin(const std::string& document) { --left_, document_ = document; }
-    void Same(const std::string& field, const auto& ours, const auto& theirs) {
-        if (ours == theirs) return;
-        for (Difference& row : intended_) {
-            if (row.document == document_ && row.field == field) return void(row.found = true);
-        }
-        ADD_FAILURE() << document_ << " " << field << ": " << testing::PrintToString(ours)
-                      << "\nOpenSSL: " << testing::PrintToString(theirs);
+    bool Same(const std::string& field, const auto& ours, const auto& theirs) {
+        if (ours == theirs) return true;
+        for (Intended& row : intended_)
+            if (row.document == document_ && row.field == field) return !(row.found = true);
+        ADD_FAILURE() << document_ << " " << field << ": " << Difference(ours, theirs);
+        return false;
     }
 
     // With the status of the getter, which takes no years above 2100.
@@ -143,7 +163,7 @@ public:
 
 private:
     int left_;
-    std::vector<Difference> intended_;
+    std::vector<Intended> intended_;
     std::string document_;
 };
 

@@ -25,11 +25,12 @@ inline auto RebuildSingleResponse(OcspSingleResponse* from) {
     Require(Carry<Oid, Maybe, Octets, Octets, Octets>(Of(Complete(GetOcspSingleResponseCertID), from),
                                                       Of(SetOcspSingleResponseCertID, to)));
     const uint32_t answer = Lent(GetOcspSingleResponseCertStatus, from);
+    const auto plain = answer == 0 ? SetOcspSingleResponseCertStatusGood : SetOcspSingleResponseCertStatusUnknown;
     if (answer == 1)
         Share<Time, Flag>(from, to, GetOcspSingleResponseCertStatusRevokedInfo, SetOcspSingleResponseCertStatusRevoked,
                           &kAnyTime, -1);
-    else
-        Require(Ok((answer == 0 ? SetOcspSingleResponseCertStatusGood : SetOcspSingleResponseCertStatusUnknown)(to)));
+    else  // its NULL may have been read with content
+        Require(Ok(plain(from)) && Ok(plain(to)));
     Share<Time>(from, to, GetOcspSingleResponseThisUpdate, SetOcspSingleResponseThisUpdate, &kAnyTime);
     Share<Time>(from, to, GetOcspSingleResponseNextUpdate, SetOcspSingleResponseNextUpdate, nullptr);
     TakeExtensions(from, GetOcspSingleResponseExtensions);
@@ -99,6 +100,10 @@ struct Cell : Plain<X509Extensions> {
 inline void WalkOcspRequest(OcspRequest* from) {
     const auto rebuilt = Make<FreeOcspRequest>(CreateOcspRequest);
     OcspRequest* const to = rebuilt.get();
+    X509GeneralName* requestor = nullptr;  // none without a name
+    uint32_t kind = 0;
+    if (Ok(GetOcspRequestRequestorName(from, &requestor)) && requestor != nullptr)
+        (void)Get(GetX509GeneralNameValue, requestor, &kind);
     Share<Number>(from, to, GetOcspRequestVersion, SetOcspRequestVersion, 0);
     Carry<Flag, Octets>(Of(GetOcspRequestRequestorNameValue, from), Of(SetOcspRequestRequestorName, to));
     Each(GetOcspRequestCertRequestsCount, from, [&](uint32_t i) {

@@ -90,6 +90,9 @@ inline void WalkValue(const Bytes& in) {
                                     EncodeAlgorithmGostR34102001ParametersOid);
     WalkParts<Octet, Oid, Oid, Oid>(in, DecodeAlgorithmGostR34102012ParameterOids,
                                     EncodeAlgorithmGostR34102012ParametersOid);
+    for (const auto id : {AlgorithmGostR34102001, AlgorithmGostR34102012Key512})
+        WalkParts<Octet, Oid, Oid, Oid>(in, Of(DecodeAlgorithmGostR3410ParameterOids, id),
+                                        Of(EncodeAlgorithmGostR3410ParametersOid, id));
     WalkParts<Maybe, GeneralNames, Maybe>(in, DecodeExtensionAuthorityKeyIdentifier,
                                           EncodeExtensionAuthorityKeyIdentifier, stable);
     // What the names point to is gone. Reasons without onlyContainsUserCerts are taken for it by the next reader.
@@ -139,13 +142,18 @@ inline void WalkLine(auto get, auto* of) {
     }
 }
 
+constexpr uint8_t kUsages[] = {3, 0x55, 0x1D, 0x0F};
+
 // Every getter of a certificate that was decoded.
 inline void WalkCertificate(Certificate* certificate) {
     uint32_t length = 0, sets[3];
     const X509Name* issuer = Lent(GetCertificateIssuer, certificate);
     WalkName(issuer);
     WalkName(Lent(GetCertificateSubject, certificate));
-    WalkExtensions(Lent(GetCertificateExtensions, certificate));
+    const X509Extensions extensions = Lent(GetCertificateExtensions, certificate);
+    WalkExtensions(extensions);
+    Require(Get(GetCertificateExtensionValue, certificate, kUsages) ==
+            Get(GetX509ExtensionsExtensionValue, extensions, kUsages));
     WalkLine(GetCertificateCN, certificate);
     WalkLine(GetZelcryptIdentifierFromCertificate, certificate);
     WalkVersion(certificate, GetCertificateVersion, SetCertificateVersion);
