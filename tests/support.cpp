@@ -53,6 +53,49 @@ const void* Exported(const char* name) { return dlsym(RTLD_DEFAULT, name); }
 
 #endif
 
+namespace {
+
+// The arguments of a macro: what stands between commas outside of brackets and of texts.
+std::vector<std::string> Arguments(const std::string& text) {
+    std::vector<std::string> arguments(1);
+    int depth = 0;
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '"' && (i == 0 || text[i - 1] != '\\')) quoted = !quoted;
+        if (!quoted) depth += (strchr("([{", c) != nullptr) - (strchr(")]}", c) != nullptr);
+        if (c == ',' && depth == 0 && !quoted)
+            arguments.emplace_back();
+        else if (c != ' ' || !arguments.back().empty())
+            arguments.back() += c;
+    }
+    return arguments;
+}
+
+void Report(const char* file, int line, const std::string& what, const std::string& is, const std::string& wanted) {
+    ADD_FAILURE_AT(file, line) << what << "\n  is " << is << " instead of " << wanted;
+}
+
+}  // namespace
+
+void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows) {
+    for (const Row& row : rows) {
+        if (row.actual == row.expected) continue;
+        const std::string written = Arguments(text)[size_t(&row - rows.begin())];
+        const auto parts = Arguments(written.substr(1, written.size() - 2));
+        const bool isStatus = parts.size() == 1 || parts.back().starts_with("Status");
+        const auto name = [&](uint32_t value) { return isStatus ? StatusName(value) : std::to_string(value); };
+        Report(file, line, parts[0], name(row.actual), name(row.expected));
+    }
+}
+
+void CheckStatuses(const char* file, int line, Status expected, const char* text, std::initializer_list<Row> calls) {
+    for (const Row& call : calls)
+        if (call.actual != expected)
+            Report(file, line, Arguments(text)[size_t(&call - calls.begin())], StatusName(call.actual),
+                   StatusName(expected));
+}
+
 Bytes Hex(std::string_view text) {
     std::string digits;
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isxdigit);

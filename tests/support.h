@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -46,15 +47,19 @@ inline Bytes NameTlv(const std::string& text) {
 inline Bytes ExtensionTlv(const char* oid, const Bytes& value) { return Tlv(0x30, OidTlv(oid) + Tlv(4, value)); }
 inline Bytes AttributeTlv(const char* oid, const Bytes& values) { return Tlv(0x30, OidTlv(oid) + Tlv(0x31, values)); }
 
-// Calls that all give the same status.
-inline void Expect(Status status, std::initializer_list<Status> calls) {
-    for (const Status& call : calls) EXPECT_EQ(call, status) << "call " << &call - calls.begin();
-}
+// One call or value, and what it has to be: StatusOk if nothing is said.
+struct Row {
+    Row(auto value, auto wanted) : actual(static_cast<uint32_t>(value)), expected(static_cast<uint32_t>(wanted)) {}
+    Row(std::integral auto status) : Row(status, StatusOk) {}
+    uint32_t actual, expected;
+};
+void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows);
+void CheckStatuses(const char* file, int line, Status expected, const char* text, std::initializer_list<Row> calls);
 
-// Calls made one after the other, and values looked at between them, each with what it must give.
-inline void Check(std::initializer_list<std::pair<uint32_t, uint32_t>> calls) {
-    for (const auto& call : calls) EXPECT_EQ(call.first, call.second) << "call " << &call - calls.begin();
-}
+// CHECK({call}, {value, 7}, {call, StatusAbsent}): calls and values, looked at one after the other.
+#define CHECK(...) support::CheckRows(__FILE__, __LINE__, #__VA_ARGS__, {__VA_ARGS__})
+// EXPECT_STATUS(StatusAbsent, call, call): calls, one after the other, that all give the same.
+#define EXPECT_STATUS(status, ...) support::CheckStatuses(__FILE__, __LINE__, status, #__VA_ARGS__, {__VA_ARGS__})
 
 template <class T, auto Free>
 using Owned = walk::Owned<Free>;
@@ -73,8 +78,8 @@ walk::Owned<Free> Decoded(Function decode, const Bytes& in) {
 inline auto NameOf(const std::string& text) { return Decoded<FreeX509Name>(DecodeX509Name, NameTlv(text)); }
 
 // Fetches the result of function(arguments..., buffer, &length), and checks the output-buffer rule on the way: the size
-// query, a buffer that is one byte short (49, length stored, buffer untouched) and one of the exact size give the same
-// length.
+// query, a buffer that is one byte short (refused, length stored, buffer untouched) and one of the exact size give the
+// same length.
 template <class Function, class... Arguments>
 Bytes Fetch(Function&& function, Arguments... arguments) {
     const auto call = [&](uint8_t* buffer, uint32_t* length) { return function(arguments..., buffer, length); };

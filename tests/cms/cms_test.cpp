@@ -43,32 +43,30 @@ TEST_F(CmsTest, ContainerOwnsContentInfosInTheirOrder) {
     EXPECT_EQ(Fetch(DecodeCmsContentInfoContent, content.data(), 5u), kAbc);
     const auto decoded = Decoded<FreeSeveralData>(DecodeSeveralData, Tlv(0x30, full + empty));
     SeveralData* const several = decoded.get();
-    EXPECT_EQ(GetSeveralDataContentInfo(several, 0, &info), 0u);
+    EXPECT_STATUS(StatusOk, GetSeveralDataContentInfo(several, 0, &info));
     EXPECT_EQ(Fetch(GetCmsContentInfoTypeOid, info) + Fetch(GetCmsContentInfoContent, info), kData + content);
     const auto copy = Make<FreeCmsContentInfo>(CreateCmsContentInfoCopy, info);
     auto fresh = Make<FreeCmsContentInfo>(CreateCmsContentInfo);
     EXPECT_EQ(Fetch(GetCmsContentInfoTypeOid, fresh.get()) + Fetch(GetCmsContentInfoContent, fresh.get()), Hex("00"));
-    // clang-format off
-    Check({{RemoveSeveralDataContentInfo(several, 2), 32}, {GetSeveralDataContentInfo(several, 0x80000000, &info), 32},
-           {RemoveSeveralDataContentInfo(several, 0), 0}, {AddSeveralDataContentInfo(several, fresh.release()), 0},
-           {SetCmsContentInfoContent(copy.get(), nullptr, 3), 0}, {GetSeveralDataContentInfo(several, 1, &info), 0},
-           {SetCmsContentInfoTypeOid(info, kData.data()), 0}, {SetCmsContentInfoContent(info, content.data(), 5), 0}});
-    // clang-format on
+    CHECK({RemoveSeveralDataContentInfo(several, 2), StatusBadArgument},
+          {GetSeveralDataContentInfo(several, 0x80000000, &info), StatusBadArgument},
+          {RemoveSeveralDataContentInfo(several, 0)}, {AddSeveralDataContentInfo(several, fresh.release())},
+          {SetCmsContentInfoContent(copy.get(), nullptr, 3)}, {GetSeveralDataContentInfo(several, 1, &info)},
+          {SetCmsContentInfoTypeOid(info, kData.data())}, {SetCmsContentInfoContent(info, content.data(), 5)});
     EXPECT_EQ(Fetch(EncodeSeveralData, several), Tlv(0x30, Fetch(EncodeCmsContentInfo, copy.get()) + full));
 }
 
 TEST_F(CmsTest, FreshObjectsAnswerAsEmptyOnes) {
     EXPECT_EQ(Fetch(EncodeCmsSignedData, data), Hex("300A 0200 3100 30020600 3100"));
     EXPECT_EQ(Fetch(GetCmsSignedDataContentTypeOid, data) + Fetch(GetCmsSignedDataContent, data), Hex("00"));
-    // clang-format off
-    Check({{GetCmsSignedDataCertificatesCount(data, &(n = 9)), 0}, {GetCmsSignedDataCrlsCount(data, &(m = 9)), 0},
-           {n + m, 0}, {GetCmsSignedDataVersion(data, &version), 311}, {RemoveCmsSignedDataCertificates(data), 0},
-           {GetCmsSignedDataEncodedCrl(data, 0, &kind, nullptr, &n), 311},
-           {GetCmsSignedDataSignerInfo(data, 0, &signer), 32},
-           {AddCmsSignedDataSignerInfo(data, nullptr), 32}, {AddCmsSignedDataSignerInfo(data, &signer), 0},
-           {GetCmsSignerInfoVersion(signer, &version), 311}, {EncodeCmsSignedData(data, nullptr, &n), 311},
-           {GetCmsSignerInfoSignerIdentifier(signer, &name, nullptr, &n, nullptr, &m), 311}});
-    // clang-format on
+    CHECK({GetCmsSignedDataCertificatesCount(data, &(n = 9))}, {GetCmsSignedDataCrlsCount(data, &(m = 9))}, {n + m, 0},
+          {GetCmsSignedDataVersion(data, &version), StatusAbsent}, {RemoveCmsSignedDataCertificates(data)},
+          {GetCmsSignedDataEncodedCrl(data, 0, &kind, nullptr, &n), StatusAbsent},
+          {GetCmsSignedDataSignerInfo(data, 0, &signer), StatusBadArgument},
+          {AddCmsSignedDataSignerInfo(data, nullptr), StatusBadArgument}, {AddCmsSignedDataSignerInfo(data, &signer)},
+          {GetCmsSignerInfoVersion(signer, &version), StatusAbsent},
+          {EncodeCmsSignedData(data, nullptr, &n), StatusAbsent},
+          {GetCmsSignerInfoSignerIdentifier(signer, &name, nullptr, &n, nullptr, &m), StatusAbsent});
     EXPECT_EQ(Fetch(GetCmsSignerInfoSignature, signer), Fetch(GetCmsSignerInfoEncodedSignedAttributes, signer));
 }
 
@@ -83,42 +81,41 @@ TEST_F(CmsTest, ContentIsJoinedFromSegmentsOfIndefiniteLengthOnly) {
 TEST_F(CmsTest, DigestAlgorithmsAreASetAndSignersAreNot) {
     const auto get = GetCmsSignedDataDigestAlgorithmOidAndParameters;
     for (const uint32_t length : {0, 2, 0, 2}) {
-        EXPECT_EQ(AddCmsSignedDataDigestAlgorithmOidAndParameters(data, kA.data(), kNull.data(), length), 0u);
-        Check({{AddCmsSignedDataSignerInfo(data, &signer), 0}, {SetCmsSignerInfoVersion(signer, n++), 0}});
+        EXPECT_STATUS(StatusOk, AddCmsSignedDataDigestAlgorithmOidAndParameters(data, kA.data(), kNull.data(), length));
+        CHECK({AddCmsSignedDataSignerInfo(data, &signer)}, {SetCmsSignerInfoVersion(signer, n++)});
     }
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(data, 1, nullptr, &m, out, length); }), kNull);
-    // clang-format off
-    Check({{m, Size(kA)}, {GetCmsSignedDataDigestAlgorithmsCount(data, &n), 0}, {n, 2},
-           {get(data, 0x80000000, nullptr, &n, nullptr, &m), 32}, {get(data, 1, nullptr, &n, nullptr, nullptr), 32},
-           {ClearCmsSignedDataDigestAlgorithms(data), 0}, {GetCmsSignedDataDigestAlgorithmsCount(data, &n), 0}, {n, 0},
-           {DeleteCmsSignedDataSignerInfo(data, 4), 32}, {DeleteCmsSignedDataSignerInfo(data, 0x80000000), 32},
-           {DeleteCmsSignedDataSignerInfo(data, 0), 0}, {GetCmsSignedDataSignerInfo(data, 1, &signer), 0},
-           {GetCmsSignerInfoVersion(signer, &version), 0}, {uint32_t(version), 2},
-           {ClearCmsSignedDataSignerInfos(data), 0}, {GetCmsSignedDataSignerInfosCount(data, &n), 0},
-           {n, 0}, {DeleteCmsSignedDataSignerInfo(data, 0), 32}});
-    // clang-format on
+    CHECK({m, Size(kA)}, {GetCmsSignedDataDigestAlgorithmsCount(data, &n)}, {n, 2},
+          {get(data, 0x80000000, nullptr, &n, nullptr, &m), StatusBadArgument},
+          {get(data, 1, nullptr, &n, nullptr, nullptr), StatusBadArgument}, {ClearCmsSignedDataDigestAlgorithms(data)},
+          {GetCmsSignedDataDigestAlgorithmsCount(data, &n)}, {n, 0},
+          {DeleteCmsSignedDataSignerInfo(data, 4), StatusBadArgument},
+          {DeleteCmsSignedDataSignerInfo(data, 0x80000000), StatusBadArgument},
+          {DeleteCmsSignedDataSignerInfo(data, 0)}, {GetCmsSignedDataSignerInfo(data, 1, &signer)},
+          {GetCmsSignerInfoVersion(signer, &version)}, {uint32_t(version), 2}, {ClearCmsSignedDataSignerInfos(data)},
+          {GetCmsSignedDataSignerInfosCount(data, &n)}, {n, 0},
+          {DeleteCmsSignedDataSignerInfo(data, 0), StatusBadArgument});
 }
 
 TEST_F(CmsTest, CertificatesAreBytesUnderTheTagOfTheirKind) {
     const auto get = GetCmsSignedDataEncodedCertificate;
     const uint8_t octets[] = {0x30, 0xA0, 0xA1, 0xA2, 0xA3};
-    Check({{Add(0, kCertificate), 32}, {Add(6, kCertificate), 32}});
-    EXPECT_EQ(AddCmsSignedDataEncodedCertificate(data, 1, bytes, 0), 32u);
+    CHECK({Add(0, kCertificate), StatusBadArgument}, {Add(6, kCertificate), StatusBadArgument});
+    EXPECT_STATUS(StatusBadArgument, AddCmsSignedDataEncodedCertificate(data, 1, bytes, 0));
     EXPECT_EQ(Fetch(EncodeCmsSignedData, data), Hex("300C 0200 3100 30020600 A000 3100")) << "an empty set is left";
     for (uint32_t i = 0; i < 5; ++i) {
-        Check({{Add(i + 1, Hex("FF03020105")), 0}, {Add(i + 1, kCertificate), 0}});
+        CHECK({Add(i + 1, Hex("FF03020105"))}, {Add(i + 1, kCertificate)});
         const Bytes element = Fetch([&](auto out, auto length) { return get(data, i, &kind, out, length); });
         EXPECT_EQ(Bytes{kind} + element, Bytes{uint8_t(i + 1)} + Tlv(octets[i], Hex("020105")));
     }
-    // clang-format off
-    Check({{Add(1, Hex("30050201")), 0}, {GetCmsSignedDataCertificatesCount(data, &n), 0}, {n, 6},
-           {get(data, 0, &kind, nullptr, nullptr), 0}, {kind, 1}, {get(data, 1, &kind, bytes, nullptr), 32}, {kind, 2},
-           {get(data, 5, &kind, nullptr, &n), 302}, {kind, 2}, {get(data, 6, &kind, nullptr, &n), 32},
-           {RemoveCmsSignedDataCertificates(data), 0}, {get(data, 0, &kind, nullptr, &n), 311}});
-    // clang-format on
+    CHECK({Add(1, Hex("30050201"))}, {GetCmsSignedDataCertificatesCount(data, &n)}, {n, 6},
+          {get(data, 0, &kind, nullptr, nullptr)}, {kind, 1}, {get(data, 1, &kind, bytes, nullptr), StatusBadArgument},
+          {kind, 2}, {get(data, 5, &kind, nullptr, &n), StatusBadEncoding}, {kind, 2},
+          {get(data, 6, &kind, nullptr, &n), StatusBadArgument}, {RemoveCmsSignedDataCertificates(data)},
+          {get(data, 0, &kind, nullptr, &n), StatusAbsent});
     // A SET, a primitive [0], and a tag number of two octets with the value of 0x30.
     const auto other = DecodedData(SignedTlv(kNone, Hex("A007 3100 8000 1F3000 3100")));
-    for (uint32_t i = 0; i < 3; ++i) Check({{kind = 9, 9}, {get(other.get(), i, &kind, nullptr, &n), 0}, {kind, 0}});
+    for (uint32_t i = 0; i < 3; ++i) CHECK({get(other.get(), i, &(kind = 9), nullptr, &n)}, {kind, 0});
 }
 
 TEST_F(CmsTest, CrlsCanBeThereButNeitherReadNorMade) {
@@ -126,18 +123,18 @@ TEST_F(CmsTest, CrlsCanBeThereButNeitherReadNorMade) {
     const Bytes other = SignedTlv(kNone, Hex("A107 A105 060129 0500 3100")), plain = Hex("A1023000 3100");
     const auto decoded = DecodedData(other);
     EXPECT_EQ(Fetch(EncodeCmsSignedData, decoded.get()), other);
-    EXPECT_EQ(DecodeCmsSignedData(SignedTlv(kNone, plain).data(), Size(SignedTlv(kNone, plain)), &none), 302u);
-    // clang-format off
-    Check({{n = 7, 7}, {get(decoded.get(), 0, &kind, bytes, &n), 302}, {kind, 0}, {n, 7},
-           {get(decoded.get(), 1, &kind, bytes, &n), 32}, {AddCmsSignedDataEncodedCrl(data, 3, bytes, 8), 32},
-           {EncodeCmsSignedData(data, nullptr, &n), 0}, {n, 14},
-           // Bytes that could be taken for the index of an alternative, and fewer than any record has.
-           {AddCmsSignedDataEncodedCrl(data, 1, bytes, 8), 0}, {AddCmsSignedDataEncodedCrl(data, 2, bytes, 1), 0},
-           {GetCmsSignedDataCrlsCount(data, &n), 0}, {n, 2}, {get(data, 1, &kind, nullptr, &n), 302},
-           {EncodeCmsSignedData(data, nullptr, &n), 306}, {CreateCmsSignedDataCopy(data, &none), 306},
-           {RemoveCmsSignedDataCrls(data), 0}, {EncodeCmsSignedData(data, nullptr, &n), 0}, {n, 12},
-           {AddCmsSignedDataEncodedCrl(data, 2, bytes, 0), 0}});  // freed with its message
-    // clang-format on
+    EXPECT_STATUS(StatusBadEncoding,
+                  DecodeCmsSignedData(SignedTlv(kNone, plain).data(), Size(SignedTlv(kNone, plain)), &none));
+    CHECK({get(decoded.get(), 0, &kind, bytes, &(n = 7)), StatusBadEncoding}, {kind, 0}, {n, 7},
+          {get(decoded.get(), 1, &kind, bytes, &n), StatusBadArgument},
+          {AddCmsSignedDataEncodedCrl(data, 3, bytes, 8), StatusBadArgument}, {EncodeCmsSignedData(data, nullptr, &n)},
+          {n, 14},  // Bytes that could be taken for the index of an alternative, and fewer than any record has.
+          {AddCmsSignedDataEncodedCrl(data, 1, bytes, 8)}, {AddCmsSignedDataEncodedCrl(data, 2, bytes, 1)},
+          {GetCmsSignedDataCrlsCount(data, &n)}, {n, 2}, {get(data, 1, &kind, nullptr, &n), StatusBadEncoding},
+          {EncodeCmsSignedData(data, nullptr, &n), StatusBadAlternative},
+          {CreateCmsSignedDataCopy(data, &none), StatusBadAlternative}, {RemoveCmsSignedDataCrls(data)},
+          {EncodeCmsSignedData(data, nullptr, &n)}, {n, 12},
+          {AddCmsSignedDataEncodedCrl(data, 2, bytes, 0)});  // freed with its message
 }
 
 TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
@@ -148,10 +145,9 @@ TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
     const auto setIssuer = SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber;
     const auto digest = GetCmsSignerInfoDigestAlgorithmOidAndParameters;
     const auto signature = GetCmsSignerInfoSignatureAlgorithmOidAndParameters;
-    // clang-format off
-    Check({{GetCmsSignedDataSignerInfo(c, 0, &signer), 0}, {GetCmsSignerInfoVersion(signer, &version), 0},
-           {uint32_t(version), 3}, {GetCmsSignedDataVersion(c, &version), 0}, {uint32_t(version), 1},
-           {GetCmsSignedDataContentInfo(c, &info), 0}, {digest(signer, nullptr, nullptr, nullptr, &n), 32}});
+    CHECK({GetCmsSignedDataSignerInfo(c, 0, &signer)}, {GetCmsSignerInfoVersion(signer, &version)},
+          {uint32_t(version), 3}, {GetCmsSignedDataVersion(c, &version)}, {uint32_t(version), 1},
+          {GetCmsSignedDataContentInfo(c, &info)}, {digest(signer, nullptr, nullptr, nullptr, &n), StatusBadArgument});
     EXPECT_EQ(Fetch(GetCmsContentInfoTypeOid, info) + Fetch(GetCmsContentInfoContent, info), kData + kAbc) << "lent";
     EXPECT_EQ(Fetch(GetCmsSignerInfoEncodedSignedAttributes, signer), Tlv(0x31, kAttributes));
     EXPECT_EQ(Fetch(GetCmsSignerInfoSignature, signer), kAbc);
@@ -160,23 +156,24 @@ TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(signer, &name, out, length, nullptr, &(m = 9)); }), kAbc);
     EXPECT_EQ(Fetch(EncodeX509Name, name), kName);
     const auto issuer = Make<FreeX509Name>(CopyX509Name, name);
-    Check({{m, 0}, {setIssuer(signer, name, bytes, 1), 0}});
+    CHECK({m, 0}, {setIssuer(signer, name, bytes, 1)});
     EXPECT_EQ(Fetch(EncodeCmsSignedData, c), SignedBy(Tlv(0x30, kName + Hex("020100")))) << "its own name";
-    EXPECT_EQ(SetCmsSignerInfoSignerSubjectKeyIdentifier(signer, kAbc.data(), 3), 0u);
+    EXPECT_STATUS(StatusOk, SetCmsSignerInfoSignerSubjectKeyIdentifier(signer, kAbc.data(), 3));
     EXPECT_EQ(Fetch(EncodeCmsSignedData, c), SignedBy(Tlv(0x80, kAbc)));
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(signer, &name, nullptr, &(n = 9), out, length); }), kAbc);
-    Check({{n, 0}, {name == nullptr, 1}, {get(signer, nullptr, nullptr, nullptr, nullptr, &m), 0},
-           {get(signer, &name, nullptr, &n, nullptr, nullptr), 32},
-           {setIssuer(signer, issuer.get(), kAbc.data(), 3), 0}, {get(signer, nullptr, nullptr, &n, nullptr, &m), 32},
-           {get(signer, &name, nullptr, nullptr, nullptr, &m), 32}});
+    CHECK({n, 0}, {name == nullptr, 1}, {get(signer, nullptr, nullptr, nullptr, nullptr, &m)},
+          {get(signer, &name, nullptr, &n, nullptr, nullptr), StatusBadArgument},
+          {setIssuer(signer, issuer.get(), kAbc.data(), 3)},
+          {get(signer, nullptr, nullptr, &n, nullptr, &m), StatusBadArgument},
+          {get(signer, &name, nullptr, nullptr, nullptr, &m), StatusBadArgument});
     EXPECT_EQ(Fetch(EncodeCmsSignedData, c), whole);
     void** const parts = static_cast<void**>(reinterpret_cast<Asn1Choice**>(signer)[1]->value);
     void* const serial = std::exchange(parts[1], nullptr);
-    Check({{get(signer, &name, nullptr, &n, nullptr, &(m = 9)), 311}, {m, 0}, {(parts[1] = serial) == nullptr, 0}});
-    Check({{GetCmsSignerInfoUnsignedAttributes(signer, &attributes), 0}, {ClearRsaAttributes(attributes), 0},
-           {AddRsaAttributesAttribute(attributes, kA.data(), &n), 0}, {EncodeCmsSignedData(c, nullptr, &n), 0},
-           {n, Size(whole) + 10}});
-    // clang-format on
+    CHECK({get(signer, &name, nullptr, &n, nullptr, &(m = 9)), StatusAbsent}, {m, 0},
+          {(parts[1] = serial) == nullptr, 0});
+    CHECK({GetCmsSignerInfoUnsignedAttributes(signer, &attributes)}, {ClearRsaAttributes(attributes)},
+          {AddRsaAttributesAttribute(attributes, kA.data(), &n)}, {EncodeCmsSignedData(c, nullptr, &n)},
+          {n, Size(whole) + 10});
 }
 
 }  // namespace

@@ -45,11 +45,11 @@ TEST(SigningSteps, SignerAndBytesToSignHaveTheSameAttributes) {
     EXPECT_EQ(Fetch(GetCmsSignedDataToBeSignedPart, &kAbc[0], 3, kNone), Tlv(49, kDigested + kTyped));
     EXPECT_EQ(Fetch(give, &kTime, extra.get()), all);
     // Neither a failure nor a second call takes away what is there; the further attributes may be the signer's own.
-    EXPECT_EQ(GetCmsSignerInfoSignedAttributes(signer.get(), &own), 0u);
-    Check({{fill(&kUnset, own), 311}, {fill(kNone, own), 0}});
+    EXPECT_STATUS(StatusOk, GetCmsSignerInfoSignedAttributes(signer.get(), &own));
+    CHECK({fill(&kUnset, own), StatusAbsent}, {fill(kNone, own)});
     EXPECT_EQ(Fetch(EncodeRsaAttributes, own), Tlv(49, two + two + kTyped + kTyped + kTyped + kTyped));
-    Check({{RemoveRsaAttributes(own), 0}, {fill(&kTime, extra.get()), 0}, {RemoveRsaAttributes(extra.get()), 0}});
-    Check({{SetRsaAttributesSorted(own, 0), 0}, {fill(kNone, extra.get()), 311}});
+    CHECK({RemoveRsaAttributes(own)}, {fill(&kTime, extra.get())}, {RemoveRsaAttributes(extra.get())});
+    CHECK({SetRsaAttributesSorted(own, 0)}, {fill(kNone, extra.get()), StatusAbsent});
     EXPECT_EQ(Fetch(EncodeRsaAttributes, own), Tlv(49, kTyped + kDigested + kStated + kOther + kTyped + kDigested));
 }
 
@@ -69,12 +69,14 @@ TEST(SigningSteps, SignersAreComparedWithCertificates) {
     const auto key = [&](uint32_t size) {
         return compare(SetCmsSignerInfoSignerSubjectKeyIdentifier(signer.get(), &ones[0], size));
     };
-    Check({{compare(0), 311}, {serial(bob, 64), 307}, {key(32), 322}, {key(33), 338}});
-    Check({{SetCertificateSerialNumber(owner.get(), &ones[0], 64), 0}, {serial(bob, 64), 311}});
-    Check({{SetCertificateIssuer(owner.get(), bob.get()), 0}, {GetCertificateExtensions(owner.get(), &handle), 0}});
-    Check({{AddX509ExtensionsExtension(handle, &oid[0], 0, &keyId[0], Size(keyId)), 0}, {serial(bob, 64), 0}});
-    Check({{serial(eve, 64), 320}, {serial(bob, 63), 320}, {serial(bob, 65), 338}});
-    Check({{key(32), 0}, {key(31), 320}, {key(0), 320}});
+    CHECK({compare(0), StatusAbsent}, {serial(bob, 64), StatusBadValue}, {key(32), StatusNotFound},
+          {key(33), StatusWorkBufferTooSmall});
+    CHECK({SetCertificateSerialNumber(owner.get(), &ones[0], 64)}, {serial(bob, 64), StatusAbsent});
+    CHECK({SetCertificateIssuer(owner.get(), bob.get())}, {GetCertificateExtensions(owner.get(), &handle)});
+    CHECK({AddX509ExtensionsExtension(handle, &oid[0], 0, &keyId[0], Size(keyId))}, {serial(bob, 64)});
+    CHECK({serial(eve, 64), StatusNotEqual}, {serial(bob, 63), StatusNotEqual},
+          {serial(bob, 65), StatusWorkBufferTooSmall});
+    CHECK({key(32)}, {key(31), StatusNotEqual}, {key(0), StatusNotEqual});
 }
 
 // Signers that end in lists of indefinite length without an end: each is four bytes longer as DER.
@@ -87,10 +89,13 @@ Bytes Loose(uint32_t count, bool der) {
 TEST(Removal, GivesTheRestOrTheContent) {
     // clang-format off
     const std::tuple<uint32_t, Bytes, Status, Bytes> rows[] = {
-        {0, kBoth, 32, {}}, {3, kBoth, 32, {}}, {1, kBoth, 0, Of(kFirst)}, {2, kBoth, 0, Of(kSecond)},
-        {2, Of(kFirst), 32, {}}, {1, Of(kFirst), 0, kAbc}, {1, Of({}), 0, kAbc}, {1, Of(kFirst, {}), 322, {}},
-        {1, Of(kFirst, Tlv(0xA0, Tlv(4, {}))), 322, {}}, {1, Of(kSecond + kFirst, {}), 0, Of(kFirst, {})},
-        {1, Of(kBare + Loose(7, false)), 0, Of(Loose(7, true))}, {1, Of(kBare + Loose(8, false)), 49, {}}};
+        {0, kBoth, StatusBadArgument, {}}, {3, kBoth, StatusBadArgument, {}}, {1, kBoth, StatusOk, Of(kFirst)},
+        {2, kBoth, StatusOk, Of(kSecond)}, {2, Of(kFirst), StatusBadArgument, {}}, {1, Of(kFirst), StatusOk, kAbc},
+        {1, Of({}), StatusOk, kAbc}, {1, Of(kFirst, {}), StatusNotFound, {}},
+        {1, Of(kFirst, Tlv(0xA0, Tlv(4, {}))), StatusNotFound, {}},
+        {1, Of(kSecond + kFirst, {}), StatusOk, Of(kFirst, {})},
+        {1, Of(kBare + Loose(7, false)), StatusOk, Of(Loose(7, true))},
+        {1, Of(kBare + Loose(8, false)), StatusBufferTooSmall, {}}};
     // clang-format on
     for (const auto& [number, data, status, result] : rows) {
         uint32_t n = 7777;
@@ -112,21 +117,23 @@ TEST(Files, AreReadFirstAndWrittenLast) {
         return Bytes(std::istreambuf_iterator<char>(stream), {});
     };
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&kBoth[0]), Size(kBoth));
-    Check({{query(0, none), 12}, {query(0, path), 32}, {query(1, empty), 32}});
-    Check({{remove(path, none), 12}, {query(2, path), 0}, {CompareTime(&time, &kTime), 0}});
+    CHECK({query(0, none), StatusFileOpenFailed}, {query(0, path), StatusBadArgument},
+          {query(1, empty), StatusBadArgument}, {remove(path, none), StatusFileOpenFailed}, {query(2, path)},
+          {CompareTime(&time, &kTime), 0});
 #ifndef _WIN32
     int ends[2] = {};
     EXPECT_EQ(pipe(ends), 0);
     const std::string full = "/dev/full", pipes = "/proc/self/fd/" + std::to_string(ends[0]);
-    Check({{query(1, pipes), 3}, {remove(path, full), 47}, {close(ends[0]), 0}, {close(ends[1]), 0}});
+    CHECK({query(1, pipes), StatusFileSeekFailed}, {remove(path, full), StatusFileWriteShort}, {close(ends[0]), 0},
+          {close(ends[1]), 0});
 #endif
     EXPECT_EQ(content(), kBoth);
-    EXPECT_EQ(remove(path, path), 0u);
+    EXPECT_STATUS(StatusOk, remove(path, path));
     EXPECT_EQ(content(), Of(kFirst));
-    EXPECT_EQ(remove(path, path), 0u);
+    EXPECT_STATUS(StatusOk, remove(path, path));
     EXPECT_EQ(content(), kAbc);
     std::filesystem::resize_file(path, 300000001);
-    Check({{query(1, path), 32}, {remove(path, path), 32}});
+    CHECK({query(1, path), StatusBadArgument}, {remove(path, path), StatusBadArgument});
     EXPECT_TRUE(std::filesystem::remove(path));
 }
 
@@ -140,27 +147,34 @@ TEST(SigningTime, FollowsTheText) {
     const Bytes bad = Attribute(kPkcs9 + "5", Tlv(23, kOne)), notFound = Hex("CFEEE4EFE8F1E0EDF220EDE520EDE0E9E4E5ED");
     // clang-format off
     const std::tuple<uint32_t, Bytes, Status, Bytes> rows[] = {
-        {0, kBoth, 32, unread}, {1, Of(kFirst, {}, "1"), 314, unread}, {1, kEmpty, 302, unread}, {1, Of({}), 322, unread},
-        {3, kBoth, 322, unread}, {2, kBoth, 0, text}, {1, kBoth, 322, Text("11, Bob")}, {1, With(kOther), 322, text},
-        {1, With(kOther + kStated + bad), 0, text}, {1, With(bad + kStated), 307, text},
-        {1, With(Attribute(kPkcs9 + "5", kNull + kNull)), 323, text}, {1, With(Attribute("1.2", {}) + kStated), 323, text},
-        {1, With(twice + kStated), 323, text}, {1, With(kStated + twice), 0, text}, {1, WithValue(8192), 0, text},
-        {1, WithValue(8193), 323, text}, {1, WithOid(99), 0, text}, {1, WithOid(100), 323, text},
-        {1, WithSid(ByKey(0)), 323, unread}, {1, WithSid(ByKey(4)), 0, notFound}, {1, WithSid(ByKey(5)), 49, unread},
-        {1, WithSid(BySerial(Bytes(1024, 1))), 0, Text("Bob")}, {1, WithSid(BySerial(Bytes(1025, 1))), 49, unread},
-        {1, WithSid(ByOnes(1020)), 0, Bytes(1020, '1') + Text(", ")}, {1, WithSid(ByOnes(1021)), 49, unread},
-        {1, WithSid(ByOnes(1024)), 49, unread}};
+        {0, kBoth, StatusBadArgument, unread}, {1, Of(kFirst, {}, "1"), StatusWrongContentType, unread},
+        {1, kEmpty, StatusBadEncoding, unread}, {1, Of({}), StatusNotFound, unread},
+        {3, kBoth, StatusNotFound, unread}, {2, kBoth, StatusOk, text}, {1, kBoth, StatusNotFound, Text("11, Bob")},
+        {1, With(kOther), StatusNotFound, text}, {1, With(kOther + kStated + bad), StatusOk, text},
+        {1, With(bad + kStated), StatusBadValue, text},
+        {1, With(Attribute(kPkcs9 + "5", kNull + kNull)), StatusBadSignerData, text},
+        {1, With(Attribute("1.2", {}) + kStated), StatusBadSignerData, text},
+        {1, With(twice + kStated), StatusBadSignerData, text}, {1, With(kStated + twice), StatusOk, text},
+        {1, WithValue(8192), StatusOk, text}, {1, WithValue(8193), StatusBadSignerData, text},
+        {1, WithOid(99), StatusOk, text}, {1, WithOid(100), StatusBadSignerData, text},
+        {1, WithSid(ByKey(0)), StatusBadSignerData, unread}, {1, WithSid(ByKey(4)), StatusOk, notFound},
+        {1, WithSid(ByKey(5)), StatusBufferTooSmall, unread},
+        {1, WithSid(BySerial(Bytes(1024, 1))), StatusOk, Text("Bob")},
+        {1, WithSid(BySerial(Bytes(1025, 1))), StatusBufferTooSmall, unread},
+        {1, WithSid(ByOnes(1020)), StatusOk, Bytes(1020, '1') + Text(", ")},
+        {1, WithSid(ByOnes(1021)), StatusBufferTooSmall, unread},
+        {1, WithSid(ByOnes(1024)), StatusBufferTooSmall, unread}};
     // clang-format on
     for (const auto& [number, data, status, expected] : rows) {
         LibraryTime time = kUnset;
         Bytes given(2000, '?');
         uint32_t n = 2000;
-        Check({{GetBufferCmsSignatureTimeAndCN(number, &data[0], Size(data), &time, &given[0], &n), status}});
+        CHECK({GetBufferCmsSignatureTimeAndCN(number, &data[0], Size(data), &time, &given[0], &n), status});
         given.resize(n == 2000 ? 1 : n);
         EXPECT_EQ(ToHex(given), ToHex(expected)) << ToHex(data);
         EXPECT_EQ(CompareTime(&time, status == 0 ? &kTime : &kUnset), 0) << ToHex(data);
     }
-    EXPECT_EQ(GetBufferCmsSignatureTime(1, &kBoth[0], Size(kBoth), nullptr), 0u);
+    EXPECT_STATUS(StatusOk, GetBufferCmsSignatureTime(1, &kBoth[0], Size(kBoth), nullptr));
 }
 
 }  // namespace

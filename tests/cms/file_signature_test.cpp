@@ -52,19 +52,25 @@ TEST(FileSignature, RefusesWhatItCannotUse) {
     static const Bytes plainCrl = Tlv(0x30, start + Hex("A10230003100"));
     // clang-format off
     const std::pair<void (*)(Arguments&), Status> rows[] = {
-        {[](auto& a) { a.digestOid = nullptr; }, 32}, {[](auto& a) { a.signatureOid = nullptr; }, 32},
-        {[](auto& a) { a.signature = nullptr; }, 32}, {[](auto& a) { a.signer = nullptr; }, 32},
-        {[](auto& a) { a.certificate = nullptr; }, 32}, {[](auto& a) { a.certificates = nullptr; }, 32},
-        {[](auto& a) { a.certificateLength = 0; }, 32}, {[](auto& a) { a.certificates = nullptr, a.count = 0; }, 0},
-        {[](auto& a) { a.attributes = 2; }, 32}, {[](auto& a) { a.attributes = 2, a.digest = kAbc.data(); }, 32},
-        {[](auto& a) { a.signer = kNoCertificate.data(); }, 302}, {[](auto& a) { a.existing = Hex("3003"); }, 302},
-        {[](auto& a) { a.existing = Tlv(0x30, kData); }, 314},
-        {[](auto& a) { a.existing = Message(kData, kNull); }, 314},
-        {[](auto& a) { a.existing = Message(kData, bare); }, 314},
-        {[](auto& a) { a.existing = Message(kSignedData, bare); }, 0},
-        {[](auto& a) { a.existing = Tlv(0x30, kSignedData); }, 302},
-        {[](auto& a) { a.existing = Message(kSignedData, kNull); }, 302},
-        {[](auto& a) { a.existing = Message(kSignedData, plainCrl); }, 302}};
+        {[](auto& a) { a.digestOid = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.signatureOid = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.signature = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.signer = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.certificate = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.certificates = nullptr; }, StatusBadArgument},
+        {[](auto& a) { a.certificateLength = 0; }, StatusBadArgument},
+        {[](auto& a) { a.certificates = nullptr, a.count = 0; }, StatusOk},
+        {[](auto& a) { a.attributes = 2; }, StatusBadArgument},
+        {[](auto& a) { a.attributes = 2, a.digest = kAbc.data(); }, StatusBadArgument},
+        {[](auto& a) { a.signer = kNoCertificate.data(); }, StatusBadEncoding},
+        {[](auto& a) { a.existing = Hex("3003"); }, StatusBadEncoding},
+        {[](auto& a) { a.existing = Tlv(0x30, kData); }, StatusWrongContentType},
+        {[](auto& a) { a.existing = Message(kData, kNull); }, StatusWrongContentType},
+        {[](auto& a) { a.existing = Message(kData, bare); }, StatusWrongContentType},
+        {[](auto& a) { a.existing = Message(kSignedData, bare); }, StatusOk},
+        {[](auto& a) { a.existing = Tlv(0x30, kSignedData); }, StatusBadEncoding},
+        {[](auto& a) { a.existing = Message(kSignedData, kNull); }, StatusBadEncoding},
+        {[](auto& a) { a.existing = Message(kSignedData, plainCrl); }, StatusBadEncoding}};
     // clang-format on
     for (const auto& row : rows) {
         Arguments arguments;
@@ -82,8 +88,10 @@ TEST(FileSignature, SecondSignerSharesTheDocument) {
     // clang-format off
     // Content of the first signer and of the second, length of the latter, status, length of the result's.
     const std::tuple<const uint8_t*, const uint8_t*, uint32_t, Status, uint32_t> rows[] = {
-        {abc, abc, 3, 0, 3}, {abc, none, 3, 0, 0}, {none, abc, 3, 0, 3}, {none, none, 3, 0, 0}, {none, xyz, 0, 0, 0},
-        {abc, xyz, 3, 320, 0}, {abc, abc, 0, 320, 0}, {abc, abc, 2, 320, 0}};
+        {abc, abc, 3, StatusOk, 3}, {abc, none, 3, StatusOk, 0}, {none, abc, 3, StatusOk, 3},
+        {none, none, 3, StatusOk, 0}, {none, xyz, 0, StatusOk, 0}, {abc, xyz, 3, StatusNotEqual, 0},
+        {abc, abc, 0, StatusNotEqual, 0}, {abc, abc, 2, StatusNotEqual, 0}};
+    // clang-format on
     for (const auto& [before, now, length, status, left] : rows) {
         Arguments a;
         a.content = before;
@@ -94,15 +102,13 @@ TEST(FileSignature, SecondSignerSharesTheDocument) {
         const auto info = Decoded<FreeCmsContentInfo>(DecodeCmsContentInfo, Fetch(a));
         const auto data = Decoded<FreeCmsSignedData>(DecodeCmsSignedData, Fetch(GetCmsContentInfoContent, info.get()));
         CmsSignedData* const d = data.get();
-        Check({{GetCmsSignedDataSignerInfosCount(d, &n), 0}, {n, 2}, {GetCmsSignedDataContent(d, nullptr, &n), 0},
-               {n, left}, {GetCmsSignedDataCertificatesCount(d, &n), 0}, {n, 1},
-               {GetCmsSignedDataDigestAlgorithmsCount(d, &n), 0}, {n, 1}, {GetCmsSignedDataSignerInfo(d, 0, &first), 0},
-               {GetCmsSignedDataSignerInfo(d, 1, &second), 0},
-               {GetCmsSignerInfoEncodedSignedAttributes(first, nullptr, &n), 0}, {n, 0}});
+        CHECK({GetCmsSignedDataSignerInfosCount(d, &n)}, {n, 2}, {GetCmsSignedDataContent(d, nullptr, &n)}, {n, left},
+              {GetCmsSignedDataCertificatesCount(d, &n)}, {n, 1}, {GetCmsSignedDataDigestAlgorithmsCount(d, &n)},
+              {n, 1}, {GetCmsSignedDataSignerInfo(d, 0, &first)}, {GetCmsSignedDataSignerInfo(d, 1, &second)},
+              {GetCmsSignerInfoEncodedSignedAttributes(first, nullptr, &n)}, {n, 0});
         EXPECT_EQ(Fetch(GetCmsSignerInfoEncodedSignedAttributes, second),
                   Fetch(GetCmsSignedDataToBeSignedPart, abc, 3u, &time));
     }
-    // clang-format on
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace support {
 template <class Function, class... Arguments>
 std::string InFull(Function encode, Arguments... arguments) {
     uint32_t length = 0;
-    EXPECT_EQ(encode(arguments..., nullptr, &length), StatusOk);
+    EXPECT_STATUS(StatusOk, encode(arguments..., nullptr, &length));
     Bytes out(length);
     length = 0;
     EXPECT_EQ(encode(arguments..., out.data(), &length) + encode(arguments..., out.data(), nullptr), StatusBadArgument);

@@ -25,8 +25,8 @@ Bytes TextOf(Function get, const T& object) {
     const Status status = get(object.get(), nullptr, &needed);
     if (status != 0) return Text(std::to_string(needed == 7777 ? status : 0));
     Bytes text(needed, 0xA5);
-    Check({{get(object.get(), text.data(), &(n = needed - 1)), 49}, {n, needed}, {text[0], 0xA5}});
-    Check({{get(object.get(), text.data(), &n), 0}, {n, needed - 1}, {text[n], 0}});
+    CHECK({get(object.get(), text.data(), &(n = needed - 1)), StatusBufferTooSmall}, {n, needed}, {text[0], 0xA5});
+    CHECK({get(object.get(), text.data(), &n)}, {n, needed - 1}, {text[n], 0});
     return Bytes(text.begin(), text.end() - 1);
 }
 
@@ -48,7 +48,7 @@ TEST(Summary, CertificatesGiveSerialNumberAndCommonNames) {
     for (const auto& [serial, rdns, expected] : rows) {
         const auto owner = Make<FreeCertificate>(CreateCertificate);
         const Status set = SetCertificateSerialNumber(owner.get(), serial.data(), Size(serial));
-        Check({{set, serial.empty() ? 32 : 0}, {SetCertificateSubject(owner.get(), NameOf(rdns).get()), 0}});
+        CHECK({set, serial.empty() ? 32 : 0}, {SetCertificateSubject(owner.get(), NameOf(rdns).get())});
         EXPECT_EQ(ToHex(TextOf(GetCertificateCN, owner)), ToHex(expected)) << ToHex(serial + rdns);
     }
 }
@@ -61,11 +61,11 @@ TEST(Summary, CrlsGiveVersionLocalTimesAndIssuer) {
     const Bytes gmt = Text(" GMT, ") + Hex("EFEE20") + Text("07.06.2051 13:39:10 GMT");
     const Bytes issuer = Text(", ") + Hex("CFEEF1F2E0E2F9E8EA3A20") + Text("Bob");
     EXPECT_EQ(TextOf(GetCrlCN, crl), Text("311"));
-    Check({{SetX509CrlVersion(crl.get(), 1), 0}, {SetX509CrlIssuer(crl.get(), NameOf(kBob).get()), 0}});
+    CHECK({SetX509CrlVersion(crl.get(), 1)}, {SetX509CrlIssuer(crl.get(), NameOf(kBob).get())});
     EXPECT_EQ(TextOf(GetCrlCN, crl), Text("302"));
-    EXPECT_EQ(SetX509CrlThisUpdate(crl.get(), &from), 0u);
+    EXPECT_STATUS(StatusOk, SetX509CrlThisUpdate(crl.get(), &from));
     EXPECT_EQ(ToHex(TextOf(GetCrlCN, crl)), ToHex(head + issuer));
-    EXPECT_EQ(SetX509CrlNextUpdate(crl.get(), &until), 0u);
+    EXPECT_STATUS(StatusOk, SetX509CrlNextUpdate(crl.get(), &until));
     EXPECT_EQ(ToHex(TextOf(GetCrlCN, crl)), ToHex(head + gmt + issuer));
     SetZone(nullptr);
 }
@@ -78,16 +78,19 @@ TEST(Summary, PrivateIdentifierHasTwoLimitsAndTheVersionNoSizeQuery) {
         const auto owner = Make<FreeCertificate>(CreateCertificate);
         const Bytes value = Tlv(12, utf8);
         X509Extensions handle = nullptr;
-        Check({{GetZelcryptIdentifierFromCertificate(owner.get(), to, &n), 322}});
-        Check({{GetCertificateExtensions(owner.get(), &handle), 0}});
-        Check({{AddX509ExtensionsExtension(handle, &oid[0], 0, &value[0], Size(value)), 0}});
+        CHECK({GetZelcryptIdentifierFromCertificate(owner.get(), to, &n), StatusNotFound});
+        CHECK({GetCertificateExtensions(owner.get(), &handle)});
+        CHECK({AddX509ExtensionsExtension(handle, &oid[0], 0, &value[0], Size(value))});
         return GetZelcryptIdentifierFromCertificate(owner.get(), to, &(n = offered));
     };
-    Check({{get(latin, 0, nullptr), 0}, {n, 3}, {get(latin, 2, &text[0]), 49}, {n, 3}, {text[0], 0xA5}});
-    Check({{get(latin, 3, &text[0]), 49}, {n, 4}, {text[3], 0xA5}, {get(latin, 4, &text[0]), 0}, {n, 3}, {text[3], 0}});
-    Check({{get(russian, 3, &text[0]), 49}, {n, 4}, {get(russian, 4, &text[0]), 0}, {n, 3}, {text[0], 0xDF}});
-    Check({{GetVersionInfo(nullptr, &n), 32}, {GetVersionInfo(&text[0], &(n = 51)), 49}, {n, 52}, {text[0], 0xDF}});
-    Check({{GetVersionInfo(&text[0], &n), 0}, {n, 51}});
+    CHECK({get(latin, 0, nullptr)}, {n, 3}, {get(latin, 2, &text[0]), StatusBufferTooSmall}, {n, 3}, {text[0], 0xA5});
+    CHECK({get(latin, 3, &text[0]), StatusBufferTooSmall}, {n, 4}, {text[3], 0xA5}, {get(latin, 4, &text[0])}, {n, 3},
+          {text[3], 0});
+    CHECK({get(russian, 3, &text[0]), StatusBufferTooSmall}, {n, 4}, {get(russian, 4, &text[0])}, {n, 3},
+          {text[0], 0xDF});
+    CHECK({GetVersionInfo(nullptr, &n), StatusBadArgument}, {GetVersionInfo(&text[0], &(n = 51)), StatusBufferTooSmall},
+          {n, 52}, {text[0], 0xDF});
+    CHECK({GetVersionInfo(&text[0], &n)}, {n, 51});
     EXPECT_EQ(text, Text("TLVFORGE v1.0 (64bit) 05/02/2019 (R.3729) Kestrelon") + Bytes(1));
 }
 

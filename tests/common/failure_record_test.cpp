@@ -48,8 +48,9 @@ TEST(FailureRecord, NamesTellABadIndexFromALostMember) {
     const auto texts = Make<FreePKIFreeText>(CreatePKIFreeText);
     const auto strings = Make<FreeOctetStrings>(CreateOctetStrings);
     const Bytes text = Text("a");
-    Expect(0, {AddX509GeneralName(names.get(), 1, text.data(), 1), AddPKIFreeTextString(texts.get(), text.data(), 1),
-               AddOctetStringsValue(strings.get(), text.data(), 1)});
+    EXPECT_STATUS(StatusOk, AddX509GeneralName(names.get(), 1, text.data(), 1),
+                  AddPKIFreeTextString(texts.get(), text.data(), 1),
+                  AddOctetStringsValue(strings.get(), text.data(), 1));
     const Hole ofName(name.get()), ofNames(names.get()), ofTexts(texts.get()), ofStrings(strings.get());
     uint32_t count = 0, length = 0, oidLength = 0;
     uint8_t tag = 0;
@@ -95,8 +96,8 @@ TEST(FailureRecord, OcspTellsAMissingListFromABadIndex) {
         const auto ofOne = [](auto adder, auto* to) {
             return adder(to, Make<FreeCertificate>(CreateCertificate).release());
         };
-        Expect(0, {ofOne(AddOcspRequestCertificate, request.get()),
-                   ofOne(AddOcspBasicResponseCertificate, response.get())});
+        EXPECT_STATUS(StatusOk, ofOne(AddOcspRequestCertificate, request.get()),
+                      ofOne(AddOcspBasicResponseCertificate, response.get()));
     };
     ExpectPlaces({
         {"OcspRequest.cpp",
@@ -152,7 +153,7 @@ TEST(FailureRecord, MessagesTellTheirCausesApart) {
     const auto hash = [&](uint32_t i) {
         return GetESSCertIDInformation(hashes.get(), i, nullptr, &length, nullptr, nullptr, &serialLength);
     };
-    Expect(0, {AddESSCertIDToList(hashes.get(), member.data(), 1, nullptr, nullptr, 0)});
+    EXPECT_STATUS(StatusOk, AddESSCertIDToList(hashes.get(), member.data(), 1, nullptr, nullptr, 0));
     const Hole ofHashes(hashes.get());
     ExpectPlaces({
         {"CmsProperties.cpp",

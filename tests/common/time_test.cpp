@@ -57,10 +57,10 @@ TEST(LibraryTime, SetStoresUpToTheFirstFieldOutOfRange) {
 TEST(LibraryTime, NullTimeIsOnlyANewRecordAndCannotBeSet) {
     const auto time = Make<FreeLibraryTime>(CreateLibraryTime);
     Accuracy accuracy{0, 0, 1};
-    Check({{IsLibraryTimeNull(time.get()), 1}, {IsLibraryPreciseTimeNull(nullptr), 1}, {IsAccuracyNull(&accuracy), 0}});
+    CHECK({IsLibraryTimeNull(time.get()), 1}, {IsLibraryPreciseTimeNull(nullptr), 1}, {IsAccuracyNull(&accuracy), 0});
     time->second = 1;
-    Check({{SetLibraryTimeToNull(time.get()), 313}, {IsLibraryTimeNull(time.get()), 0}});
-    Check({{SetAccuracyToNull(&accuracy), 0}, {IsAccuracyNull(&accuracy), 1}});
+    CHECK({SetLibraryTimeToNull(time.get()), StatusBadTime}, {IsLibraryTimeNull(time.get()), 0});
+    CHECK({SetAccuracyToNull(&accuracy)}, {IsAccuracyNull(&accuracy), 1});
 }
 
 TEST(LibraryTime, GetClearsOutputsForANullRecordAndStoresNothingForANullOutput) {
@@ -68,10 +68,10 @@ TEST(LibraryTime, GetClearsOutputsForANullRecordAndStoresNothingForANullOutput) 
     EXPECT_EQ((Numbers{GetAccuracy(nullptr, &a, &b, nullptr), a, b}), (Numbers{32, 9, 9}));
     EXPECT_EQ((Numbers{GetAccuracy(nullptr, &a, &b, &c), a, b, c}), (Numbers{32, 0, 0, 0}));
     LibraryTime t{};
-    EXPECT_EQ(GetLibraryTime(&kNoon, &t.day, &t.month, &t.year, &t.hour, &t.minute, &t.second), StatusOk);
+    EXPECT_STATUS(StatusOk, GetLibraryTime(&kNoon, &t.day, &t.month, &t.year, &t.hour, &t.minute, &t.second));
     EXPECT_EQ(Written(t), "U240229123045Z");
     LibraryTime copy{};
-    Check({{CopyLibraryTime(&copy, &t), 0}, {CompareTime(&copy, &t), 0}});
+    CHECK({CopyLibraryTime(&copy, &t)}, {CompareTime(&copy, &t), 0});
 }
 
 TEST(LibraryTime, AddDaysRemembersFebruaryForBothRecords) {
@@ -88,9 +88,10 @@ TEST(LibraryTime, AddDaysRemembersFebruaryForBothRecords) {
     for (const auto& [february, year, month, day, days, toYear, toMonth, toDay, after] : rows) {
         LibraryTime yearChange{february == 29 ? 2023u : 2022u, 12, 31, 0, 0, 0}, probe{2023, 2, 28, 0, 0, 0};
         LibraryPreciseTime time{year, month, day, 4, 5, 6, 7, 8};
-        Check({{AddDaysToLibTime(&yearChange, 1), 0}, {AddDaysToLibPreciseTime(&time, days), month > 12 ? 313 : 0}});
+        CHECK({AddDaysToLibTime(&yearChange, 1)},
+              {AddDaysToLibPreciseTime(&time, days), month > 12 ? StatusBadTime : StatusOk});
         EXPECT_EQ(std::bit_cast<Fields>(time), (Fields{toYear, toMonth, toDay, 4, 5, 6, 7, 8}));
-        EXPECT_EQ(AddDaysToLibTime(&probe, 1), StatusOk);
+        EXPECT_STATUS(StatusOk, AddDaysToLibTime(&probe, 1));
         EXPECT_EQ(probe.day, after == 29 ? 29u : 1u) << year << '.' << month << " + " << days;
     }
 }
@@ -109,12 +110,12 @@ TEST(LibraryTime, LocalTimeFollowsTheZoneAndRefusesTimesBeforeTheEpoch) {
 #endif
         const Zone set(zone);
         LibraryTime t{};
-        EXPECT_EQ(Read(utc, &t), StatusOk);
+        EXPECT_STATUS(StatusOk, Read(utc, &t));
         LibraryPreciseTime p{t.year, t.month, t.day, t.hour, t.minute, t.second, 500, 7};
         const Status status = GetLibraryLocalPreciseTime(&p, &t.day, &t.month, &t.year, &t.hour, &t.minute, &t.second,
                                                          &p.millisecond, &p.microsecond);
         EXPECT_EQ(status == StatusBadArgument && IsLibraryTimeNull(&t) ? "refused" : Written(t), local) << zone;
-        EXPECT_EQ(p.millisecond + p.microsecond, 0u);
+        CHECK({p.millisecond, 0}, {p.microsecond, 0});
     }
 }
 
@@ -125,15 +126,16 @@ TEST(LibraryTime, CurrentTimeIsUtcInWholeSeconds) {
     ASSERT_EQ(GetCurrentLibPreciseTime(&t), StatusOk);
     const sys_days day{year{int(t.year)} / int(t.month) / int(t.day)};
     const auto late = system_clock::now() - (day + hours{t.hour} + minutes{t.minute} + seconds{t.second});
-    EXPECT_TRUE(late >= 0s && late < 60s && t.millisecond + t.microsecond == 0);
+    EXPECT_TRUE(late >= 0s && late < 60s);
+    CHECK({t.millisecond, 0}, {t.microsecond, 0});
 }
 
 TEST(LibraryTime, OrderGoesFromTheYearToTheSecond) {
     const LibraryTime a{2023, 12, 31, 23, 59, 59}, b{2024, 1, 31, 23, 59, 59}, c = kNoon;
-    EXPECT_EQ(CompareTime(nullptr, &a) + CompareTime(&a, &b) + CompareTime(&b, &c) + CompareTime(&c, &c), -3);
-    EXPECT_EQ(CompareTime(&c, &b) + CompareTime(&b, &a), 2);
-    EXPECT_EQ(TestTimeValidity(&a, &a, &b) | TestTimeValidity(&a, &c, &c), 0u);
-    EXPECT_EQ(TestTimeValidity(&b, &a, &c) & TestTimeValidity(&a, &c, &b), 1u);
+    CHECK({CompareTime(nullptr, &a), -1}, {CompareTime(&a, &b), -1}, {CompareTime(&b, &c), -1},
+          {CompareTime(&c, &c), 0}, {CompareTime(&c, &b), 1}, {CompareTime(&b, &a), 1},
+          {TestTimeValidity(&a, &a, &b), 0}, {TestTimeValidity(&a, &c, &c), 0}, {TestTimeValidity(&b, &a, &c), 1},
+          {TestTimeValidity(&a, &c, &b), 1});
 }
 
 TEST(TimeCodec, ReadsTheDigitsAloneAndWritesUtcTimeBelowTheYear2050) {
@@ -149,7 +151,7 @@ TEST(TimeCodec, ReadsTheDigitsAloneAndWritesUtcTimeBelowTheYear2050) {
         LibraryTime time{}, alone{};
         const Status status = Read(text, &time), statusAlone = Read(text, &alone, DecodeAsn1GeneralizedTime);
         EXPECT_EQ(status == StatusOk ? Written(time) : std::to_string(status), expected) << text;
-        EXPECT_EQ(statusAlone, text[0] == 'G' ? status : 302u) << text;
+        EXPECT_EQ(statusAlone, text[0] == 'G' ? status : StatusBadEncoding) << text;
         if (statusAlone != StatusOk) continue;
         EXPECT_EQ(Written(alone, EncodeAsn1GeneralizedTime), text.substr(0, 15) + "Z");
     }
@@ -159,8 +161,8 @@ TEST(TimeCodec, EncodersRefuseOnlyWhatHasNoText) {
     const LibraryTime nullTime{}, wideYear{10000, 1, 1, 0, 0, 0}, huge{~0u, ~0u, ~0u, ~0u, ~0u, ~0u};
     uint32_t n = 0;
     for (const LibraryTime* time : {&nullTime, &wideYear, &huge, static_cast<const LibraryTime*>(nullptr)}) {
-        EXPECT_EQ((Numbers{EncodeTime(time, nullptr, &n), EncodeAsn1GeneralizedTime(time, nullptr, &n)}),
-                  (Numbers{311, time != nullptr ? 1u : 32u}));
+        const Status refused = time != nullptr ? StatusOutOfMemory : StatusBadArgument;
+        CHECK({EncodeTime(time, nullptr, &n), StatusAbsent}, {EncodeAsn1GeneralizedTime(time, nullptr, &n), refused});
     }
     EXPECT_EQ(Written({2024, 13, 0, 0, 0, 0}), "U241300000000Z");
 }

@@ -1,5 +1,7 @@
 // Every allocation fails once, for messages, OCSP, time-stamps and the values in them; and files fail.
 
+#include <stdio.h>
+
 #include <fstream>
 
 #include "faults.h"
@@ -7,6 +9,14 @@
 
 using namespace faults;
 using namespace support;
+
+#ifndef _WIN32
+// In the place of the C library's: a file may be shorter by the time that it is read.
+static bool shrinking = false;
+extern "C" size_t fread(void* bytes, size_t size, size_t count, FILE* file) {
+    return fread_unlocked(bytes, size, shrinking ? count / 2 : count, file);
+}
+#endif
 
 namespace {
 
@@ -17,7 +27,6 @@ const Bytes kSigned = kAlgorithm + Hex("03020000"), kIssuer = kAlgorithm + NameT
 const Bytes kFields = Hex("020105") + kIssuer + Hex("3004 1700 1700 3000") + Tlv(0x30, kSigned);
 const Bytes kCertificate = Tlv(0x30, Tlv(0x30, kFields) + kSigned);
 
-// clang-format off
 // Enough for the table of a list to grow.
 Status TwelveTimes(auto call) {
     Status status = StatusOk;
@@ -38,9 +47,9 @@ Status Sign(RsaAttributes extra, const Bytes& existing, Bytes* out) {
     const uint32_t sizes[] = {Size(kCertificate), 2};
     uint32_t length = 2000;
     out->resize(length);
-    const Status status = CreateCmsFileSignature2(
-        kKey, 9, kKey, 20, &kTime, kOid, kNull, 2, certificates[0], sizes[0], certificates, sizes, 2, kOid, nullptr, 0,
-        1, extra, nullptr, kKey, 64, existing.data(), Size(existing), out->data(), &length);
+    const Status status = CreateCmsFileSignature2(kKey, 9, kKey, 20, &kTime, kOid, kNull, 2, certificates[0], sizes[0],
+                                                  certificates, sizes, 2, kOid, nullptr, 0, 1, extra, nullptr, kKey, 64,
+                                                  existing.data(), Size(existing), out->data(), &length);
     out->resize(length);
     return status;
 }
@@ -49,7 +58,7 @@ TEST(Faults, SignedMessages) {
     const auto extra = Decoded<FreeRsaAttributes>(DecodeRsaAttributes, Tlv(0x31, AttributeTlv("1.2", Hex("0500"))));
     const std::string path = testing::TempDir() + "tlvforge-faults" + std::to_string(getpid());
     Bytes one, two, out, room(2000);
-    ASSERT_EQ(Sign(extra.get(), {}, &one) + Sign(extra.get(), one, &two), StatusOk);
+    EXPECT_STATUS(StatusOk, Sign(extra.get(), {}, &one), Sign(extra.get(), one, &two));
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&two[0]), Size(two));
     const auto info = Decoded<FreeCmsContentInfo>(DecodeCmsContentInfo, two);
     const Bytes content = Fetch(GetCmsContentInfoContent, info.get());
@@ -62,25 +71,29 @@ TEST(Faults, SignedMessages) {
         return FirstFailure({TwelveTimes([&] { return AddCmsSignedDataEncodedCrl(d, CmsCrlKindOther, kKey, 9); }),
                              TwelveTimes([&] { return AddCmsSignedDataSignerInfo(d, &signer); })});
     };
-    FailEveryAllocation({
-        {"sign", [&] { return Sign(extra.get(), {}, &out); }},
-        {"add a signer", [&] { return Sign(extra.get(), one, &out); }},
-        {"delete a signer", [&] { return DeleteBufferCmsSignerInfo(1, &two[0], Size(two), &room[0], &(n = 2000)); }},
-        {"delete a signer in a file", [&] { return remove(NullDevice()); }},
-        {"text", [&] { return GetBufferCmsSignatureTimeAndCN(2, &two[0], Size(two), &time, &room[0], &(n = 2000)); }},
-        {"to be signed", [&] { return GetCmsSignedDataToBeSignedPart2(kKey, 20, &kTime, extra.get(), nullptr, &n); }},
-        {"build", [&] { return MakeFillAndFree<FreeCmsSignedData>(CreateCmsSignedData, fill); }},
-        {"decode", [&] { return MakeAndFree<FreeCmsSignedData>(DecodeCmsSignedData, &content[0], Size(content)); }},
-        {"copy", [&] { return MakeAndFree<FreeCmsSignedData>(CreateCmsSignedDataCopy, message.get()); }}});
-    // Files that fail by themselves: below a file, with too long a name, a folder, and one below the size it states.
-    for (const std::string& bad : {path + "/under", std::string(5000, 'x'), std::string("/")}) {
-        EXPECT_NE(DeleteCmsSignerInfo(1, bad.c_str(), path.c_str()), StatusOk);
-        EXPECT_EQ(remove(bad), StatusFileOpenFailed);
-    }
-    const char* const shorter = "/sys/kernel/fscaps";
-    const Status read = DeleteCmsSignerInfo(1, shorter, path.c_str());
-    EXPECT_EQ(read, std::ifstream(shorter) ? StatusFileReadShort : StatusFileOpenFailed);
-    Check({{GetCmsSignatureTime(2, path.c_str(), &time), StatusOk}, {unlink(path.c_str()), 0}});
+    FailEveryAllocation(
+        {{"sign", [&] { return Sign(extra.get(), {}, &out); }},
+         {"add a signer", [&] { return Sign(extra.get(), one, &out); }},
+         {"delete a signer", [&] { return DeleteBufferCmsSignerInfo(1, &two[0], Size(two), &room[0], &(n = 2000)); }},
+         {"delete a signer in a file", [&] { return remove(NullDevice()); }},
+         {"text", [&] { return GetBufferCmsSignatureTimeAndCN(2, &two[0], Size(two), &time, &room[0], &(n = 2000)); }},
+         {"to be signed", [&] { return GetCmsSignedDataToBeSignedPart2(kKey, 20, &kTime, extra.get(), nullptr, &n); }},
+         {"build", [&] { return MakeFillAndFree<FreeCmsSignedData>(CreateCmsSignedData, fill); }},
+         {"decode", [&] { return MakeAndFree<FreeCmsSignedData>(DecodeCmsSignedData, &content[0], Size(content)); }},
+         {"copy", [&] { return MakeAndFree<FreeCmsSignedData>(CreateCmsSignedDataCopy, message.get()); }}});
+    // Files that fail by themselves: below a file, with too long a name, a folder, and one that shrinks while it is
+    // read.
+    for (const std::string& bad : {path + "/under", std::string(5000, 'x'), std::string("/")})
+        EXPECT_STATUS(StatusFileOpenFailed, remove(bad));
+    const auto from = [&](const std::string& file) { return DeleteCmsSignerInfo(1, file.c_str(), path.c_str()); };
+    CHECK({from(path + "/under"), StatusFileOpenFailed}, {from(std::string(5000, 'x')), StatusFileOpenFailed},
+          {from("/"), StatusBadArgument});
+#ifndef _WIN32
+    shrinking = true;
+    EXPECT_STATUS(StatusFileReadShort, from(path));
+    shrinking = false;
+#endif
+    CHECK({GetCmsSignatureTime(2, path.c_str(), &time)}, {unlink(path.c_str()), 0});
 }
 
 Status FillEnveloped(CmsEnvelopedData* e) {
@@ -108,12 +121,13 @@ TEST(Faults, EnvelopedMessages) {
     const Bytes in = Fetch(EncodeCmsEnvelopedData, whole.get()), set = Tlv(0x30, Tlv(4, kBytes) + OidTlv("1.2"));
     const auto addCrl = [](CmsEnvelopedData* e) { return AddCmsEnvelopedDataEncodedCrl(e, 1, kKey, 9); };
     uint32_t n = 0;
-    FailEveryAllocation({
-        {"build", [] { return MakeFillAndFree<FreeCmsEnvelopedData>(CreateCmsEnvelopedData, FillEnveloped); }},
-        {"CRL", [&] { return MakeFillAndFree<FreeCmsEnvelopedData>(CreateCmsEnvelopedData, addCrl); }},
-        {"decode", [&] { return MakeAndFree<FreeCmsEnvelopedData>(DecodeCmsEnvelopedData, &in[0], Size(in)); }},
-        {"GOST", [] { return MakeFillAndFree<FreeGostR3410KeyTransport>(CreateGostR3410KeyTransport, FillTransport); }},
-        {"parameters", [&] { return EncodeGost2814789Parameters(kKey, 8, kOid, nullptr, &n); }}});
+    FailEveryAllocation(
+        {{"build", [] { return MakeFillAndFree<FreeCmsEnvelopedData>(CreateCmsEnvelopedData, FillEnveloped); }},
+         {"CRL", [&] { return MakeFillAndFree<FreeCmsEnvelopedData>(CreateCmsEnvelopedData, addCrl); }},
+         {"decode", [&] { return MakeAndFree<FreeCmsEnvelopedData>(DecodeCmsEnvelopedData, &in[0], Size(in)); }},
+         {"GOST",
+          [] { return MakeFillAndFree<FreeGostR3410KeyTransport>(CreateGostR3410KeyTransport, FillTransport); }},
+         {"parameters", [&] { return EncodeGost2814789Parameters(kKey, 8, kOid, nullptr, &n); }}});
     const auto read = [&] { return DecodeGost2814789Parameters(&set[0], Size(set), nullptr, &n, nullptr, &n); };
     FailEveryAllocation({{"read parameters", read}}, StatusBadEncoding);
 }
@@ -147,11 +161,11 @@ TEST(Faults, Ocsp) {
     const auto list = Make<FreeOcspBasicResponses>(CreateOcspBasicResponses);
     ASSERT_EQ(FillList(list.get()), StatusOk);
     const auto fill = [](OcspResponse* r) { return SetOcspResponseBytes(r, kOid, kKey, 64); };
-    FailEveryAllocation({
-        {"request", [] { return MakeFillAndFree<FreeOcspRequest>(CreateOcspRequest, FillRequest); }},
-        {"response", [&] { return MakeFillAndFree<FreeOcspResponse>(CreateOcspResponse, fill); }},
-        {"list", [] { return MakeFillAndFree<FreeOcspBasicResponses>(CreateOcspBasicResponses, FillList); }},
-        {"copy", [&] { return MakeAndFree<FreeOcspBasicResponses>(CreateOcspBasicResponsesCopy, list.get()); }}});
+    FailEveryAllocation(
+        {{"request", [] { return MakeFillAndFree<FreeOcspRequest>(CreateOcspRequest, FillRequest); }},
+         {"response", [&] { return MakeFillAndFree<FreeOcspResponse>(CreateOcspResponse, fill); }},
+         {"list", [] { return MakeFillAndFree<FreeOcspBasicResponses>(CreateOcspBasicResponses, FillList); }},
+         {"copy", [&] { return MakeAndFree<FreeOcspBasicResponses>(CreateOcspBasicResponsesCopy, list.get()); }}});
 }
 
 template <class Document>
@@ -174,15 +188,17 @@ TEST(Faults, TimeStamps) {
         const Status result = encode(arguments..., nullptr, &length);
         return result == StatusOk && length == 7777 ? ++silent, StatusOutOfMemory : result;
     };
-    FailEveryAllocation({
-        {"read a request", [] { return ReadStamp<timestamps::Request>(timestamps::kRequest); }},
-        {"read a response", [&] { return ReadStamp<timestamps::Response>(Tlv(0x30, status + kAlgorithm)); }},
-        {"read an info", [] { return ReadStamp<timestamps::TstInfo>(timestamps::kInfo); }},
-        {"write a response", [&] { return write(EncodeTimeStampResp, 2, nullptr, 0x80, nullptr); }},
-        {"write a request", [&] { return write(EncodeTimeStampReq, 1, kOid, kNull, 2, kKey, 20, kOid, 0, kKey, 8, 1,
-                                               extensions); }},
-        {"write an info", [&] { return write(EncodeTSTInfo, 1, kOid, kOid, kNull, 2, kKey, 20, kKey, 2, &time,
-                                             &accuracy, 1, kKey, 8, nullptr, extensions); }}});
+    FailEveryAllocation(
+        {{"read a request", [] { return ReadStamp<timestamps::Request>(timestamps::kRequest); }},
+         {"read a response", [&] { return ReadStamp<timestamps::Response>(Tlv(0x30, status + kAlgorithm)); }},
+         {"read an info", [] { return ReadStamp<timestamps::TstInfo>(timestamps::kInfo); }},
+         {"write a response", [&] { return write(EncodeTimeStampResp, 2, nullptr, 0x80, nullptr); }},
+         {"write a request",
+          [&] { return write(EncodeTimeStampReq, 1, kOid, kNull, 2, kKey, 20, kOid, 0, kKey, 8, 1, extensions); }},
+         {"write an info", [&] {
+              return write(EncodeTSTInfo, 1, kOid, kOid, kNull, 2, kKey, 20, kKey, 2, &time, &accuracy, 1, kKey, 8,
+                           nullptr, extensions);
+          }}});
     EXPECT_EQ(silent, 4) << "twice in each of two documents";
 }
 
@@ -206,25 +222,25 @@ TEST(Faults, Values) {
     };
     const auto addRefs = [](CrlOcspRefs* refs) {
         const auto adopt = [=](auto* crls) { return AddCrlOcspRefToList(refs, crls, nullptr, kOid, kNull, 2); };
-        return MakeAndAdopt<FreeCrlListIDs>(CreateCrlListIDs, [](auto*) { return StatusOk; }, adopt);
+        return MakeAndAdopt<FreeCrlListIDs>(
+            CreateCrlListIDs, [](auto*) { return StatusOk; }, adopt);
     };
-    FailEveryAllocation({
-        {"certificates", ListOf<FreeESSCertIDs>(CreateESSCertIDs, AddESSCertIDToList, kKey, 20, names.get(), kKey, 2)},
-        {"other certificates", ListOf<FreeOtherCertIDs>(CreateOtherCertIDs, AddOtherCertIDToList, kOid, kNull, 2, kKey,
-                                                        20, names.get(), kKey, 2)},
-        {"references", [&] { return MakeFillAndFree<FreeCrlOcspRefs>(CreateCrlOcspRefs, addRefs); }},
-        {"results", ListOf<FreeExtensionOcspCheckFileExtResults>(
-            CreateExtensionOcspCheckFileExtResults, AddExtensionOcspCheckFileExtResults, 1, kKey, 9, 1, &kTime,
-            nullptr, nullptr)},
-        {"document", [&] { return EncodeDocInfo(1, kKey, 2, kKey, 2, nullptr, 0, &kTime, &kTime, kKey, 2, 0, &n); }},
-        {"revocation values", [&] { return MakeAndFree<FreeX509Crls>(readValues); }}});
+    FailEveryAllocation(
+        {{"certificates", ListOf<FreeESSCertIDs>(CreateESSCertIDs, AddESSCertIDToList, kKey, 20, names.get(), kKey, 2)},
+         {"other certificates", ListOf<FreeOtherCertIDs>(CreateOtherCertIDs, AddOtherCertIDToList, kOid, kNull, 2, kKey,
+                                                         20, names.get(), kKey, 2)},
+         {"references", [&] { return MakeFillAndFree<FreeCrlOcspRefs>(CreateCrlOcspRefs, addRefs); }},
+         {"results", ListOf<FreeExtensionOcspCheckFileExtResults>(CreateExtensionOcspCheckFileExtResults,
+                                                                  AddExtensionOcspCheckFileExtResults, 1, kKey, 9, 1,
+                                                                  &kTime, nullptr, nullptr)},
+         {"document", [&] { return EncodeDocInfo(1, kKey, 2, kKey, 2, nullptr, 0, &kTime, &kTime, kKey, 2, 0, &n); }},
+         {"revocation values", [&] { return MakeAndFree<FreeX509Crls>(readValues); }}});
     // A time that can't be made adds nothing, and is no failure.
-    FailEveryAllocation({
-        {"CRLs", ListOf<FreeCrlListIDs>(CreateCrlListIDs, AddCrlValidatedIdToList, kKey, 20, kOid, kNull, 2,
-                                        name.get(), &kTime, kKey, 2)},
-        {"responses", ListOf<FreeOcspListIDs>(CreateOcspListIDs, AddOcspResponseIdToList, name.get(), nullptr, 0,
-                                              &kTime, kKey, 20, kOid, kNull, 2)}}, StatusOk);
+    FailEveryAllocation({{"CRLs", ListOf<FreeCrlListIDs>(CreateCrlListIDs, AddCrlValidatedIdToList, kKey, 20, kOid,
+                                                         kNull, 2, name.get(), &kTime, kKey, 2)},
+                         {"responses", ListOf<FreeOcspListIDs>(CreateOcspListIDs, AddOcspResponseIdToList, name.get(),
+                                                               nullptr, 0, &kTime, kKey, 20, kOid, kNull, 2)}},
+                        StatusOk);
 }
-// clang-format on
 
 }  // namespace

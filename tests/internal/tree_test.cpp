@@ -22,30 +22,28 @@ constexpr const Asn1Item& Mixed =
 AnyTree Decoded(const Asn1Item& item, const char* hex) {
     const Bytes bytes = Hex(hex);
     AnyTree tree(item);
-    EXPECT_EQ(tree.Decode(bytes.data(), Size(bytes)), 0u) << hex;
+    EXPECT_EQ(tree.Decode(bytes.data(), Size(bytes)), StatusOk) << hex;
     return tree;
 }
 
 TEST(Tree, CreatesWhatFillAsksFor) {
     for (const uint32_t fill : {0u, 1u}) {
         AnyTree tree(Mixed);
-        ASSERT_EQ(tree.Create(fill), 0u);
+        ASSERT_EQ(tree.Create(fill), StatusOk);
         const auto* flag = static_cast<Asn1Value*>(tree.Get()[0]);
         ASSERT_NE(flag, nullptr) << "a default is copied with either";
         EXPECT_NE(flag, static_cast<const void*>(&schema::kFalse));
         const auto field = [&](uint32_t i) { return static_cast<Asn1Value*>(tree.Get()[i]); };
-        Check({{field(1) != nullptr, fill}, {field(2) != nullptr, fill}, {field(4) != nullptr, 0}});
+        CHECK({field(1) != nullptr, fill}, {field(2) != nullptr, fill}, {field(4) != nullptr, 0});
         EXPECT_TRUE(fill == 0 || field(1)->type == 6);
     }
     void* untouched = &untouched;
-    // clang-format off
-    Check({{CreateAsn1Object(&Integer, &untouched, 0), 0}, {untouched == &untouched, 1},
-           {CreateAsn1Object(&UnknownKind, &untouched, 1), 300},
-           {CreateAsn1Object(&OptionalSequence, &untouched, 1), 0}, {untouched == nullptr, 1},
-           {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), 32},
-           {CreateOptionalAsn1Sequence(&OptionalSequence, &untouched, 1), 0}, {untouched != nullptr, 1},
-           {FreeAsn1Object(&OptionalSequence, untouched), 0}, {FreeAsn1Object(nullptr, nullptr), 0}});
-    // clang-format on
+    CHECK({CreateAsn1Object(&Integer, &untouched, 0)}, {untouched == &untouched, 1},
+          {CreateAsn1Object(&UnknownKind, &untouched, 1), StatusUnsupportedKind},
+          {CreateAsn1Object(&OptionalSequence, &untouched, 1)}, {untouched == nullptr, 1},
+          {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), StatusBadArgument},
+          {CreateOptionalAsn1Sequence(&OptionalSequence, &untouched, 1)}, {untouched != nullptr, 1},
+          {FreeAsn1Object(&OptionalSequence, untouched)}, {FreeAsn1Object(nullptr, nullptr)});
 }
 
 TEST(Tree, CopiesAndCompares) {
@@ -63,34 +61,32 @@ TEST(Tree, CopiesAndCompares) {
         SCOPED_TRACE(left);
         const AnyTree a = Decoded(Mixed, left), b = Decoded(Mixed, right);
         AnyTree copy(Mixed);
-        Check({{copy.CopyOf(a.Get()), copied}, {copy.Get() != nullptr ? 0 : 1, copied != 0}});
-        Check({{CompareAsn1Objects(&Mixed, a.Get(), b.Get(), &equal), compared}});
+        CHECK({copy.CopyOf(a.Get()), copied}, {copy.Get() != nullptr, copied == StatusOk});
+        CHECK({CompareAsn1Objects(&Mixed, a.Get(), b.Get(), &equal), compared});
         EXPECT_TRUE(compared != 0 || equal == same);
         if (copied == 0) {
             EXPECT_EQ(Fetch(GetAsn1EncodedValue, copy.Get(), &Mixed), Hex(left));
         }
     }
-    Check({{CompareAsn1Objects(&Mixed, nullptr, nullptr, &equal), 0}, {equal, 1}});
+    CHECK({CompareAsn1Objects(&Mixed, nullptr, nullptr, &equal)}, {equal, 1});
 }
 
 TEST(Tree, ListsGrowAndShrink) {
     Tree<Integers> list(AllocList<ListOf<Asn1Value>>());
     std::vector<uint32_t> capacities;
     for (int32_t i = 0; i < 300; ++i) {
-        ASSERT_EQ(AddAsn1ListItem(list.Get(), Integer, AllocAsn1Integer(i)), 0u);
+        ASSERT_EQ(AddAsn1ListItem(list.Get(), Integer, AllocAsn1Integer(i)), StatusOk);
         if (capacities.empty() || capacities.back() != list->capacity) capacities.push_back(list->capacity);
     }
     EXPECT_EQ(capacities, (std::vector<uint32_t>{10, 215, 522}));
     void* element = nullptr;
     int32_t number = 0;
-    // clang-format off
-    Check({{RemoveAsn1ListItem(list.Get(), 7, Integer), 0},
-           {RemoveAsn1ListItem(list.Get(), 299, Integer), 32},
-           {RemoveAsn1ListItem(list.Get(), UINT32_MAX, Integer), 32},
-           {GetAsn1ListItem(list.Get(), 7, &element), 0},
-           {GetAsn1Int32(static_cast<Asn1Value*>(element), &number), 0}, {number, 8},
-           {GetAsn1ListItem(list.Get(), -1, &element), 32}, {GetAsn1ListLength(list.Get()), 299}});
-    // clang-format on
+    CHECK({RemoveAsn1ListItem(list.Get(), 7, Integer)},
+          {RemoveAsn1ListItem(list.Get(), 299, Integer), StatusBadArgument},
+          {RemoveAsn1ListItem(list.Get(), UINT32_MAX, Integer), StatusBadArgument},
+          {GetAsn1ListItem(list.Get(), 7, &element)}, {GetAsn1Int32(static_cast<Asn1Value*>(element), &number)},
+          {number, 8}, {GetAsn1ListItem(list.Get(), -1, &element), StatusBadArgument},
+          {GetAsn1ListLength(list.Get()), 299});
     // A decoded list has the table that adds would have made, and goes on from there.
     Bytes elements;
     for (uint32_t count = 0; count < 600; ++count, elements = elements + Hex("020101")) {
@@ -102,8 +98,8 @@ TEST(Tree, ListsGrowAndShrink) {
     const AnyTree one = Decoded(itemOf<Integers>, "3003 020101");
     auto* small = reinterpret_cast<Asn1List*>(one.Get());
     const auto add = [&] { return AddAsn1ListItem(small, Integer, AllocAsn1Integer(1)); };
-    for (const void* table = small->items; small->count < 10;) Check({{add(), 0}, {table == small->items, 1}});
-    Check({{add(), 0}, {small->count, 11}, {small->capacity, 215}});
+    for (const void* table = small->items; small->count < 10;) CHECK({add()}, {table == small->items, 1});
+    CHECK({add()}, {small->count, 11}, {small->capacity, 215});
 }
 
 TEST(Values, NumbersInBothOrders) {
@@ -117,49 +113,47 @@ TEST(Values, NumbersInBothOrders) {
         SCOPED_TRACE(c.littleEndian);
         const walk::Owned<ReleaseRecord<Asn1Value>> value(AllocAsn1Integer(77));
         const Bytes bytes = Hex(c.littleEndian);
-        ASSERT_EQ(SetAsn1Integer(value.get(), bytes.data(), Size(bytes)), 0u);
+        ASSERT_EQ(SetAsn1Integer(value.get(), bytes.data(), Size(bytes)), StatusOk);
         EXPECT_EQ(Bytes(value->data, value->data + value->length), Hex(c.stored));
         int32_t number = -2;
-        Check({{GetAsn1Int32(value.get(), &number), bytes.size() > 4 ? 49 : 0}, {number, c.number}});
+        CHECK({GetAsn1Int32(value.get(), &number), bytes.size() > 4 ? StatusBufferTooSmall : StatusOk},
+              {number, c.number});
         if (bytes.size() > 4) continue;
         uint8_t again[9];
         uint32_t type = 0, length = sizeof(again);
-        Check({{SetAsn1Int32(value.get(), number), 0},
-               {CheckAsn1Integer(value.get()), 0},
-               {GetAsn1ValueAndType(value.get(), &type, again, &length), 0},
-               {type, 2}});
+        CHECK({SetAsn1Int32(value.get(), number)}, {CheckAsn1Integer(value.get())},
+              {GetAsn1ValueAndType(value.get(), &type, again, &length)}, {type, 2});
         EXPECT_EQ(Bytes(again, again + length), Hex(c.stored));
         const Bytes element = Fetch(EncodeAsn1Enumerated, c.number);
         EXPECT_EQ(element, Tlv(2, Hex(c.stored))) << "the tag of INTEGER, by intention";
-        Check({{DecodeAsn1Int32(element.data(), Size(element), &number), 0}, {number, c.number}});
+        CHECK({DecodeAsn1Int32(element.data(), Size(element), &number)}, {number, c.number});
     }
     int32_t number = 0;
-    Check({{DecodeAsn1Enumerated(Hex("0A0101").data(), 3, &number), 302},
-           {DecodeAsn1Enumerated(Hex("020101").data(), 0, &number), 32}});
+    CHECK({DecodeAsn1Enumerated(Hex("0A0101").data(), 3, &number), StatusBadEncoding},
+          {DecodeAsn1Enumerated(Hex("020101").data(), 0, &number), StatusBadArgument});
 }
 
 TEST(Values, EmptyAndLostBytes) {
     Asn1Value empty = {4, 0, nullptr}, lost = {1, 1, nullptr};
     uint32_t length = 5, type = 0, flag = 0;
-    // clang-format off
-    Check({{GetAsn1Value(&empty, nullptr, &length), 0}, {length, 0}, {GetAsn1Value(&lost, nullptr, &length), 311},
-           {GetAsn1ValueAndType(&empty, &type, nullptr, &length), 311}, {GetAsn1Boolean(&lost, &flag), 311},
-           {CheckAsn1Boolean(&lost), 307}, {GetAsn1ValueLength(nullptr), 0}});
-    // clang-format on
+    CHECK({GetAsn1Value(&empty, nullptr, &length)}, {length, 0}, {GetAsn1Value(&lost, nullptr, &length), StatusAbsent},
+          {GetAsn1ValueAndType(&empty, &type, nullptr, &length), StatusAbsent},
+          {GetAsn1Boolean(&lost, &flag), StatusAbsent}, {CheckAsn1Boolean(&lost), StatusBadValue},
+          {GetAsn1ValueLength(nullptr), 0});
 }
 
 // No function frees the records of these alone: programs end them with free, the bytes first.
 TEST(Values, AllocatedOnesEndWithFree) {
     const LibraryTime time = {2030, 1, 2, 3, 4, 5};
     OcspRevokedInfo* info = nullptr;
-    ASSERT_EQ(AllocCertStatusRevokedInfo(&time, 5, &info), 0u);
+    ASSERT_EQ(AllocCertStatusRevokedInfo(&time, 5, &info), StatusOk);
     std::vector<Asn1Value*> values = {AllocAsn1Boolean(1), AllocAsn1Integer(-5),
                                       AllocAsn1Integer_s(Hex("05").data(), 1)};
     for (uint32_t i : {0, 1}) values.push_back(reinterpret_cast<Asn1Value**>(info)[i]);
     free(info);
     for (uint32_t alternative = 0; alternative < 9; ++alternative) {
         X509GeneralName* name = nullptr;
-        ASSERT_EQ(AllocX509GeneralNameValue(&name, alternative, Hex("022A03").data(), 3), 0u);
+        ASSERT_EQ(AllocX509GeneralNameValue(&name, alternative, Hex("022A03").data(), 3), StatusOk);
         values.push_back(static_cast<Asn1Value*>(reinterpret_cast<Asn1Choice*>(name)->value));
         free(name);
     }
@@ -178,10 +172,10 @@ TEST(Values, PrimitiveCodecsOfEveryKind) {
         uint32_t length = sizeof(element), backLength = sizeof(back);
         const Status status = EncodeAsn1PrimitiveValue(uint8_t(kind), content.data(), 2, element, &length);
         const bool fits = IsValueKind(uint8_t(kind)) || kind == 3 || kind == 129;
-        EXPECT_EQ(status, kind == 128 ? 306u : fits ? 0u : 300u);
+        EXPECT_EQ(status, kind == 128 ? StatusBadAlternative : fits ? StatusOk : StatusUnsupportedKind);
         if (status != 0) continue;
         const Status decoded = DecodeAsn1PrimitiveValue(uint8_t(kind), element, length, back, &backLength);
-        EXPECT_EQ(decoded, kind == 1 ? 307u : kind == 129 ? 302u : 0u);
+        EXPECT_EQ(decoded, kind == 1 ? StatusBadValue : kind == 129 ? StatusBadEncoding : StatusOk);
         EXPECT_TRUE(decoded != 0 || Bytes(back, back + backLength) == content);
     }
 }
@@ -204,12 +198,12 @@ TEST(Oids, TextAndBack) {
     uint32_t length = 0;
     const char arcs29[] = "1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1.1";
     for (const char* bad : {"1.abc", "1.00", "1..2", "1.2.", ".", arcs29})
-        EXPECT_EQ(ConvertStringToOid(bad, nullptr, &length), 32u) << bad;
+        EXPECT_EQ(ConvertStringToOid(bad, nullptr, &length), StatusBadArgument) << bad;
     for (const char* cut : {"022A85", "01B4"})
-        EXPECT_EQ(ConvertOidToString(Hex(cut).data(), nullptr, &length), 32u) << cut;
+        EXPECT_EQ(ConvertOidToString(Hex(cut).data(), nullptr, &length), StatusBadArgument) << cut;
     Bytes longest(256, 0x7F);
     longest[0] = 255;
-    EXPECT_EQ(ConvertOidToString(longest.data(), nullptr, &length), 0u);
+    EXPECT_STATUS(StatusOk, ConvertOidToString(longest.data(), nullptr, &length));
 }
 
 TEST(Oids, ElementsAndComparison) {
@@ -219,16 +213,14 @@ TEST(Oids, ElementsAndComparison) {
     uint32_t length = 0;
     Bytes content = Hex("2A8503");
     const Asn1Value record = {6, 3, content.data()}, none = {6, 0, nullptr};
-    // clang-format off
-    Check({{DecodeAsn1Oid(Hex("0680").data(), 2, nullptr, &length), 335},
-           {DecodeAsn1Oid(Hex("04012A").data(), 3, nullptr, &length), 302},
-           {DecodeAsn1Oid(element.data(), 4, nullptr, &length), 302},
-           {IsOidEquals(oid.data(), Hex("032A8503").data()), 1},
-           {IsOidEquals(Hex("012A").data(), Hex("022A03").data()), 0}, {IsOidEquals(nullptr, nullptr), 0},
-           {IsOidAndAsn1ObjectIdentifierEquals(oid.data(), &record), 1},
-           {IsOidAndAsn1ObjectIdentifierEquals(oid.data(), &none), 0},
-           {IsOidAndAsn1ObjectIdentifierEquals(Hex("00").data(), &none), 1}});
-    // clang-format on
+    CHECK({DecodeAsn1Oid(Hex("0680").data(), 2, nullptr, &length), StatusBadIndefinite},
+          {DecodeAsn1Oid(Hex("04012A").data(), 3, nullptr, &length), StatusBadEncoding},
+          {DecodeAsn1Oid(element.data(), 4, nullptr, &length), StatusBadEncoding},
+          {IsOidEquals(oid.data(), Hex("032A8503").data()), 1},
+          {IsOidEquals(Hex("012A").data(), Hex("022A03").data()), 0}, {IsOidEquals(nullptr, nullptr), 0},
+          {IsOidAndAsn1ObjectIdentifierEquals(oid.data(), &record), 1},
+          {IsOidAndAsn1ObjectIdentifierEquals(oid.data(), &none), 0},
+          {IsOidAndAsn1ObjectIdentifierEquals(Hex("00").data(), &none), 1});
 }
 
 }  // namespace

@@ -12,8 +12,8 @@ void CompareCertificate(Comparison& both, Certificate* ours, X509* theirs) {
     int32_t version = -1;
     LibraryTime time = {};
     X509Name *issuer = nullptr, *subject = nullptr;
-    Expect(0, {GetCertificateVersion(ours, &version), GetCertificateIssuer(ours, &issuer),
-               GetCertificateSubject(ours, &subject)});
+    EXPECT_STATUS(StatusOk, GetCertificateVersion(ours, &version), GetCertificateIssuer(ours, &issuer),
+                  GetCertificateSubject(ours, &subject));
     const Bytes algorithm = AlgorithmOf(GetCertificatePublicKeyAlgorithmOidAndParameters, ours);
     both.Same("version", version, X509_get_version(theirs));
     both.Same("serial number", Tlv(2, Fetch(GetCertificateSerialNumber, ours)),
@@ -38,7 +38,7 @@ void CompareCrl(Comparison& both, X509Crl* ours, X509_CRL* theirs) {
     int32_t version = 0;  // without the field it is version 1, written as 0
     LibraryTime time = {};
     X509Name* issuer = nullptr;
-    EXPECT_EQ(GetX509CrlIssuer(ours, &issuer), 0u);
+    EXPECT_STATUS(StatusOk, GetX509CrlIssuer(ours, &issuer));
     (void)GetX509CrlVersion(ours, &version);
     both.Same("version", version, X509_CRL_get_version(theirs));
     both.Same("issuer", NameOf(issuer), DerOf(X509_CRL_get_issuer(theirs), i2d_X509_NAME));
@@ -71,7 +71,7 @@ void FreeStack(STACK_OF(X509_EXTENSION) * stack) { sk_X509_EXTENSION_pop_free(st
 void CompareRequest(Comparison& both, PKCS10CertReq* ours, X509_REQ* theirs) {
     int32_t version = -1;
     X509Name* subject = nullptr;
-    Expect(0, {GetPKCS10CertReqVersion(ours, &version), GetPKCS10CertReqSubject(ours, &subject)});
+    EXPECT_STATUS(StatusOk, GetPKCS10CertReqVersion(ours, &version), GetPKCS10CertReqSubject(ours, &subject));
     const Bytes algorithm = AlgorithmOf(GetPKCS10CertReqPublicKeyAlgorithmOidAndParameters, ours);
     const auto extensions = walk::Make<FreeX509Extensions>(GetPKCS10CertReqExtensions, ours);
     const walk::Owned<FreeStack> requested(X509_REQ_get_extensions(theirs));

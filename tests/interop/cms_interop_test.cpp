@@ -15,7 +15,7 @@ namespace {
 
 Bytes VersionOf(auto get, auto* of) {
     int32_t version = -1;
-    EXPECT_EQ(get(of, &version), 0u);
+    EXPECT_STATUS(StatusOk, get(of, &version));
     return {2, 1, uint8_t(version)};
 }
 // In the order of DER.
@@ -46,7 +46,7 @@ Fields FieldsOf(CmsSignedData* of) {
     });
     walk::Each(GetCmsSignedDataSignerInfosCount, of, [&](uint32_t i) {
         CmsSignerInfo* signer = nullptr;
-        EXPECT_EQ(GetCmsSignedDataSignerInfo(of, i, &signer), 0u);
+        EXPECT_STATUS(StatusOk, GetCmsSignedDataSignerInfo(of, i, &signer));
         signers.push_back(SignerOf(signer));
     });
     const Bytes content = TlvOr(TlvOr(Fetch(GetCmsSignedDataContent, of), 4), 0xA0);

@@ -41,7 +41,7 @@ void CompareSingle(Comparison& both, OcspSingleResponse* ours, OCSP_SINGLERESP* 
     int peerReason = -1;
     uint32_t answer = 9, reason = UINT32_MAX;
     const int expected = OCSP_single_get0_status(theirs, &peerReason, &revoked, &thisUpdate, &nextUpdate);
-    EXPECT_EQ(GetOcspSingleResponseCertStatus(ours, &answer), 0u);
+    EXPECT_STATUS(StatusOk, GetOcspSingleResponseCertStatus(ours, &answer));
     both.Same("CertID", IdOf([&](auto... out) { return GetOcspSingleResponseCertID(ours, out...); }),
               DerOf(OCSP_SINGLERESP_get0_id(theirs), i2d_OCSP_CERTID));
     both.Same("certificate status", int(answer), expected);
@@ -57,7 +57,7 @@ void CompareSingle(Comparison& both, OcspSingleResponse* ours, OCSP_SINGLERESP* 
 // The basic response in it; an error status has none.
 void CompareResponse(Comparison& both, OcspResponse* message, OCSP_RESPONSE* response) {
     int32_t status = -1;
-    EXPECT_EQ(GetOcspResponseStatus(message, &status), 0u);
+    EXPECT_STATUS(StatusOk, GetOcspResponseStatus(message, &status));
     both.Same("status", status, OCSP_response_status(response));
     const walk::Owned<OCSP_BASICRESP_free> peer(OCSP_response_get1_basic(response));
     const auto [type, bytes] = Outputs(GetOcspResponseBytes, message, kOut, kOut);
@@ -75,7 +75,7 @@ void CompareResponse(Comparison& both, OcspResponse* message, OCSP_RESPONSE* res
     if (!both.Same("single responses", int(singles), OCSP_resp_count(theirs))) return;
     walk::Each(GetOcspBasicResponseSingleResponsesCount, ours, [&](uint32_t i) {
         OcspSingleResponse* single = nullptr;
-        EXPECT_EQ(GetOcspBasicResponseSingleResponse(ours, i, &single), 0u);
+        EXPECT_STATUS(StatusOk, GetOcspBasicResponseSingleResponse(ours, i, &single));
         CompareSingle(both, single, OCSP_resp_get0(theirs, next++));
     });
     both.Time("producedAt", GetOcspBasicResponseProducedAt(ours, &time), time, OCSP_resp_get0_produced_at(theirs));

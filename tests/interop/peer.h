@@ -107,7 +107,7 @@ inline Bytes ExtensionsOf(X509Extensions list) {
 }
 Bytes ExtensionsOf(auto get, auto* of) {
     X509Extensions list = nullptr;
-    EXPECT_EQ(get(of, &list), 0u);
+    EXPECT_STATUS(StatusOk, get(of, &list));
     return ExtensionsOf(list);
 }
 // A signed part, its algorithm and signature.
@@ -117,7 +117,7 @@ Bytes SignedOf(auto getPart, auto getAlgorithm, auto getSignature, auto* of) {
 Bytes AttributesOf(auto get, auto* of) {
     Bytes attributes;
     RsaAttributes list = nullptr;
-    EXPECT_EQ(get(of, &list), 0u);
+    EXPECT_STATUS(StatusOk, get(of, &list));
     walk::Each(GetRsaAttributesAttributesCount, list, [&](uint32_t i) {
         Bytes values;
         walk::Each([=](auto in, uint32_t* n) { return GetRsaAttributesAttributeValuesCount(in, i, n); }, list,

@@ -167,32 +167,22 @@ TEST(Bridge, ArraysWithoutACountAreMeasured) {
                     nullptr, 0, 0, jlong{0}, room(), length());
     };
     const auto found = [&](Bytes bytes) { return Call(vm, "FindAlgIdByOid", vm.Bytes(bytes), length()); };
-    Check({{sha(19), 49},
-           {sha(20), 0},  //
-           {oid({}), 49},
-           {oid({1}), 49},
-           {oid({2, 42}), 49},
-           {oid({1, 42}), 0},  //
-           {oid({1, 42, 9}), 0},
-           {text({}), 0},
-           {text({'a', 'b'}), 0},
-           {text({'a', 0}), 0},  //
-           {name(1, {9, 42}), 0},
-           {name(8, {9, 42}), 49},
-           {name(8, {1, 42}), 0},  //
-           {policy({3, 42}), 49},
-           {policy({1, 42}), 0},
-           {found({200}), 49},
-           {found({1, 42}), StatusUnknownOid}});
+    CHECK({sha(19), StatusBufferTooSmall}, {sha(20)},  //
+          {oid({}), StatusBufferTooSmall}, {oid({1}), StatusBufferTooSmall}, {oid({2, 42}), StatusBufferTooSmall},
+          {oid({1, 42})},                                                                    //
+          {oid({1, 42, 9})}, {text({})}, {text({'a', 'b'})}, {text({'a', 0})},               //
+          {name(1, {9, 42})}, {name(8, {9, 42}), StatusBufferTooSmall}, {name(8, {1, 42})},  //
+          {policy({3, 42}), StatusBufferTooSmall}, {policy({1, 42})}, {found({200}), StatusBufferTooSmall},
+          {found({1, 42}), StatusUnknownOid});
 
     // A text ends at its zero byte or with its array.
     for (const Bytes& label : {Bytes{'C', 'R', 'L'}, Bytes{'C', 'R', 'L', 0, 'x'}}) {
         const jbyteArray pem = vm.Bytes(Bytes(100));
-        ASSERT_EQ(Call(vm, "EncodePem", vm.Bytes({1}), 1, vm.Bytes(label), pem, length()), 0);
+        ASSERT_EQ(Call(vm, "EncodePem", vm.Bytes({1}), 1, vm.Bytes(label), pem, length()), StatusOk);
         EXPECT_EQ(std::string(reinterpret_cast<char*>(FakeVm::BytesOf(pem).data()), 21), "-----BEGIN CRL-----\r\n");
     }
 
-    EXPECT_EQ(Call(vm, "IsArrayEquals", vm.Bytes({1}), -1, vm.Bytes({2}), -1), 0) << "counts with their sign";
+    EXPECT_EQ(Call(vm, "IsArrayEquals", vm.Bytes({1}), -1, vm.Bytes({2}), -1), StatusOk) << "counts with their sign";
 
     const jbyteArray digest = vm.Bytes(Bytes(20));
     Call(vm, "sha1", vm.Bytes({'a', 'b', 'c'}), 3, digest);
@@ -227,7 +217,7 @@ TEST(Bridge, AddressesTravelInArrays) {
     const jlongArray item = vm.Longs({reinterpret_cast<jlong>(&kList)});
     const jbyteArray root = vm.Bytes(Bytes(9, 0xEE));
     const jintArray consumed = vm.Ints({0});
-    ASSERT_EQ(Call(vm, "Asn1DecodeItem", vm.Bytes(der), 8, item, root, consumed), 0);
+    ASSERT_EQ(Call(vm, "Asn1DecodeItem", vm.Bytes(der), 8, item, root, consumed), StatusOk);
     EXPECT_EQ(FakeVm::IntOf(consumed), 8);
     EXPECT_EQ(FakeVm::BytesOf(root)[8], 0xEE) << "after the address";
     EXPECT_EQ(FakeVm::LongOf(item), reinterpret_cast<jlong>(&kList));
@@ -237,21 +227,21 @@ TEST(Bridge, AddressesTravelInArrays) {
     const jlongArray object = vm.Longs({list});
     EXPECT_EQ(Call(vm, "GetAsn1ListLength", object), 2);
     const jbyteArray element = vm.Bytes(Bytes(8));
-    ASSERT_EQ(Call(vm, "GetAsn1ListItem", object, 1, element), 0);
+    ASSERT_EQ(Call(vm, "GetAsn1ListItem", object, 1, element), StatusOk);
     jlong integer = 0;
     memcpy(&integer, FakeVm::BytesOf(element).data(), sizeof integer);
     const jintArray number = vm.Ints({0});
-    EXPECT_EQ(Call(vm, "GetAsn1Int32", vm.Longs({integer}), number), 0);
+    EXPECT_STATUS(StatusOk, Call(vm, "GetAsn1Int32", vm.Longs({integer}), number));
     EXPECT_EQ(FakeVm::IntOf(number), 6);
 
     const jintArray length = vm.Ints({0}), equal = vm.Ints({0});
-    EXPECT_EQ(Call(vm, "Asn1Encode", root, item, nullptr, length), 0);
+    EXPECT_STATUS(StatusOk, Call(vm, "Asn1Encode", root, item, nullptr, length));
     EXPECT_EQ(FakeVm::IntOf(length), 8);
-    EXPECT_EQ(Call(vm, "CompareAsn1Objects", item, root, vm.Bytes(FakeVm::BytesOf(root)), equal), 0);
+    EXPECT_STATUS(StatusOk, Call(vm, "CompareAsn1Objects", item, root, vm.Bytes(FakeVm::BytesOf(root)), equal));
     EXPECT_EQ(FakeVm::IntOf(equal), 1);
-    Check({{Call(vm, "Asn1Encode", vm.Bytes(Bytes(7)), item, nullptr, length), 49},
-           {Call(vm, "FreeAsn1Object", item, vm.Bytes(Bytes(7))), 49},
-           {Call(vm, "FreeAsn1Object", item, root), 0}});
+    CHECK({Call(vm, "Asn1Encode", vm.Bytes(Bytes(7)), item, nullptr, length), StatusBufferTooSmall},
+          {Call(vm, "FreeAsn1Object", item, vm.Bytes(Bytes(7))), StatusBufferTooSmall},
+          {Call(vm, "FreeAsn1Object", item, root)});
 
     // A choice goes in and its alternative comes out, node and item.
     const Asn1Item& kChoice = tlvforge::itemOf<tlvforge::schema::Choice<tlvforge::schema::Integer>>;
@@ -262,7 +252,7 @@ TEST(Bridge, AddressesTravelInArrays) {
     memcpy(bytes.data(), &address, sizeof address);
     const jbyteArray node = vm.Bytes(bytes);
     const jlongArray type = vm.Longs({reinterpret_cast<jlong>(&kChoice)});
-    EXPECT_EQ(Call(vm, "GetAsn1ChoiceUnderlyingType", node, type), 0);
+    EXPECT_STATUS(StatusOk, Call(vm, "GetAsn1ChoiceUnderlyingType", node, type));
     EXPECT_EQ(FakeVm::LongOf(type), reinterpret_cast<jlong>(&tlvforge::itemOf<tlvforge::schema::Integer>));
     const Asn1Value* held = nullptr;
     memcpy(&held, FakeVm::BytesOf(node).data(), sizeof held);
@@ -284,7 +274,7 @@ TEST(Bridge, VersionTextReplacesTheContentOfAStringBuffer) {
     for (const auto& row : kCases) {
         FakeVm vm;
         vm.missing = row.missing;
-        EXPECT_EQ(Call(vm, "GetVersionInfo", row.buffer ? &vm : nullptr), 0);
+        EXPECT_STATUS(StatusOk, Call(vm, "GetVersionInfo", row.buffer ? &vm : nullptr));
         EXPECT_EQ(vm.calls, std::vector<std::string>(all.begin(), all.begin() + static_cast<ptrdiff_t>(row.calls)));
     }
 }

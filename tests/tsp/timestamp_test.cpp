@@ -40,31 +40,33 @@ TEST(TimeStamps, FieldsOfAnInfoAreReadInOrder) {
     const Bytes tooLong = Tlv(48, kFiveBytes + Hex("800105"));
     // clang-format off
     const std::tuple<std::string, Bytes, uint32_t, Status, Numbers, Bytes> rows[] = {
-        {t + "Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
-        {t + ".Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
-        {t + "?Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
-        {t + ".5Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + ".5Z", Bytes())},
-        {t + ".120Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + ".12Z", Bytes())},
-        {t + ".0001Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + ".0001Z", Bytes())},
-        {t + ".12345678Z", Bytes(), 5, 0, {0, 0, 0}, InfoOf(t + ".123456Z", Bytes())},
-        {t + "Z", Hex("3000"), 5, 0, {7, 0, 0}, InfoOf(t + "Z", Bytes())},
-        {t + "Z", Hex("3004 800201F4"), 5, 0, {7, 500, 0}, InfoOf(t + "Z", Hex("3004 800201F4"))},
-        {t + "Z", Hex("3009 020100 800100 810109"), 5, 0, {0, 0, 9}, InfoOf(t + "Z", Hex("3003 810109"))},
-        {t + "Z", Hex("3007 02020400 8101FF"), 4, 49, {1024, 0, ~0u}, InfoOf(t + "Z", Hex("3007 02020400 8101FF"))},
-        {t + "Z", Hex("3003 020103 010100"), 5, 0, {3, 0, 0}, InfoOf(t + "Z", Hex("3003 020103"))},
-        {t + "Z", tooLong, 5, 49, {7, 5, 0}, Bytes()},
-        {t + ".5", Bytes(), 5, 307, {7, 7, 7}, Bytes()}, {t + ",5Z", Bytes(), 4, 307, {7, 7, 7}, Bytes()},
-        {t, Bytes(), 5, 307, {7, 7, 7}, Bytes()}, {month, Bytes(), 4, 313, {7, 7, 7}, Bytes()},
-        {t + "Z", Hex("010101"), 5, 307, {7, 7, 7}, Bytes()}, {"", Bytes(), 4, 302, {7, 7, 7}, Bytes()}};
+        {t + "Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
+        {t + ".Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
+        {t + "?Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + "Z", Bytes())},
+        {t + ".5Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + ".5Z", Bytes())},
+        {t + ".120Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + ".12Z", Bytes())},
+        {t + ".0001Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + ".0001Z", Bytes())},
+        {t + ".12345678Z", Bytes(), 5, StatusOk, {0, 0, 0}, InfoOf(t + ".123456Z", Bytes())},
+        {t + "Z", Hex("3000"), 5, StatusOk, {7, 0, 0}, InfoOf(t + "Z", Bytes())},
+        {t + "Z", Hex("3004 800201F4"), 5, StatusOk, {7, 500, 0}, InfoOf(t + "Z", Hex("3004 800201F4"))},
+        {t + "Z", Hex("3009 020100 800100 810109"), 5, StatusOk, {0, 0, 9}, InfoOf(t + "Z", Hex("3003 810109"))},
+        {t + "Z", Hex("3007 02020400 8101FF"), 4, StatusBufferTooSmall, {1024, 0, ~0u}, InfoOf(t + "Z", Hex("3007 02020400 8101FF"))},
+        {t + "Z", Hex("3003 020103 010100"), 5, StatusOk, {3, 0, 0}, InfoOf(t + "Z", Hex("3003 020103"))},
+        {t + "Z", tooLong, 5, StatusBufferTooSmall, {7, 5, 0}, Bytes()},
+        {t + ".5", Bytes(), 5, StatusBadValue, {7, 7, 7}, Bytes()},
+        {t + ",5Z", Bytes(), 4, StatusBadValue, {7, 7, 7}, Bytes()},
+        {t, Bytes(), 5, StatusBadValue, {7, 7, 7}, Bytes()}, {month, Bytes(), 4, StatusBadTime, {7, 7, 7}, Bytes()},
+        {t + "Z", Hex("010101"), 5, StatusBadValue, {7, 7, 7}, Bytes()},
+        {"", Bytes(), 4, StatusBadEncoding, {7, 7, 7}, Bytes()}};
     // clang-format on
     for (const auto& [time, middle, size, status, accuracy, rebuilt] : rows) {
         SCOPED_TRACE(time + " " + ToHex(middle));
         TstInfo info;
         info.accuracy = {7, 7, 7};
         uint8_t policy[5], *to[6] = {policy};
-        uint32_t sizes[6] = {size, 9, 9, 9, 9, 9}, last = status == 0 || status == 49 ? 2 : 9;
-        Check({{info.Decode(InfoOf(time, middle), to, sizes), status}, {sizes[5], last}});
-        Check({{info.tsa != nullptr, last == 2}, {info.extensions != nullptr, last == 2}});
+        uint32_t sizes[6] = {size, 9, 9, 9, 9, 9}, last = status == StatusOk || status == StatusBufferTooSmall ? 2 : 9;
+        CHECK({info.Decode(InfoOf(time, middle), to, sizes), status}, {sizes[5], last});
+        CHECK({info.tsa != nullptr, last == 2}, {info.extensions != nullptr, last == 2});
         EXPECT_EQ(Numbers(&info.accuracy.seconds, &info.accuracy.microseconds + 1), accuracy);
         EXPECT_EQ(ToHex(Rebuild<TstInfo>(InfoOf(time, middle))), ToHex(rebuilt));
     }
@@ -76,18 +78,18 @@ TEST(TimeStamps, DocumentsAreWrittenAsTheyWereRead) {
     EXPECT_EQ(Rebuild<Request>(RequestOf(Hex("010100"))), RequestOf(Bytes()));
     EXPECT_EQ(Rebuild<TstInfo>(kInfo), kInfo);
     const std::tuple<Bytes, Status, uint32_t, bool, Bytes> rows[] = {
-        {plain, 0, 0, true, plain},
-        {Hex("3009 020102 30040C024142"), 0, 0, false, Hex("3009 020102 30040C024142")},
-        {Hex("3007 0201FF 03020080"), 0, 0x80, false, Hex("3007 0201FF 03020780")},
-        {Hex("300A 020102 03050600000040"), 0, 0x40000000, false, Hex("300A 020102 03050600000040")},
-        {Hex("300B 020102 0306000102030405"), 0, 0x04030201, false, Hex("300A 020102 03050201020304")},
-        {Hex("3006 020102 030100"), 0, 0, false, Hex("3003 020102")},
-        {Tlv(48, kFiveBytes + Hex("30040C024142")) + token, 49, 9, false, Bytes()},
-        {kNull, 302, 9, false, Bytes()}};
+        {plain, StatusOk, 0, true, plain},
+        {Hex("3009 020102 30040C024142"), StatusOk, 0, false, Hex("3009 020102 30040C024142")},
+        {Hex("3007 0201FF 03020080"), StatusOk, 0x80, false, Hex("3007 0201FF 03020780")},
+        {Hex("300A 020102 03050600000040"), StatusOk, 0x40000000, false, Hex("300A 020102 03050600000040")},
+        {Hex("300B 020102 0306000102030405"), StatusOk, 0x04030201, false, Hex("300A 020102 03050201020304")},
+        {Hex("3006 020102 030100"), StatusOk, 0, false, Hex("3003 020102")},
+        {Tlv(48, kFiveBytes + Hex("30040C024142")) + token, StatusBufferTooSmall, 9, false, Bytes()},
+        {kNull, StatusBadEncoding, 9, false, Bytes()}};
     for (const auto& [in, status, failInfo, handed, rebuilt] : rows) {
         Response response;
         const Bytes whole = Tlv(48, in);
-        Check({{Read(whole, &response), status}, {response.failInfo, failInfo}, {response.token != nullptr, handed}});
+        CHECK({Read(whole, &response), status}, {response.failInfo, failInfo}, {response.token != nullptr, handed});
         EXPECT_TRUE(status == 0 || response.text == nullptr);
         EXPECT_EQ(Rebuild<Response>(whole), status ? Bytes() : Tlv(48, rebuilt));
     }
@@ -122,27 +124,29 @@ TEST(TimeStamps, MissingAndUnfinishedArgumentsAreAnswered) {
     CmsContentInfo* token = nullptr;
     X509GeneralName* name = nullptr;
     X509Extensions handle = nullptr;
-    // clang-format off
     EXPECT_EQ(Required(DecodeTimeStampReq, &request[0], Size(request), &version, b, &n, b, &n, b, &n, b, &n, b, &n, &n,
-                       &handle), "xx.x.x.x.x.xxx");
+                       &handle),
+              "xx.x.x.x.x.xxx");
     n = sizeof b;
-    EXPECT_EQ(DecodeTimeStampReq(&request[0], Size(request), &version, b, &n, nullptr, nullptr, b, &n, b, &n, b, &n, &n,
-                                 &handle), StatusOk);
+    EXPECT_STATUS(StatusOk, DecodeTimeStampReq(&request[0], Size(request), &version, b, &n, nullptr, nullptr, b, &n, b,
+                                               &n, b, &n, &n, &handle));
     EXPECT_EQ(Required(DecodeTimeStampResp, &response[0], 7, &version, &text, &n, &token), "xxxxx");
-    EXPECT_EQ(Required(DecodeTSTInfo, &info[0], Size(info), &version, b, &n, b, &n, b, &n, b, &n, b, &n,
-                       &i.genTime, &i.accuracy, &n, b, &n, &name, &handle), "x..................");
+    EXPECT_EQ(Required(DecodeTSTInfo, &info[0], Size(info), &version, b, &n, b, &n, b, &n, b, &n, b, &n, &i.genTime,
+                       &i.accuracy, &n, b, &n, &name, &handle),
+              "x..................");
     EXPECT_EQ(Required(EncodeTimeStampReq, 1, b, b, 1, b, 1, b, 0, b, 1, 0, extensions.get(), b, &n), "x.x....x");
     EXPECT_EQ(Required(EncodeTimeStampResp, 0, text, 0, token, b, &n), "...x");
     EXPECT_EQ(Required(EncodeTSTInfo, 1, b, b, b, 1, b, 1, b, 1, &time, &i.accuracy, 0, b, 1, nullptr, extensions.get(),
-                       b, &n), ".x.xxx.....x");
+                       b, &n),
+              ".x.xxx.....x");
     const auto write = [&](const uint8_t* policy, const LibraryPreciseTime& genTime, const X509GeneralName* tsa) {
         return EncodeTSTInfo(1, policy, b, nullptr, 0, b, 1, b, 1, &genTime, nullptr, 0, nullptr, 0, tsa,
                              extensions.get(), nullptr, &n);
     };
-    Check({{write(b, time, nullptr), 0}, {write(nullptr, time, nullptr), 1}, {write(b, {}, nullptr), 1},
-           {write(b, tooFine, nullptr), 1}, {write(b, time, empty.get()), 32},
-           {RemoveX509Extensions(extensions.get()), 0}, {write(b, time, nullptr), 32}});
-    // clang-format on
+    CHECK({write(b, time, nullptr)}, {write(nullptr, time, nullptr), StatusOutOfMemory},
+          {write(b, {}, nullptr), StatusOutOfMemory}, {write(b, tooFine, nullptr), StatusOutOfMemory},
+          {write(b, time, empty.get()), StatusBadArgument}, {RemoveX509Extensions(extensions.get())},
+          {write(b, time, nullptr), StatusBadArgument});
 }
 
 }  // namespace

@@ -61,8 +61,8 @@ TEST(Algorithm, NumbersStandForTheirOids) {
         EXPECT_EQ(Decoded(bytes), (Numbers{0, 1, numbers[0], numbers[1], numbers[2]})) << arcs;
     }
     EXPECT_TRUE(rows.eof());
-    EXPECT_EQ(FindAlgIdByOid(OidOf("1.2.840.113549.1.1.11").data(), &found), StatusUnknownOid);
-    EXPECT_EQ(GetPublicKeyAlgorithmOid(0, nullptr, &found), StatusUnknownId);
+    EXPECT_STATUS(StatusUnknownOid, FindAlgIdByOid(OidOf("1.2.840.113549.1.1.11").data(), &found));
+    EXPECT_STATUS(StatusUnknownId, GetPublicKeyAlgorithmOid(0, nullptr, &found));
 }
 
 TEST(GostParameters, FormIsStoredBeforeAnyFailureAndNumbersUpToIt) {
@@ -102,8 +102,10 @@ TEST(GostParameters, OtherFormsIgnoreTheSets) {
     EXPECT_EQ(Encoded(2, {1, 1, 1}) + Encoded(1, {0, 1, 1}) + Encoded(1, {1, 5, 1}) + Encoded(1, {1, 1, 10}),
               "32309309309");
     uint32_t n = 0;
-    EXPECT_EQ(EncodeAlgorithmGostR3410ParametersOid(103, 0, nullptr, nullptr, nullptr, nullptr, &n), StatusBadArgument);
-    EXPECT_EQ(EncodeAlgorithmGostR34102012ParametersOid(1, nullptr, nullptr, nullptr, nullptr, &n), StatusBadArgument);
+    EXPECT_STATUS(StatusBadArgument,
+                  EncodeAlgorithmGostR3410ParametersOid(103, 0, nullptr, nullptr, nullptr, nullptr, &n));
+    EXPECT_STATUS(StatusBadArgument,
+                  EncodeAlgorithmGostR34102012ParametersOid(1, nullptr, nullptr, nullptr, nullptr, &n));
 }
 
 TEST(Algorithm, UnknownNumberLeavesNoOidAndTheOldParameters) {
