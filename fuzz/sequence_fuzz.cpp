@@ -75,30 +75,8 @@ struct WorldOf : Pools... {
     }
 };
 using World = WorldOf<
-    Pool<X509Name, CreateX509Name, FreeX509Name>, Pool<X509ExtensionsCell, CreateX509Extensions, FreeX509Extensions>,
-    Pool<RsaAttributesCell, CreateRsaAttributes, FreeRsaAttributes>,
-    Pool<Certificate, CreateCertificate, FreeCertificate>, Pool<Certificates, CreateCertificates, FreeCertificates>,
-    Pool<X509Crl, CreateX509Crl, FreeX509Crl>, Pool<X509Crls, CreateX509Crls, FreeX509Crls>,
-    Pool<PKCS10CertReq, CreatePKCS10CertReq, FreePKCS10CertReq>,
-    Pool<CmsContentInfo, CreateCmsContentInfo, FreeCmsContentInfo>,
-    Pool<SeveralData, CreateSeveralData, FreeSeveralData>, Pool<CmsSignedData, CreateCmsSignedData, FreeCmsSignedData>,
-    Pool<CmsSignerInfo, CreateCmsSignerInfo, FreeCmsSignerInfo>,
-    Pool<CmsEnvelopedData, CreateCmsEnvelopedData, FreeCmsEnvelopedData>, Pool<KeyTrans, CreateKeyTrans, FreeKeyTrans>,
-    Pool<OcspRequest, CreateOcspRequest, FreeOcspRequest>,
-    Pool<OcspSingleResponse, CreateOcspSingleResponse, FreeOcspSingleResponse>,
-    Pool<OcspBasicResponse, CreateOcspBasicResponse, FreeOcspBasicResponse>,
-    Pool<OcspBasicResponses, CreateOcspBasicResponses, FreeOcspBasicResponses>,
-    Pool<X509RevokedCertificates, CreateX509RevokedCertificates, FreeX509RevokedCertificates>,
-    Pool<X509GeneralName, CreateX509GeneralName, FreeX509GeneralName>,
-    Pool<X509GeneralNames, CreateX509GeneralNames, FreeX509GeneralNames>,
-    Pool<PKIFreeText, CreatePKIFreeText, FreePKIFreeText>, Pool<OctetStrings, CreateOctetStrings, FreeOctetStrings>,
-    Pool<ExtensionExtendedKeyUsage, CreateExtensionExtendedKeyUsage, FreeExtensionExtendedKeyUsage>,
-    Pool<ExtensionCertificatePolicies, CreateExtensionCertificatePolicies, FreeExtensionCertificatePolicies>,
-    Pool<ExtensionCrlDistributionPoints, CreateExtensionCrlDistributionPoints, FreeExtensionCrlDistributionPoints>,
-    Pool<ExtensionAuthorityInformationAccess, CreateExtensionAuthorityInformationAccess,
-         FreeExtensionAuthorityInformationAccess>,
-    Pool<CrlListIDs, CreateCrlListIDs, FreeCrlListIDs>, Pool<OcspListIDs, CreateOcspListIDs, FreeOcspListIDs>,
-    Pool<CrlOcspRefs, CreateCrlOcspRefs, FreeCrlOcspRefs>>;
+#include "sequence.kinds"
+    >;
 using Step = void (*)(World&);
 
 template <class Object, auto Create, auto Free>
@@ -185,43 +163,8 @@ template <Step... Steps>
 constexpr Step kSteps[] = {Steps...};
 
 constexpr auto& kCalls = kPlays<
-    AddX509NameEntry, AddX509NameEntryExt, DeleteX509NameEntry, ClearX509Name, RemoveX509ExtensionsExtension,
-    RemoveX509ExtensionsExtension2, ClearX509Extensions, RemoveX509Extensions, SetX509ExtensionsSorted,
-    AddRsaAttributesAttributeWithValue, AddRsaAttributesAttributeValue, RemoveRsaAttributesAttribute2,
-    ClearRsaAttributes, RemoveRsaAttributes, SetRsaAttributesSorted, SetCertificateVersion, SetCertificateSerialNumber,
-    SetCertificateIssuer, SetCertificateSubject, SetCertificateValidNotBefore, SetCertificateValidNotAfter,
-    SetCertificateExtensions, SetCertificateSubjectKeyIdentifier, SetCertificateAuthorityKeyIdentifier,
-    SetCertificateAuthorityKeyIdentifier2, SetCertificateZelcryptKeyIdentifier,
-    SetCertificateExtensionCrlDistributionPoints, SetCertificatePublicKey, SetCertificateGostR34102001PublicKey,
-    SetCertificatePublicKeyAlgorithmIdAndParameters, SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters,
-    SetCertificateGostR34102001SignatureAlgorithmIDAndParameters, SetCertificateGostR34102001SignatureAlgorithmID,
-    AddX509CrlRevokedCertificate, ClearX509CrlRevokedCertificates, RemoveX509CrlRevokedCertificates, SetX509CrlIssuer,
-    SetX509CrlThisUpdate, SetX509CrlNextUpdate, RemoveX509CrlNextUpdate, SetX509CrlAuthorityKeyIdentifier,
-    SetX509CrlAuthorityKeyIdentifier2, SetX509CrlGostR34102001SignatureAlgorithmIDAndParameters,
-    SetX509CrlGostR34102001SignatureAlgorithmID, FindX509CrlFind, SetPKCS10CertReqSubject, SetPKCS10CertReqAttributes,
-    SetPKCS10CertReqExtensions, SetPKCS10CertReqPublicKey, SetPKCS10CertReqGostR34102001PublicKey,
-    SetPKCS10CertReqGostR34102001PublicKeyAlgorithmIdAndParameters,
-    SetPKCS10CertReqGostR34102001SignatureAlgorithmIdAndParameters, SetPKCS10CertReqGostR34102001SignatureAlgorithmID,
-    AddCmsSignedDataDigestAlgorithmOidAndParameters, ClearCmsSignedDataDigestAlgorithms, SetCmsSignedDataContentTypeOid,
-    SetCmsSignedDataContent, AddCmsSignedDataEncodedCertificate, RemoveCmsSignedDataCertificates,
-    AddCmsSignedDataEncodedCrl, RemoveCmsSignedDataCrls, ClearCmsSignedDataSignerInfos, DeleteCmsSignedDataSignerInfo,
-    SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber, SetCmsSignerInfoSignerSubjectKeyIdentifier,
-    FillCmsSignerInfoWithSignedAttributes, FillCmsSignerInfoWithSignedAttributes2,
-    GetCmsSignerInfoEncodedSignedAttributes, CompareSignerInfoAndCertificate, GetCmsSignedDataToBeSignedPart2,
-    SetCmsContentInfoTypeOid, SetCmsContentInfoContent, RemoveSeveralDataContentInfo,
-    SetCmsEnvelopedDataEncryptedContentTypeOid, SetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters,
-    SetCmsEnvelopedDataEncryptedContent, AddCmsEnvelopedDataEncodedCrl, RemoveCmsEnvelopedDataCrls,
-    RemoveCmsEnvelopedDataRecipientInfos, SetKeyTransRecipientIdentifierIssuerAndSerialNumber,
-    SetKeyTransRecipientIdentifierSubjectKeyIdentifier, SetKeyTransEncryptedKey, AddOcspRequestCertRequest,
-    RemoveOcspRequestSignature, SetOcspSingleResponseCertID, SetOcspSingleResponseCertStatusRevoked,
-    SetOcspSingleResponseCertStatusGood, SetOcspSingleResponseThisUpdate, SetOcspBasicResponseResponderID,
-    SetOcspBasicResponseProducedAt, ClearOcspBasicResponseResponses, AddX509RevokedCertificatesRevokedCertificate,
-    AddX509GeneralName, AddPKIFreeTextString, AddOctetStringsValue, AddExtensionExtendedKeyUsage,
-    RemoveExtensionExtendedKeyUsage, AddExtensionPolicyInformation, AddExtensionPolicyQualifier,
-    RemoveExtensionPolicyInformation, RemoveExtensionPolicyQualifier, RemoveExtensionCrlDistributionPoint,
-    RemoveExtensionAuthorityInformationAccess, AddCrlValidatedIdToList, AddOcspResponseIdToList,
-    EncodeX509RevokedCertificates, EncodeCmsContentInfoContent, GetCmsSignedDataToBeSignedPart, FindAlgIdByOid,
-    GetPublicKeyAlgorithmOid, GetNameAttributeTypeOid>;
+#include "sequence.functions"
+    >;
 constexpr auto& kMoves =
     kSteps<Adopt<AddCertificateToCertificates>, Adopt<AddX509CrlToX509Crls>, Adopt<AddSeveralDataContentInfo>,
            Adopt<AddOcspRequestCertificate>, Adopt<AddOcspBasicResponseSingleResponse>,

@@ -95,50 +95,18 @@ TEST(TimeStamps, DocumentsAreWrittenAsTheyWereRead) {
     }
 }
 
-// Leaves out each pointer in turn, and gives an x for those without which the status is 32.
-template <class... T>
-std::string Required(Status (*function)(T...), std::type_identity_t<T>... arguments) {
-    std::string required;
-    const auto without = [&]<class Argument>(Argument& argument) {
-        if constexpr (std::is_pointer_v<Argument>) {
-            const Argument given = std::exchange(argument, nullptr);
-            required += function(arguments...) == StatusBadArgument ? 'x' : '.';
-            argument = given;
-        }
-    };
-    (without(arguments), ...);
-    return required;
-}
-
 TEST(TimeStamps, MissingAndUnfinishedArgumentsAreAnswered) {
     const LibraryPreciseTime time = {2019, 1, 2, 3, 4, 5, 0, 0}, tooFine = {2019, 1, 2, 3, 4, 5, 1000, 0};
-    const Bytes request = RequestOf(Bytes()), response = Hex("3005 3003020100");
-    const Bytes info = Tlv(48, kStart + Bytes{6} + kPolicy + kImprint + kStart + Tlv(24, Text("20190102030405Z")));
+    const Bytes request = RequestOf(Bytes());
     const auto extensions = Make<FreeX509Extensions>(CreateX509Extensions);
     const auto empty = Make<FreeX509GeneralName>(CreateX509GeneralName);
     uint8_t b[256] = {};
     uint32_t n = 0;
     int32_t version = 0;
-    TstInfo i;
-    PKIFreeText* text = nullptr;
-    CmsContentInfo* token = nullptr;
-    X509GeneralName* name = nullptr;
     X509Extensions handle = nullptr;
-    EXPECT_EQ(Required(DecodeTimeStampReq, &request[0], Size(request), &version, b, &n, b, &n, b, &n, b, &n, b, &n, &n,
-                       &handle),
-              "xx.x.x.x.x.xxx");
     n = sizeof b;
     EXPECT_STATUS(StatusOk, DecodeTimeStampReq(&request[0], Size(request), &version, b, &n, nullptr, nullptr, b, &n, b,
                                                &n, b, &n, &n, &handle));
-    EXPECT_EQ(Required(DecodeTimeStampResp, &response[0], 7, &version, &text, &n, &token), "xxxxx");
-    EXPECT_EQ(Required(DecodeTSTInfo, &info[0], Size(info), &version, b, &n, b, &n, b, &n, b, &n, b, &n, &i.genTime,
-                       &i.accuracy, &n, b, &n, &name, &handle),
-              "x..................");
-    EXPECT_EQ(Required(EncodeTimeStampReq, 1, b, b, 1, b, 1, b, 0, b, 1, 0, extensions.get(), b, &n), "x.x....x");
-    EXPECT_EQ(Required(EncodeTimeStampResp, 0, text, 0, token, b, &n), "...x");
-    EXPECT_EQ(Required(EncodeTSTInfo, 1, b, b, b, 1, b, 1, b, 1, &time, &i.accuracy, 0, b, 1, nullptr, extensions.get(),
-                       b, &n),
-              ".x.xxx.....x");
     const auto write = [&](const uint8_t* policy, const LibraryPreciseTime& genTime, const X509GeneralName* tsa) {
         return EncodeTSTInfo(1, policy, b, nullptr, 0, b, 1, b, 1, &genTime, nullptr, 0, nullptr, 0, tsa,
                              extensions.get(), nullptr, &n);
