@@ -1,4 +1,4 @@
-// Every allocation fails once, for certificates, revocation lists and requests.
+// Every allocation fails once, for lists that grow: of revoked certificates, and of attributes out of order.
 
 #include "faults.h"
 
@@ -16,53 +16,6 @@ Status FillName(X509Name* name) {
     for (int32_t i = 0; i < 12; ++i)
         status = FirstFailure({status, AddX509NameEntry(name, kKey.data(), 7, 12, kCommonName.data(), i % 3 == 0)});
     return status;
-}
-
-Status FillCertificate(Certificate* c) {
-    const uint8_t *key = kKey.data(), *algorithm = kAlgorithm.data();
-    X509Name* name = nullptr;
-    X509Extensions extensions = nullptr;
-    return FirstFailure(
-        {SetCertificateVersion(c, 2), SetCertificateSerialNumber(c, key, 2), GetCertificateSubject(c, &name),
-         FillName(name), SetCertificateIssuer(c, name), SetCertificateValidNotBefore(c, &kTime),
-         SetCertificateValidNotAfter(c, &kLater), SetCertificatePublicKey(c, key, 65),
-         SetCertificatePublicKeyAlgorithmOidAndParameters(c, algorithm, kNull.data(), 2),
-         SetCertificateSignatureAlgorithmOidAndParameters(c, algorithm, nullptr, 0),
-         SetCertificateIssuerUniqueId(c, key, 3, 4), GetCertificateExtensions(c, &extensions),
-         AddX509ExtensionsExtension(extensions, kUsage.data(), 1, kNull.data(), 2),
-         SetCertificateSubjectKeyIdentifier(c), SetCertificateAuthorityKeyIdentifier2(c, key, 20, name, key, 2),
-         SetCertificateExtensionCrlDistributionPoints(c, "http://crl.example/1.crl"),
-         SetCertificateZelcryptKeyIdentifier(c, "key"), SetCertificateSignature(c, key, 64)});
-}
-
-TEST(Faults, Certificates) {
-    const auto whole = Make<FreeCertificate>(CreateCertificate);
-    ASSERT_EQ(FillCertificate(whole.get()), StatusOk);
-    const uint64_t before = instruments.allocations;
-    const Bytes encoded = Fetch(EncodeCertificate, whole.get());
-    EXPECT_EQ(instruments.allocations, before) << "encoding needs no memory";
-    const auto authority = [&] {
-        uint8_t keyId[64], serial[64];
-        uint32_t keyIdLength = 64, serialLength = 64;
-        return MakeAndFree<FreeX509Name>([&](X509Name** issuer) {
-            return GetCertificateAuthorityKeyIdentifier2(whole.get(), keyId, &keyIdLength, issuer, serial,
-                                                         &serialLength);
-        });
-    };
-    const auto policies = [] {
-        return MakeFillAndFree<FreeExtensionCertificatePolicies>(CreateExtensionCertificatePolicies, [](auto* list) {
-            return FirstFailure({AddExtensionPolicyInformation(list, kUsage.data(), nullptr),
-                                 AddExtensionPolicyQualifier(list, 0, kUsage.data(), nullptr, 0)});
-        });
-    };
-    // A name that can't be decoded for want of memory is passed over as any broken one.
-    FailEveryAllocation(
-        {{"build", [] { return MakeFillAndFree<FreeCertificate>(CreateCertificate, FillCertificate); }},
-         {"decode", [&] { return MakeAndFree<FreeCertificate>(DecodeCertificate, encoded.data(), Size(encoded)); }},
-         {"copy", [&] { return MakeAndFree<FreeCertificate>(CreateCertificateCopy, whole.get()); }},
-         {"authority key identifier", authority},
-         {"policies", policies}},
-        StatusNotFound);
 }
 
 // Three entries carry an issuer, with or without a name of another type.
