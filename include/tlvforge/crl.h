@@ -69,7 +69,7 @@ TLVFORGE_STATUS GetX509CrlsCrl(const X509Crls* crls, uint32_t index, X509Crl** c
  */
 TLVFORGE_STATUS GetX509CrlToBeSignedPart(const X509Crl* crl, uint8_t* buffer, uint32_t* length);
 
-/* --- Revoked certificates, counted from 0 in the order of the list. An index at or beyond the count gives
+/* --- Revoked certificates, counted from 0 in the order of the list. An index at or beyond the count is
  *    StatusBadArgument, a CRL without the field StatusAbsent --- */
 
 /**

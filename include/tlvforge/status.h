@@ -59,7 +59,7 @@ TLVFORGE_NUMBER(StatusBadItem, 305)            /* a schema item contradicts itse
 TLVFORGE_NUMBER(StatusBadAlternative, 306)     /* a CHOICE with an alternative that isn't defined */
 TLVFORGE_NUMBER(StatusBadValue, 307)           /* well-formed BER whose content isn't allowed */
 TLVFORGE_NUMBER(StatusUnknownOid, 308)         /* an object identifier isn't in the table that numbers it */
-TLVFORGE_NUMBER(StatusUnknownId, 309)          /* a number isn't in the table that gives its object identifier */
+TLVFORGE_NUMBER(StatusUnknownId, 309)          /* a number isn't in the table of object identifiers */
 TLVFORGE_NUMBER(StatusAbsent, 311)             /* a field that the operation needs isn't there */
 TLVFORGE_NUMBER(StatusBadTime, 313)            /* a date or time component is outside its range */
 TLVFORGE_NUMBER(StatusWrongContentType, 314)   /* a CMS content has another type than the operation works on */

@@ -68,7 +68,7 @@ inline constexpr bool kIsOptional = false;
 template <class T>
 inline constexpr bool kIsOptional<std::optional<T>> = true;
 
-// Arguments that stand for a pointer and a length where a function has both. An Oid tells its length itself.
+// Arguments that stand for a pointer and a length where a function has both. An Oid contains its length.
 template <class A>
 inline constexpr bool kIsBytes =
     !std::is_same_v<A, Oid> && (kIsByteRange<A> || std::is_convertible_v<const A&, const char*>);

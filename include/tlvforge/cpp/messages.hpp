@@ -29,7 +29,7 @@ struct FileSignature {
     ByteView digest = nullptr;                    // of the content; may be null without signed attributes
     std::optional<LibraryTime> signingTime = {};  // may be absent without signed attributes
     Algorithm digestAlgorithm = {};               //
-    ByteView signerCertificate = nullptr;         // BER; gives issuer and serial number, isn't put in
+    ByteView signerCertificate = nullptr;         // BER; source of issuer and serial number, isn't put in
     std::vector<ByteView> certificates = {};      // DER, to be put in; those already there are left out
     Algorithm signatureAlgorithm = {};            //
     bool useSignedAttributes = true;              // false: the content itself is signed
@@ -85,7 +85,7 @@ inline const uint8_t* Given(const Oid& oid) { return oid.empty() ? nullptr : oid
 namespace nothrow {
 
 /**
- * ToBeSigned gives the bytes that the signature of a document is made of: those of the signed attributes, and without
+ * ToBeSigned returns the bytes that the signature of a document is made of: those of the signed attributes, and without
  * them the content.
  */
 inline Result<Bytes> ToBeSigned(const FileSignature& signature) {

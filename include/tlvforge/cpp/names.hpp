@@ -28,7 +28,7 @@ struct NameEntry {
 
 }  // namespace types
 
-/** ShortName gives the usual short name of an attribute type, such as CN or O; empty for others. */
+/** ShortName returns the usual short name of an attribute type, such as CN or O; empty for others. */
 inline std::string_view ShortName(const Oid& oid) {
     static constexpr struct {
         std::string_view oid, name;
