@@ -1,5 +1,5 @@
-# What `cmake --install` lays out, in three components: runtime has the library, development the headers,
-# find_package(tlvforge), pkg-config and the documents, java the jar.
+# What `cmake --install` lays out, in four components: runtime has the library, development the headers,
+# find_package(tlvforge), pkg-config and the documents, tools tlvforge-inspect, java the jar.
 include(CMakePackageConfigHelpers)
 
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/tlvforge)
@@ -35,8 +35,7 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/ DESTINATION ${CMAKE_INSTALL_DOCDI
 install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development)
 # The examples of one file each, with what they include.
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development FILES_MATCHING
-    PATTERN "*.cpp" PATTERN "*.h" PATTERN "*.java" PATTERN "inspect*" EXCLUDE PATTERN outline EXCLUDE
-    PATTERN support.h EXCLUDE)
+    PATTERN "*.cpp" PATTERN "*.h" PATTERN "*.java")
 install(FILES packaging/tlvforge.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
 # The list of statuses is that of the headers.
 set(statuses "")
@@ -53,6 +52,13 @@ endforeach()
 string(STRIP "${statuses}" statuses)
 configure_file(packaging/tlvforge-status.7.in ${PROJECT_BINARY_DIR}/tlvforge-status.7 @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tlvforge-status.7 DESTINATION ${CMAKE_INSTALL_MANDIR}/man7 COMPONENT development)
+
+if(TARGET tlvforge-inspect)
+    install(TARGETS tlvforge-inspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    install(FILES packaging/tlvforge-inspect.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    install(FILES tools/inspect/completion.bash RENAME tlvforge-inspect COMPONENT tools
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endif()
 
 if(TARGET tlvforge_jar)
     get_target_property(jar tlvforge_jar JAR)

@@ -12,9 +12,18 @@ run(strip --strip-unneeded --remove-section=.comment --remove-section=.note ${li
 # dpkg-shlibdeps wants a file debian/control where it runs.
 set(directory ${CPACK_TOPLEVEL_DIRECTORY}/shlibdeps)
 file(WRITE ${directory}/debian/control "")
-run(dpkg-shlibdeps -O -e${library} WORKING_DIRECTORY ${directory} OUTPUT_VARIABLE depends ERROR_QUIET
-    OUTPUT_STRIP_TRAILING_WHITESPACE)
-string(REGEX REPLACE "^shlibs:Depends=" "" CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${depends}")
+# What a file of a component needs.
+macro(find_dependencies COMPONENT file)
+    run(dpkg-shlibdeps -O -e${file} WORKING_DIRECTORY ${directory} OUTPUT_VARIABLE depends ERROR_QUIET
+        OUTPUT_STRIP_TRAILING_WHITESPACE)
+    string(REGEX REPLACE "^shlibs:Depends=" "" CPACK_DEBIAN_${COMPONENT}_PACKAGE_DEPENDS "${depends}")
+endmacro()
+find_dependencies(RUNTIME ${library})
+if(tools IN_LIST CPACK_COMPONENTS_ALL)
+    set(program ${staging}/tools/usr/bin/tlvforge-inspect)
+    run(strip --strip-unneeded --remove-section=.comment --remove-section=.note ${program})
+    find_dependencies(TOOLS ${program})
+endif()
 
 # A jar has its version in its name. The virtual machine looks for native methods in the folder jni.
 if(java IN_LIST CPACK_COMPONENTS_ALL)
@@ -51,6 +60,6 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
         string(REPLACE "](CHANGELOG.md)" "](../${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}/changelog.gz)" text "${text}")
         file(WRITE ${page} "${text}")
     endforeach()
-    file(GLOB texts ${documents}/changelog* ${share}/man/man*/*.[37])
+    file(GLOB texts ${documents}/changelog* ${share}/man/man*/*.[137])
     run(gzip -9 -n ${texts})
 endforeach()

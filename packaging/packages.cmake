@@ -2,6 +2,9 @@
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET tlvforge-inspect)
+    list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
 if(TARGET tlvforge_jar)
     list(APPEND CPACK_COMPONENTS_ALL java)
 endif()
@@ -37,6 +40,8 @@ endfunction()
 describe(RUNTIME libtlvforge-64 libs "library" "This is the shared library.")
 describe(DEVELOPMENT libtlvforge-dev libdevel "headers"
     "These are the headers and the files for CMake and pkg-config.")
+describe(TOOLS tlvforge-tools utils "tlvforge-inspect"
+    "This is the program that prints outlines of documents, with the library inside.")
 describe(JAVA libtlvforge-java java "Java class" "Each function of the library is a native method of the class.")
 
 # CPack's own search for shared libraries would add scripts that call ldconfig, where Debian has a trigger.

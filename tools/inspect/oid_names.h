@@ -1,7 +1,7 @@
 // Names of object identifiers that are met in documents.
 #pragma once
 
-namespace examples {
+namespace inspect {
 
 struct WellKnownOid {
     const char* oid;
@@ -151,6 +151,9 @@ inline constexpr WellKnownOid kWellKnownOids[] = {
 
     // Keys that are agreed upon, wrapped or made of passwords
     {"1.2.840.113549.1.5.12", "PBKDF2"},
+    {"1.2.840.113549.1.5.13", "PBES2"},
+    {"1.2.840.113549.2.7", "hmacWithSHA1"},
+    {"1.2.840.113549.2.9", "hmacWithSHA256"},
     {"1.2.840.113549.1.9.16.3.5", "dh-EphemeralStatic"},
     {"1.2.840.113549.1.9.16.3.6", "des-EDE3-wrap"},
     {"1.2.840.113549.1.9.16.3.9", "passwordKeyEncryption"},
@@ -394,4 +397,4 @@ inline constexpr WellKnownOid kWellKnownOids[] = {
     {"1.3.6.1.5.5.7.8.9", "smtpUtf8Mailbox"},
 };
 
-}  // namespace examples
+}  // namespace inspect

@@ -1,41 +1,39 @@
-// Text of documents as UTF-8 for the screen.
-#pragma once
+#include "text.h"
 
 #include <cstdio>
-#include <optional>
-#include <string>
 
-#include "../support.h"
+#include "tlvforge/asn1.h"
 
-namespace examples {
+namespace inspect {
+namespace {
 
 // Beyond Unicode: a byte or unit that is no character, plus this.
-inline constexpr char32_t kNoCharacter = 0x110000;
+constexpr char32_t kNoCharacter = 0x110000;
 
 // Readers of the string types, one character an element.
-using Reader = std::u32string (*)(const Bytes& bytes);
+using Reader = std::u32string (*)(View bytes);
 
-inline std::u32string ReadAscii(const Bytes& bytes) {
+std::u32string ReadAscii(View bytes) {
     std::u32string text;
     for (const uint8_t byte : bytes) text += byte < 0x80 ? byte : kNoCharacter + byte;
     return text;
 }
 
 // A TeletexString should be T.61, but what is found in certificates is Latin-1.
-inline std::u32string ReadLatin1(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+std::u32string ReadLatin1(View bytes) { return {bytes.begin(), bytes.end()}; }
 
 // One number of big-endian bytes.
-inline char32_t ReadUnit(const Bytes& bytes, size_t at, size_t size) {
+char32_t ReadUnit(View bytes, size_t at, size_t size) {
     char32_t unit = 0;
     for (size_t i = at; i < at + size; ++i) unit = unit << 8 | bytes[i];
     return unit;
 }
 
-inline bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-inline bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 // A BMPString has no surrogates; pairs are found in it all the same, and mean what they mean in UTF-16.
-inline std::u32string ReadBmp(const Bytes& bytes) {
+std::u32string ReadBmp(View bytes) {
     std::u32string text;
     for (size_t at = 0; at + 2 <= bytes.size(); at += 2) {
         const char32_t low = ReadUnit(bytes, at, 2);
@@ -48,7 +46,7 @@ inline std::u32string ReadBmp(const Bytes& bytes) {
     return text;
 }
 
-inline std::u32string ReadUniversal(const Bytes& bytes) {
+std::u32string ReadUniversal(View bytes) {
     std::u32string text;
     for (size_t at = 0; at + 4 <= bytes.size(); at += 4) {
         const char32_t unit = ReadUnit(bytes, at, 4);
@@ -58,7 +56,7 @@ inline std::u32string ReadUniversal(const Bytes& bytes) {
 }
 
 // The character at the front of UTF-8 and the number of its bytes; 1 and kNoCharacter for what is none.
-inline char32_t ReadUtf8Character(const Bytes& bytes, size_t at, size_t* size) {
+char32_t ReadUtf8Character(View bytes, size_t at, size_t* size) {
     const uint8_t lead = bytes[at];
     const char32_t refused = kNoCharacter + lead;
     *size = 1;
@@ -77,14 +75,14 @@ inline char32_t ReadUtf8Character(const Bytes& bytes, size_t at, size_t* size) {
     return character;
 }
 
-inline std::u32string ReadUtf8(const Bytes& bytes) {
+std::u32string ReadUtf8(View bytes) {
     std::u32string text;
     size_t size = 0;
     for (size_t at = 0; at < bytes.size(); at += size) text += ReadUtf8Character(bytes, at, &size);
     return text;
 }
 
-inline std::string ToUtf8(char32_t character) {
+std::string ToUtf8(char32_t character) {
     const auto tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
     if (character < 0x80) return {static_cast<char>(character)};
     if (character < 0x800) return {static_cast<char>(0xC0 | character >> 6), tail(0)};
@@ -93,7 +91,7 @@ inline std::string ToUtf8(char32_t character) {
 }
 
 // Characters that move the cursor, turn the direction of writing or can't be seen, and halves of pairs.
-inline bool IsVisible(char32_t character) {
+bool IsVisible(char32_t character) {
     static constexpr struct {
         char32_t first, last;
     } kInvisible[] = {{0, 0x1F},        {0x7F, 0x9F},     {0xAD, 0xAD},     {0x200B, 0x200F}, {0x2028, 0x202E},
@@ -104,14 +102,14 @@ inline bool IsVisible(char32_t character) {
     return true;
 }
 
-// What can't be shown comes out as \u{202E}, or as \xFF where it isn't even a character.
-inline std::string Escape(const std::u32string& text) {
+// Line ends stay where lines are wanted.
+std::string Escape(const std::u32string& text, bool lines = false) {
     std::string shown;
     for (const char32_t character : text) {
         char escape[16] = "\\\\";
         if (character >= kNoCharacter) {
             snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned>(character - kNoCharacter));
-        } else if (!IsVisible(character)) {
+        } else if (!IsVisible(character) && !(lines && character == U'\n')) {
             snprintf(escape, sizeof escape, "\\u{%X}", static_cast<unsigned>(character));
         } else if (character != U'\\') {
             shown += ToUtf8(character);
@@ -122,8 +120,28 @@ inline std::string Escape(const std::u32string& text) {
     return shown;
 }
 
+}  // namespace
+
+std::string ShowUtf8(View bytes) { return Escape(ReadUtf8(bytes)); }
+
+std::string ShowAscii(View bytes) { return Escape(ReadAscii(bytes)); }
+
+// Fewer bytes are text too often by chance.
+std::optional<std::string> ReadOctetsAsText(View bytes) {
+    static constexpr size_t kFewest = 6;
+    if (bytes.size() < kFewest) return std::nullopt;
+    std::u32string text = ReadUtf8(bytes);
+    for (const char32_t character : text) {
+        const bool blank = character == U'\n' || character == U'\r' || character == U'\t';
+        if (character >= kNoCharacter || (!IsVisible(character) && !blank)) return std::nullopt;
+    }
+    // Line ends of any system.
+    std::erase(text, U'\r');
+    return Escape(text, true);
+}
+
 // Nothing for types that aren't text, and for lengths that don't go with the type.
-inline std::optional<std::string> ToText(uint32_t type, const Bytes& bytes) {
+std::optional<std::string> ToText(uint32_t type, View bytes) {
     static constexpr struct {
         uint32_t type;
         size_t unit;
@@ -141,26 +159,20 @@ inline std::optional<std::string> ToText(uint32_t type, const Bytes& bytes) {
     return std::nullopt;
 }
 
-// --- Numbers that have names ---
-
-// Names of the bits of a flag word, from bit 0 on. Bits without a name, which is null, are told by their number.
-template <size_t Count>
-std::string DescribeFlags(uint32_t flags, const char* const (&names)[Count]) {
+std::string DescribeFlags(View bits, Names names) {
     std::string text;
-    for (uint32_t bit = 0; bit < 32; ++bit) {
-        const uint32_t mask = 0x80u >> bit % 8 << bit / 8 * 8;
-        if ((flags & mask) == 0) continue;
+    for (size_t bit = 0; bit < 8 * bits.size(); ++bit) {
+        if ((bits[bit / 8] & 0x80u >> bit % 8) == 0) continue;
         if (!text.empty()) text += ", ";
-        text += bit < Count && names[bit] != nullptr ? names[bit] : "bit " + std::to_string(bit);
+        text += bit < names.size() && names[bit] != nullptr ? names[bit] : "bit " + std::to_string(bit);
     }
     return text.empty() ? "none" : text;
 }
 
-// "1 revoked", or the number alone.
-template <size_t Count>
-std::string DescribeNumber(int32_t number, const char* const (&names)[Count]) {
-    const bool known = number >= 0 && number < static_cast<int32_t>(Count) && names[number] != nullptr;
-    return std::to_string(number) + (known ? std::string(" ") + names[number] : "");
+std::string DescribeNumber(int64_t number, Names names) {
+    const bool known =
+        number >= 0 && number < static_cast<int64_t>(names.size()) && names[static_cast<size_t>(number)] != nullptr;
+    return std::to_string(number) + (known ? std::string(" ") + names[static_cast<size_t>(number)] : "");
 }
 
-}  // namespace examples
+}  // namespace inspect
