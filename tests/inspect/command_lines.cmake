@@ -128,3 +128,27 @@ expect(0 "  Certificates: 1\n    CN=Root\n      Issuer: CN=Root\n" signed.der)
 expect(0 "      SHA-256: ${fingerprint}\n" --certificates signed.der)
 expect(0 "    Content: None of them\n" signed.der)
 expect(0 "\n    and 33 bytes more\n" --limit 96 public.pem)
+
+# Values that are beyond the library are shown as they stand, and what it refuses as raw elements, with the reason.
+function(make_der file)
+    list(JOIN ARGN "\n" text)
+    file(WRITE ${DIRECTORY}/${file}.cnf "${text}\n")
+    make(${file}.txt asn1parse -genconf ${file}.cnf -noout -out ${file})
+endfunction()
+set(imprint "[imprint]" "algorithm=SEQUENCE:algorithm" "hash=FORMAT:HEX,OCTETSTRING:0102" "[algorithm]" "oid=OID:1.2.3.4")
+make_der(info.der "asn1=SEQUENCE:info" "[info]" "version=INTEGER:1" "policy=OID:1.2.3" "imprint=SEQUENCE:imprint"
+    "number=INTEGER:5" "time=GENTIME:99991231235959Z" "nonce=INTEGER:-300" "more=UTF8:unheard of" ${imprint})
+set(remark "beyond the years that the library converts")
+expect(0 "  Gen time: 99991231235959Z (${remark})\n" info.der)
+expect(0 "{\"name\":\"Gen time\",\"value\":\"99991231235959Z\",\"remark\":\"${remark}\"}" --json info.der)
+expect(0 "  Nonce: -012C\n" info.der)
+expect(0 "  Fields that the library passes over\n    UTF8String: unheard of\n" info.der)
+make_der(crls.der "asn1=SEQUENCE:info" "[info]" "type=OID:1.2.840.113549.1.7.2" "content=EXPLICIT:0,SEQUENCE:signed"
+    "[signed]" "version=INTEGER:1" "digests=SET:none" "content=SEQUENCE:content" "crls=IMPLICIT:1,SET:crls"
+    "signers=SET:none" "[content]" "type=OID:1.2.840.113549.1.7.1" "[crls]" "crl=SEQUENCE:crl" "[crl]" "a=INTEGER:7" "[none]")
+expect(0 "expected (the library doesn't read messages with CRLs)\n    SEQUENCE\n      INTEGER: 1\n      SET\n" crls.der)
+make(extensions.pem req -x509 -key rsa.pem -subj /CN=Root -addext subjectAltName=IP:2001:db8:0:0:1:0:0:1
+    -addext policyConstraints=requireExplicitPolicy:3 "-addext" "nameConstraints=permitted\;IP:10.0.0.0/255.0.0.0")
+expect(0 "      IP address: 2001:db8::1:0:0:1\n" extensions.pem)
+expect(0 "      Require explicit policy: 3\n" extensions.pem)
+expect(0 "          IP address: 10.0.0.0/255.0.0.0\n" extensions.pem)
