@@ -1,7 +1,7 @@
 # Command lines of inspect: the exit status, and what is written to both streams.
 cmake_minimum_required(VERSION 3.25)
 
-# A response of OCSP, 30 03 0A 01 06; the same in PEM with a mere number behind it; and a time-stamp response whose text
+# A response of OCSP, 30 03 0A 01 06; the same in PEM with a mere number after it; and a time-stamp response whose text
 # isn't UTF-8, ends a line and turns the direction of writing.
 file(MAKE_DIRECTORY ${DIRECTORY})
 string(ASCII 48 3 10 1 6 der)

@@ -239,7 +239,7 @@ void Walker::ShowFingerprints(View certificate) {
     outline_.Hex("SHA-256", digest);
 }
 
-// Inside of other documents, what tells it from others, unless all of it is wanted.
+// Inside of other documents, what distinguishes it from others, unless all of it is wanted.
 void Walker::ShowCertificate(const Shape& shape, const Element& element, const std::string& label) {
     static constexpr uint32_t kSerialNumber = 1, kIssuer = 3, kSubject = 5;
     const bool whole = whole_ || isCertificate_;
