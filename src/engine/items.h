@@ -189,7 +189,7 @@ struct Field {
     using Cell = typename MemberTraits<decltype(Member)>::Cell;
     static constexpr auto member = Member;
 
-    static_assert(sizeof(Cell) == sizeof(void*), "a field is one cell");
+    static_assert(std::is_pointer_v<Cell> || ListCell<Cell>, "a field is one cell");
     static_assert(std::is_same_v<typename NodeOfCell<Cell>::Type, NodeOf<Element>>,
                   "the member's node is not the element's");
 };

@@ -73,7 +73,7 @@ private:
 class Number : public Parameter {
 public:
     explicit Number(jint value) : value_(value) {}
-    jint value() const { return value_; }
+    jint Value() const { return value_; }
     template <std::integral T>
     operator T() const {
         return static_cast<T>(value_);
@@ -103,8 +103,8 @@ template <class Array>
 class Pinned : public Parameter {
 public:
     explicit Pinned(Array array) : array_(array) {}
-    bool isNull() const { return array_ == nullptr; }
-    jint length() const { return length_; }
+    bool IsNull() const { return array_ == nullptr; }
+    jint Length() const { return length_; }
     void Pin(JNIEnv* env);
     void Release(JNIEnv* env);
 
@@ -128,8 +128,8 @@ public:
     using Pinned::Pinned;
 
 protected:
-    uint8_t* data() const { return reinterpret_cast<uint8_t*>(elements_); }
-    bool IsNullOrHoldsOid() const { return elements_ == nullptr || (length_ >= 1 && length_ >= 1 + *data()); }
+    uint8_t* Data() const { return reinterpret_cast<uint8_t*>(elements_); }
+    bool IsNullOrHoldsOid() const { return elements_ == nullptr || (length_ >= 1 && length_ >= 1 + *Data()); }
 };
 
 // Bytes to read, whose number is the next parameter.
@@ -148,7 +148,7 @@ class GeneralNameValue : public Input {
 public:
     using Input::Input;
     void Follow(Parameter* alternative) { alternative_ = static_cast<const Number*>(alternative); }
-    bool Fits() const { return alternative_->value() != X509GeneralNameRegisteredID || IsNullOrHoldsOid(); }
+    bool Fits() const { return alternative_->Value() != X509GeneralNameRegisteredID || IsNullOrHoldsOid(); }
 
 private:
     const Number* alternative_ = nullptr;
@@ -160,9 +160,9 @@ class Count : public Parameter {
 public:
     explicit Count(jint count) : count_(count) {}
     void Follow(Parameter* bytes) { bytes_ = static_cast<const Bytes*>(bytes); }
-    bool Fits() const { return bytes_->length() >= count_; }
+    bool Fits() const { return bytes_->Length() >= count_; }
     operator uint32_t() const {
-        return static_cast<uint32_t>(count_ < 0 && !bytes_->isNull() ? bytes_->length() : count_);
+        return static_cast<uint32_t>(count_ < 0 && !bytes_->IsNull() ? bytes_->Length() : count_);
     }
 
 protected:
@@ -184,7 +184,7 @@ class Oid : public Bytes {
 public:
     using Bytes::Bytes;
     bool Fits() const { return IsNullOrHoldsOid(); }
-    operator const uint8_t*() const { return data(); }
+    operator const uint8_t*() const { return Data(); }
 };
 
 // An array of byte arrays with these bytes as its only element.
@@ -192,7 +192,7 @@ class ArrayOfOne : public Bytes {
 public:
     using Bytes::Bytes;
     operator const uint8_t* const*() {
-        element_ = data();
+        element_ = Data();
         return &element_;
     }
 
@@ -204,7 +204,7 @@ private:
 class OneAtMost : public Number {
 public:
     using Number::Number;
-    bool Fits() const { return value() == 0 || value() == 1; }
+    bool Fits() const { return Value() == 0 || Value() == 1; }
 };
 
 // Text up to a zero byte, or to the end of the array: then a copy gets the zero. Without memory for that it is null.
@@ -225,7 +225,7 @@ class Block : public Bytes {
 public:
     using Bytes::Bytes;
     bool Fits() const { return IsNullOrHolds(Size); }
-    operator uint8_t*() const { return data(); }
+    operator uint8_t*() const { return Data(); }
 };
 
 // A node, whose address stands in the first eight bytes in the order of the machine. The bytes themselves are no node.
@@ -274,10 +274,10 @@ public:
 class MeasuredBuffer : public Bytes {
 public:
     using Bytes::Bytes;
-    bool hasElements() const { return elements_ != nullptr; }
+    bool HasElements() const { return elements_ != nullptr; }
     void Offer() { offered_ = true; }
-    bool offered() const { return offered_; }
-    operator uint8_t*() const { return offered_ ? data() : nullptr; }
+    bool Offered() const { return offered_; }
+    operator uint8_t*() const { return offered_ ? Data() : nullptr; }
 
 private:
     bool offered_ = false;
@@ -292,7 +292,7 @@ public:
     void Follow(Parameter* buffer) { buffer_ = static_cast<Bytes*>(buffer); }
     bool Fits() const { return HasElement(); }
     operator uint32_t*() {
-        cell_ = static_cast<uint32_t>(buffer_->length());
+        cell_ = static_cast<uint32_t>(buffer_->Length());
         return &cell_;
     }
     void WriteBack() { elements_[0] = static_cast<jint>(cell_); }
@@ -308,8 +308,8 @@ public:
     template <class Result>
     bool Repeats(Result* status) {
         auto* buffer = static_cast<MeasuredBuffer*>(buffer_);
-        if (*status != StatusOk || !buffer->hasElements() || buffer->offered()) return false;
-        if (static_cast<uint32_t>(buffer->length()) < cell_) {
+        if (*status != StatusOk || !buffer->HasElements() || buffer->Offered()) return false;
+        if (static_cast<uint32_t>(buffer->Length()) < cell_) {
             *status = StatusBufferTooSmall;
             return false;
         }
