@@ -1,4 +1,12 @@
-# What `cpack` makes of the installed components: a Debian package of each. What lies in them stands in files.txt.
+# What `cpack` makes of the installed components: for Windows an archive of all, else a Debian package of each, and what
+# lies in these stands in files.txt.
+
+if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+    set(CPACK_PACKAGE_FILE_NAME tlvforge-${PROJECT_VERSION}-windows-x64)
+    include(CPack)
+    return()
+endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL runtime development)

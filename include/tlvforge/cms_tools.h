@@ -9,7 +9,8 @@
  * Functions on documents add these statuses: StatusWrongContentType another content than SignedData, StatusBadEncoding
  * a ContentInfo without content, and those of decoding. Functions on files add StatusFileOpenFailed,
  * StatusFileSeekFailed for one whose size can't be found, StatusFileReadShort and StatusFileWriteShort; a file that is
- * empty or too large is StatusBadArgument. Paths go to the C library as they are.
+ * empty or too large is StatusBadArgument. Paths go to the C library as they are; that of
+ * Windows takes them in the code page of the system.
  *
  * Texts are Russian, in code page 1251, and end in a zero. A size query and StatusBufferTooSmall count that zero, the
  * length after success does not: it is one less than what the query stored.

@@ -1,6 +1,7 @@
 """What the shared library exports, and what it needs.
 
     exports_test.py LIBRARY bridge|plain [--instrumented] [--agreed FILE] [--nm NM] [--readelf READELF]
+        [--objdump OBJDUMP]
 
 The exports are what the public headers declare and, with the bridge, a native method for each of these. The library
 needs the C library alone, and has no path of the place where it was built. What prototypes.txt records hasn't changed.
@@ -29,6 +30,17 @@ def output_of(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
 
 
+def expect_no_path(library):
+    found = f"{ROOT}/".encode() in library.read_bytes()
+    expect_within([f"{ROOT}/"] * found, [], "is a path of the build in the library")
+
+
+# In what objdump prints of a DLL, a heading, a line for each name, and an empty line.
+def names_exported_by_dll(headers):
+    first = next(at for at, line in enumerate(headers) if line.startswith("[Ordinal/Name Pointer] Table")) + 1
+    return [line.split()[-1] for line in headers[first:headers.index("", first)]]
+
+
 def interface(what):
     return output_of(sys.executable, str(ROOT / "scripts/interface.py"), what)
 
@@ -41,11 +53,18 @@ def main():
     parser.add_argument("--agreed", type=Path, default="/nowhere")
     parser.add_argument("--nm", default="nm")
     parser.add_argument("--readelf", default="readelf")
+    parser.add_argument("--objdump", default="objdump")
     arguments = parser.parse_args()
 
     declared = interface("names")
     natives = {SYMBOL + name.replace("_", "_1") for name in declared} if arguments.kind == "bridge" else set()
-    exported = [line.split()[0] for line in output_of(arguments.nm, "-D", "--defined-only", "-P", arguments.library)]
+    is_dll = arguments.library.suffix == ".dll"
+    if is_dll:
+        headers = output_of(arguments.objdump, "-p", arguments.library)
+        exported = names_exported_by_dll(headers)
+    else:
+        symbols = output_of(arguments.nm, "-D", "--defined-only", "-P", arguments.library)
+        exported = [line.split()[0] for line in symbols]
     print(f"{len(declared)} functions and {len(natives)} natives declared, {len(exported)} symbols exported")
     expect_within(declared, exported, "is declared, but not exported")
     expect_within(natives, exported, "is the native method of a function, but not exported")
@@ -67,13 +86,16 @@ def main():
 
     if arguments.instrumented:
         print("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
+    elif is_dll:
+        needed = [line.split()[-1].lower() for line in headers if "DLL Name:" in line]
+        expect_within(needed, ["kernel32.dll", "msvcrt.dll"], "is needed besides the system and its C library")
+        expect_no_path(arguments.library)
     else:
         dynamic = output_of(arguments.readelf, "-d", "-W", arguments.library)
         needed = [line.split("[")[1].rstrip("]") for line in dynamic if "(NEEDED)" in line]
         expect_within(needed, ["libc.so.6"], "is needed besides the C library")
         expect_within([line for line in dynamic if "PATH)" in line], [], "is a run path")
-        found = f"{ROOT}/".encode() in arguments.library.read_bytes()
-        expect_within([f"{ROOT}/"] * found, [], "is a path of the build in the library")
+        expect_no_path(arguments.library)
     return 1 if failures else 0
 
 

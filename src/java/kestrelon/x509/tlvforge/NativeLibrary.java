@@ -27,6 +27,15 @@ final class NativeLibrary {
         }
     }
 
+    /** What is loaded stays loaded. Windows keeps the file of a library that is in use. */
+    private static void delete(Path extracted) {
+        try {
+            Files.deleteIfExists(extracted);
+        } catch (IOException inUse) {
+            extracted.toFile().deleteOnExit();
+        }
+    }
+
     private static void loadFromJar(UnsatisfiedLinkError notOnPath) {
         String file = System.mapLibraryName(NAME);
         try (InputStream copy = NativeLibrary.class.getResourceAsStream(file)) {
@@ -36,7 +45,7 @@ final class NativeLibrary {
                 Files.copy(copy, extracted, StandardCopyOption.REPLACE_EXISTING);
                 System.load(extracted.toString());
             } finally {
-                Files.deleteIfExists(extracted); // what is loaded stays loaded
+                delete(extracted);
             }
         } catch (IOException | UnsatisfiedLinkError failure) {
             if (failure == notOnPath) throw notOnPath;
