@@ -1,6 +1,7 @@
 // The interface for C++: what its templates make of the C functions, and what stands in the headers alone.
 #include "tlvforge/tlvforge.hpp"
 
+#include <ctime>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -247,11 +248,11 @@ TEST(Face, ObjectIdentifiersFromAndToText) {
 TEST(Face, TimesFromAndToChrono) {
     for (int64_t day = -25567; day < 47847; ++day) {
         const time_t last = day * 86400 + 86399;
-        tm expected;
-        gmtime_r(&last, &expected);
+        const tm* expected = std::gmtime(&last);
+        if (expected == nullptr) continue;  // Windows knows none before 1970
         const LibraryTime time = ToLibraryTime(TimePoint(seconds(last)));
-        ASSERT_TRUE(time.year == expected.tm_year + 1900u && time.month == expected.tm_mon + 1u &&
-                    time.day == static_cast<uint32_t>(expected.tm_mday) && time.hour == 23 && time.second == 59)
+        ASSERT_TRUE(time.year == expected->tm_year + 1900u && time.month == expected->tm_mon + 1u &&
+                    time.day == static_cast<uint32_t>(expected->tm_mday) && time.hour == 23 && time.second == 59)
             << day;
         ASSERT_EQ(ToChrono(time), TimePoint(seconds(last))) << day;
     }
@@ -331,7 +332,9 @@ TEST(Face, PemBlocksOfManyShapes) {
     EXPECT_EQ(PemBlocks(rows[3].text)[0].headers, "Proc-Type: 4,ENCRYPTED\nDEK-Info: X\n");
     EXPECT_EQ(nothrow::PemBlocks("\n\n-----BEGIN A-----\n").failure().call, "PemBlocks, line 3");
     EXPECT_EQ(nothrow::ReadFile("/nowhere").status(), StatusFileOpenFailed);
-    EXPECT_EQ(nothrow::ReadFile("/").status(), StatusFileReadShort);
+#ifndef _WIN32
+    EXPECT_EQ(nothrow::ReadFile("/").status(), StatusFileReadShort);  // a folder can be opened
+#endif
     const Bytes large(200'000, 0xA5);
     const std::string path = testing::TempDir() + "/face.bin";
     WriteFile(path, large);

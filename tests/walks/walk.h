@@ -165,7 +165,10 @@ void Each(auto count, auto list, auto visit) {
 }
 
 // All parts that Carry took along, but objects, and years: two digits may be written of them.
-inline thread_local std::string carried;
+inline std::string& Carried() {
+    static thread_local std::string carried;
+    return carried;
+}
 
 // What was read and written once comes back as the same bytes.
 template <class Rewrite>
@@ -178,7 +181,7 @@ void WalkTwice(const Bytes& in, Rewrite rewrite, bool stable) {
 template <auto Free, class Decode, class Encode, class Visit>
 void WalkObject(const Bytes& in, Decode decode, Encode encode, Visit visit, bool stable = true) {
     const auto rewrite = [&](const Bytes& bytes) -> MaybeBytes {
-        carried.clear();
+        Carried().clear();
         const auto object = Make<Free>(decode, bytes.data(), bytes.size());
         if (!object) return std::nullopt;
         MaybeBytes encoded = Sure(Get(encode, object.get()));
@@ -207,7 +210,7 @@ struct Plain {
     void Take(Bytes*&) const {
         constexpr size_t kYear = std::is_class_v<T> ? sizeof(uint32_t) : 0;
         const auto* bytes = reinterpret_cast<const char*>(&value);
-        if (!std::is_pointer_v<T>) carried.append(bytes + kYear, bytes + sizeof value);
+        if (!std::is_pointer_v<T>) Carried().append(bytes + kYear, bytes + sizeof value);
     }
     auto In() const {
         constexpr T kNone{};
@@ -228,7 +231,7 @@ struct Octets {
     static Output Out() { return kOut; }
     void Take(Bytes*& next) {
         bytes = std::move(*next++);
-        carried.append(bytes.data(), bytes.end());
+        Carried().append(bytes.data(), bytes.end());
     }
     const uint8_t* In() const { return bytes.data(); }
 };
@@ -254,9 +257,9 @@ struct Handed {
     ~Handed() { (void)Free(object); }
     Slot Out() { return {&object}; }
     void Take(Bytes*&) const {
-        const std::string before = carried;
+        const std::string before = Carried();
         if (object != nullptr) Walk(object);
-        carried = before;
+        Carried() = before;
     }
     auto In() const { return object; }
 };
@@ -327,15 +330,16 @@ template <class... Parts>
 void WalkParts(const Bytes& in, auto decode, auto encode, bool stable = true) {
     const auto rewrite = [&](const Bytes& bytes) {
         MaybeBytes written;
-        carried.clear();
+        Carried().clear();
         const auto write = [&](auto... values) { return (written = Get(encode, values...)) ? StatusOk : StatusAbsent; };
         Carry<Parts...>(Of(decode, bytes.data(), bytes.size()), write);
         return written;
     };
     const MaybeBytes once = rewrite(in);
-    const std::string first = carried;
+    const std::string first = Carried();
     // OIDs above 255 bytes are written with their length cut to a byte.
-    if (once && stable && in.size() < (*once)[0].size() + 256) Require(rewrite((*once)[0]) == once && carried == first);
+    if (once && stable && in.size() < (*once)[0].size() + 256)
+        Require(rewrite((*once)[0]) == once && Carried() == first);
 }
 
 inline Buffer NoBuffer(Buffer) { return {}; }
