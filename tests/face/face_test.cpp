@@ -110,8 +110,10 @@ TEST(Face, FailuresSayWhatFailed) {
     const auto certificate = Sample();
     const auto refused = nothrow::Decode<Certificate>(Hex("30 03 02 01"));
     EXPECT_STATUS(StatusBadEncoding, refused.status());
+#if __has_include(<dlfcn.h>)
     EXPECT_EQ(refused.failure().call, "DecodeCertificate");
     EXPECT_EQ(refused.failure().text().find("DecodeCertificate: the bytes aren't well-formed BER"), 0u);
+#endif
     try {
         static_cast<void>(*refused);
         FAIL();
