@@ -36,11 +36,10 @@ void ReleaseBlock(void* block) {
 
 namespace {
 
-constexpr size_t kHugePage = size_t{2} << 20;
-
 // Large slabs lie on huge pages where the system has them: a third less time for a large CRL. Updates the size.
 Slab* NewSlab(size_t* size) {
 #if defined(__linux__) && !defined(TLVFORGE_INSTRUMENT)
+    constexpr size_t kHugePage = size_t{2} << 20;
     if (*size >= kHugePage) {
         *size = (*size + kHugePage - 1) & ~(kHugePage - 1);
         void* block = aligned_alloc(kHugePage, *size);
