@@ -207,12 +207,18 @@ union Storage {
 template <class Node>
 inline constinit Storage<Node> nodeFor[2]{};
 
+template <class Node>
+constexpr Node* CellNode(bool marked) {
+    auto& nodes = nodeFor<Node>;
+    return &nodes[marked].node;
+}
+
 struct CellValue {
     bool marked;
 
     template <class Node>
     constexpr operator Node*() const {
-        return &nodeFor<Node>[marked].node;
+        return CellNode<Node>(marked);
     }
     template <ListCell Cell>
     constexpr operator Cell() const {
@@ -222,7 +228,7 @@ struct CellValue {
 
 template <class Node>
 constexpr bool IsMarked(Node* const& cell) {
-    return cell == &nodeFor<Node>[true].node;
+    return cell == CellNode<Node>(true);
 }
 template <ListCell Cell>
 constexpr bool IsMarked(const Cell& cell) {

@@ -52,6 +52,7 @@ template <> struct Schema<X509GeneralName> : Choice<
 template <> struct Schema<X509GeneralNames> : SequenceOf<X509GeneralName> {};
 
 template <> struct Schema<PKIFreeText> : SequenceOf<UTF8String> {};
-template <> struct Schema<OctetStrings> : SequenceOf<OctetString> {};  // clang-format on
+template <> struct Schema<OctetStrings> : SequenceOf<OctetString> {};
+// clang-format on
 }  // namespace schema
 }  // namespace tlvforge

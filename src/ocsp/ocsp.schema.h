@@ -133,7 +133,9 @@ template <> struct Schema<OcspSingleResponse> : Record<
     Field<&OcspSingleResponse::certStatus, OcspCertStatus>,
     Field<&OcspSingleResponse::thisUpdate, GeneralizedTime>,
     Field<&OcspSingleResponse::nextUpdate, Optional<Explicit<0, GeneralizedTime>>>,
-    Field<&OcspSingleResponse::singleExtensions, Optional<Explicit<1, X509ExtensionList>>>> {};  // A name is kept as it stands: what was signed with it stays what it was.
+    Field<&OcspSingleResponse::singleExtensions, Optional<Explicit<1, X509ExtensionList>>>> {};
+
+// A name is kept as it stands: what was signed with it stays what it was.
 template <> struct Schema<OcspResponderID> : Choice<
     Explicit<1, Any>,          // byName
     Explicit<2, OctetString>> {};  // byKey
@@ -151,5 +153,6 @@ template <> struct Schema<OcspBasicResponse> : Record<
     Field<&OcspBasicResponse::signature, BitString>,
     Field<&OcspBasicResponse::certs, Optional<Explicit<0, Certificates>>>> {};
 
-template <> struct Schema<OcspBasicResponses> : SequenceOf<OcspBasicResponse> {};  // clang-format on
+template <> struct Schema<OcspBasicResponses> : SequenceOf<OcspBasicResponse> {};
+// clang-format on
 }  // namespace tlvforge::schema

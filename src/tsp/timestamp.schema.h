@@ -91,6 +91,7 @@ template <> struct Schema<TSTInfo> : Record<
     Field<&TSTInfo::ordering, Default<Boolean, kFalse>>,
     Field<&TSTInfo::nonce, Optional<Integer>>,
     Field<&TSTInfo::tsa, Optional<Explicit<0, X509GeneralName>>>,
-    Field<&TSTInfo::extensions, Optional<Implicit<1, X509ExtensionList>>>> {};  // clang-format on
+    Field<&TSTInfo::extensions, Optional<Implicit<1, X509ExtensionList>>>> {};
+// clang-format on
 }  // namespace schema
 }  // namespace tlvforge

@@ -46,7 +46,8 @@ template <const Asn1Value& EncryptionSet>
 struct Schema<GostParameters<EncryptionSet>> : Record<
     Field<&GostParameters<EncryptionSet>::publicKeyParamSet, ObjectIdentifier>,
     Field<&GostParameters<EncryptionSet>::digestParamSet, ObjectIdentifier>,
-    Field<&GostParameters<EncryptionSet>::encryptionParamSet, Default<ObjectIdentifier, EncryptionSet>>> {};  // clang-format on
+    Field<&GostParameters<EncryptionSet>::encryptionParamSet, Default<ObjectIdentifier, EncryptionSet>>> {};
+// clang-format on
 }  // namespace schema
 
 using GostR34102001Parameters = GostParameters<kGost2001EncryptionSet>;

@@ -22,5 +22,6 @@ template <> struct Schema<RsaAttribute> : Record<
     Field<&RsaAttribute::type, ObjectIdentifier>,
     Field<&RsaAttribute::values, SetOf<Any>>> {};
 
-template <> struct Schema<RsaAttributeList> : SetOf<RsaAttribute> {};  // clang-format on
+template <> struct Schema<RsaAttributeList> : SetOf<RsaAttribute> {};
+// clang-format on
 }  // namespace tlvforge::schema

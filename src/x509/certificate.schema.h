@@ -60,5 +60,6 @@ template <> struct Schema<Certificate> : Record<
     Field<&Certificate::signatureAlgorithm, AlgorithmIdentifier>,
     Field<&Certificate::signature, BitString>> {};
 
-template <> struct Schema<Certificates> : SequenceOf<Certificate> {};  // clang-format on
+template <> struct Schema<Certificates> : SequenceOf<Certificate> {};
+// clang-format on
 }  // namespace tlvforge::schema

@@ -64,5 +64,6 @@ template <> struct Schema<X509Crl> : Record<
     Field<&X509Crl::signatureAlgorithm, AlgorithmIdentifier>,
     Field<&X509Crl::signature, BitString>> {};
 
-template <> struct Schema<X509Crls> : SequenceOf<X509Crl> {};  // clang-format on
+template <> struct Schema<X509Crls> : SequenceOf<X509Crl> {};
+// clang-format on
 }  // namespace tlvforge::schema

@@ -24,5 +24,6 @@ template <> struct Schema<X509Extension> : Record<
     Field<&X509Extension::critical, Default<Boolean, kFalse>>,
     Field<&X509Extension::extnValue, OctetString>> {};
 
-template <> struct Schema<X509ExtensionList> : SequenceOf<X509Extension> {};  // clang-format on
+template <> struct Schema<X509ExtensionList> : SequenceOf<X509Extension> {};
+// clang-format on
 }  // namespace tlvforge::schema

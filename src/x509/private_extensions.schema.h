@@ -76,7 +76,9 @@ template <> struct Schema<IssuerSignTool> : Record<
 
 template <> struct Schema<KeyStorage> : Record<
     Field<&KeyStorage::code, Enumerated>,
-    Field<&KeyStorage::text, Optional<UTF8String>>> {};  // Its first octet is B0.
+    Field<&KeyStorage::text, Optional<UTF8String>>> {};
+
+// Its first octet is B0.
 template <> struct Schema<OcspCheckTime2> : ContextOfKind<Record<
     Field<&OcspCheckTime2::code, Enumerated>,
     Field<&OcspCheckTime2::time, Optional<GeneralizedTime>>>> {};
@@ -84,7 +86,9 @@ template <> struct Schema<OcspCheckTime2> : ContextOfKind<Record<
 template <> struct Schema<OcspCheckKeyMeshRegistry> : Record<
     Field<&OcspCheckKeyMeshRegistry::firstName, UTF8String>,
     Field<&OcspCheckKeyMeshRegistry::secondName, UTF8String>,
-    Field<&OcspCheckKeyMeshRegistry::code, Optional<Enumerated>>> {};  // Three fields have a number in the universal class, and so the first octets of other types: 03, 04 and 05.
+    Field<&OcspCheckKeyMeshRegistry::code, Optional<Enumerated>>> {};
+
+// Three fields have a number in the universal class, and so the first octets of other types: 03, 04 and 05.
 template <> struct Schema<OcspCheckFile> : Record<
     Field<&OcspCheckFile::fileData, OctetString>,
     Field<&OcspCheckFile::fileExtra1, Optional<Implicit<0, OctetString>>>,
@@ -108,5 +112,6 @@ template <> struct Schema<OcspCheckFileExtResult> : Record<
     Field<&OcspCheckFileExtResult::certificates, ExtensionStoreCertificates>,
     Field<&OcspCheckFileExtResult::names, Optional<UniversalTag<0, X509GeneralNames>>>> {};  // the first octet is 20
 
-template <> struct Schema<ExtensionOcspCheckFileExtResults> : SequenceOf<OcspCheckFileExtResult> {};  // clang-format on
+template <> struct Schema<ExtensionOcspCheckFileExtResults> : SequenceOf<OcspCheckFileExtResult> {};
+// clang-format on
 }  // namespace tlvforge::schema

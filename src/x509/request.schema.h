@@ -35,5 +35,6 @@ template <> struct Schema<CertificationRequestInfo> : Record<
 template <> struct Schema<PKCS10CertReq> : Record<
     Field<&PKCS10CertReq::certificationRequestInfo, CertificationRequestInfo>,
     Field<&PKCS10CertReq::signatureAlgorithm, AlgorithmIdentifier>,
-    Field<&PKCS10CertReq::signature, BitString>> {};  // clang-format on
+    Field<&PKCS10CertReq::signature, BitString>> {};
+// clang-format on
 }  // namespace tlvforge::schema

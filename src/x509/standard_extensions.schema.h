@@ -77,7 +77,9 @@ template <> struct Schema<BasicConstraints> : Record<
 
 template <> struct Schema<TimePair> : Record<
     Field<&TimePair::first, Optional<Implicit<0, GeneralizedTime>>>,
-    Field<&TimePair::second, Optional<Implicit<1, GeneralizedTime>>>> {};  // The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
+    Field<&TimePair::second, Optional<Implicit<1, GeneralizedTime>>>> {};
+
+// The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
 // tag: it can be written but not read back. That is the format.
 template <> struct Schema<DistributionPointName> : Choice<
     Implicit<0, X509GeneralNames>, // fullName
@@ -88,7 +90,9 @@ template <> struct Schema<DistributionPoint> : Record<
     Field<&DistributionPoint::reasons, Optional<Implicit<1, BitString>>>,
     Field<&DistributionPoint::cRLIssuer, Optional<Implicit<2, X509GeneralNames>>>> {};
 
-template <> struct Schema<ExtensionCrlDistributionPoints> : SequenceOf<DistributionPoint> {};  // onlySomeReasons has the number of onlyContainsUserCerts, where RFC 5280 has 3. The bytes depend on it.
+template <> struct Schema<ExtensionCrlDistributionPoints> : SequenceOf<DistributionPoint> {};
+
+// onlySomeReasons has the number of onlyContainsUserCerts, where RFC 5280 has 3. The bytes depend on it.
 template <> struct Schema<IssuingDistributionPoint> : Record<
     Field<&IssuingDistributionPoint::distributionPoint, Optional<Explicit<0, DistributionPointName>>>,
     Field<&IssuingDistributionPoint::onlyContainsUserCerts, Default<Implicit<1, Boolean>, kFalse>>,
@@ -113,5 +117,6 @@ template <> struct Schema<AccessDescription> : Record<
     Field<&AccessDescription::accessMethod, ObjectIdentifier>,
     Field<&AccessDescription::accessLocation, X509GeneralName>> {};
 
-template <> struct Schema<ExtensionAuthorityInformationAccess> : SequenceOf<AccessDescription> {};  // clang-format on
+template <> struct Schema<ExtensionAuthorityInformationAccess> : SequenceOf<AccessDescription> {};
+// clang-format on
 }  // namespace tlvforge::schema
