@@ -25,8 +25,8 @@ auto TypeOf(F function, A&&... arguments) -> std::decay_t<decltype(Get<O...>(fun
 // Which outputs are owned, and what they are.
 template <class Expected, class Actual>
 constexpr bool Is = std::is_same_v<Expected, Actual>;
-Certificate* const kCertificate = nullptr;
-X509Extensions const kExtensions = nullptr;
+constexpr Certificate* kCertificate = nullptr;
+constexpr X509Extensions kExtensions = nullptr;
 static_assert(Is<Handle<Certificate>, decltype(TypeOf(DecodeCertificate, Bytes()))>);
 static_assert(Is<Handle<X509Extensions>, decltype(TypeOf(DecodeX509Extensions, Bytes()))>);
 static_assert(Is<Handle<Certificate>, decltype(TypeOf(CreateCertificateCopy, kCertificate))>);

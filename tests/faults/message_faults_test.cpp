@@ -77,9 +77,9 @@ TEST(Faults, SignedMessages) {
     for (const std::string& bad : {path + "/under", std::string(5000, 'x'), std::string("/")})
         EXPECT_STATUS(StatusFileOpenFailed, remove(bad));
     const auto from = [&](const std::string& file) { return DeleteCmsSignerInfo(1, file.c_str(), path.c_str()); };
-    CHECK({from(path + "/under"), StatusFileOpenFailed}, {from(std::string(5000, 'x')), StatusFileOpenFailed},
-          {from("/"), StatusBadArgument});
+    CHECK({from(path + "/under"), StatusFileOpenFailed}, {from(std::string(5000, 'x')), StatusFileOpenFailed});
 #ifndef _WIN32
+    EXPECT_STATUS(StatusBadArgument, from("/"));  // a folder can be opened
     shrinking = true;
     EXPECT_STATUS(StatusFileReadShort, from(path));
     shrinking = false;
