@@ -92,13 +92,6 @@ Status GetListCount(const Asn1List* list, uint32_t* count, Place place) {
     return StatusOk;
 }
 
-Status FindListMember(const Asn1List* list, uint32_t index, void** member, Place place) {
-    if (AnyNull(list, member) || index >= list->count) return Fail(StatusBadArgument, place);
-    if (list->items == nullptr || list->items[index] == nullptr) return Fail(StatusAbsent, place);
-    *static_cast<Cell*>(member) = list->items[index];
-    return StatusOk;
-}
-
 }  // namespace tlvforge
 
 Status GetAsn1ListItem(const Asn1List* list, int32_t index, void** element) {

@@ -6,9 +6,6 @@
 
 namespace tlvforge {
 
-// Room for the longest header: five identifier octets in the high form after the first, five of length.
-inline constexpr uint32_t kMaxHeader = 11;
-
 // Size of a whole element.
 uint64_t TlvSize(uint64_t contentLength, uint32_t tagNumber);
 

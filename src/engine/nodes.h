@@ -361,13 +361,4 @@ void ClearList(ListOf<Node>* list) {
 // Either null: 32.
 Status GetListCount(const Asn1List* list, uint32_t* count, Place place = Place::Here());
 
-// Checks the list (32) and the index (32), and lends the member (311 when it is null).
-Status FindListMember(const Asn1List* list, uint32_t index, void** member, Place place);
-
-template <class Node>
-Status GetListMember(const ListOf<Node>* list, uint32_t index, std::type_identity_t<Node>** member,
-                     Place place = Place::Here()) {
-    return FindListMember(list, index, Untyped(member), place);
-}
-
 }  // namespace tlvforge
