@@ -200,7 +200,7 @@ template <> struct Schema<CrlValidatedID> : Record<
     Field<&CrlValidatedID::crlHash, OtherHash>,
     Field<&CrlValidatedID::crlIdentifier, Optional<CrlIdentifier>>> {};
 
-// The last alternative is the first one's, with a name in place of its encoding. It is made in memory only: behind the
+// The last alternative is the first one's, with a name in place of its encoding. It is made in memory only: after the
 // first, whose tag it shares, the decoder never comes to it.
 template <> struct Schema<OcspResponder> : Choice<
     Explicit<1, Any>,         // byName
@@ -235,7 +235,7 @@ template <> struct Schema<RevocationValues> : Record<
     Field<&RevocationValues::ocspVals, Optional<Implicit<1, OcspBasicResponses>>>,
     Field<&RevocationValues::otherRevVals, Optional<UniversalExplicit<2, TypedValue>>>> {};
 
-// The algorithm has the tag of the list behind it: where it is left out, only the second form decodes.
+// The algorithm has the tag of the list after it: where it is left out, only the second form decodes.
 template <> struct Schema<AtsHashIndex> : Record<
     Field<&AtsHashIndex::hashIndAlgorithm, HashAlgorithm>,
     Field<&AtsHashIndex::certificatesHashIndex, OctetStrings>,

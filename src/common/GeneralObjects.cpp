@@ -12,7 +12,7 @@ namespace {
 // Alternatives of the CHOICE Time.
 enum { kUtcTime = 0, kGeneralizedTime = 1 };
 
-// Other bytes than digits give nonsense, which the range checks of the records catch in most cases.
+// Other bytes than digits become nonsense, which the range checks of the records catch in most cases.
 uint32_t Number(const uint8_t* digits, uint32_t count) {
     uint32_t number = 0;
     for (uint32_t at = 0; at < count; ++at) number = number * 10 + digits[at] - '0';

@@ -85,11 +85,11 @@ Status GetFields(const Record* record, Outputs*... outputs) {
 constexpr uint32_t kFebruary = 2;
 constexpr uint32_t kDecember = 12;
 
-// What a day may be, by month: 29 February passes in every year, on purpose.
+// What a day may be, by month: 29 February passes in every year, see docs/oddities.md.
 constexpr uint32_t kLastDay[] = {0, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-// What additions count with, but for February, whose length is changed by them and remembered by all threads together,
-// which callers see and is intended.
+// What additions count with, but for February: they change its length, and all threads together remember it, see
+// docs/oddities.md.
 constexpr uint32_t kDaysOfMonth[] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 constinit std::atomic<uint32_t> daysOfFebruary = 28;
 

@@ -12,7 +12,7 @@ inline constexpr uint32_t kBase64LineAndEnd = 66;
 inline constexpr char kBase64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // What each byte of a text stands for: 0 to 63, or one of the two marks. The same byte with its top bit set stands for
-// the same: an intended tolerance, texts that had a parity bit put on keep decoding.
+// the same, so that a text to which a parity bit was added decodes.
 struct Base64Values {
     static constexpr uint8_t kNone = 0xFE;
     static constexpr uint8_t kPadding = 0xFF;
@@ -33,8 +33,8 @@ private:
 };
 inline constexpr Base64Values kBase64Values;
 
-// Decodes four characters into three bytes, which are stored whatever the characters are. Gives how many of the bytes
-// count, 1 to 3, or -1 for characters that are no group.
+// Decodes four characters into three bytes, which are stored whatever the characters are. Returns how many of the
+// bytes count, 1 to 3, or -1 for characters that are no group.
 inline int DecodeBase64Group(const char* group, uint8_t* out) {
     const uint8_t first = kBase64Values[group[0]];
     const uint8_t second = kBase64Values[group[1]];

@@ -49,7 +49,7 @@ Status ConvertZelcryptPublicKeyToX509(const uint8_t* key, uint32_t keyLength, ui
 
 Status ConvertX509PublicKeyToZelcrypt(const uint8_t* key, uint32_t keyLength, uint8_t* buffer, uint32_t* length) {
     if (AnyNull(key, length) || (keyLength != kShortKey && keyLength != kLongKey)) return Fail(StatusBadArgument);
-    // No marker is set: that is intended, callers rely on the block being refused on the way back.
+    // No marker is set, and the way back refuses the block: see docs/oddities.md.
     uint8_t block[kBlockSize] = {};
     if (keyLength == kLongKey) {
         memcpy(block, key, kLongKey);

@@ -14,13 +14,13 @@ struct Literal {
     const char* text;
     uint32_t length;
 };
-// The first form is the one that is written. The second end marker is shorter than it looks: that is intended,
-// texts with a damaged end line keep decoding.
+// The first form is the one that is written. The second end marker lacks the last letter, so that a text decodes whose
+// end line is damaged there.
 constexpr Literal kStartMarkers[] = {{"-----BEGIN", 10}, {"----- BEGIN", 11}};
 constexpr Literal kEndMarkers[] = {{"-----END", 8}, {"----- EN", 8}};
 constexpr Literal kMarkerTail = {"-----\r\n", 7};
 
-// Both markers, their blanks and tails, and the line end behind the body.
+// Both markers, their blanks and tails, and the line end after the body.
 constexpr uint32_t kArmourSize = 36;
 // The size of an empty body is the wrapped result of 4 * ((0 - 1) / 3) + 4: callers know an empty input by it.
 constexpr uint32_t kEmptyCharacters = UINT32_MAX / 3 * 4 + 4;
@@ -48,7 +48,7 @@ const char* FindByte(const Span& span, char byte) {
     return static_cast<const char*>(memchr(span.begin, byte, span.Size()));
 }
 
-// A marker counts only with at least one byte behind it. Null without one.
+// A marker counts only with at least one byte after it. Null without one.
 const char* FindMarker(Span span, const Literal (&forms)[2]) {
     while ((span.begin = FindByte(span, '-')) != nullptr) {
         for (const Literal& form : forms) {

@@ -80,7 +80,8 @@ Status sha1(const uint8_t* data, uint32_t length, uint8_t* digest) {
     memcpy(padded, tail, rest);
     padded[rest] = 0x80;
     uint8_t* lengthAt = padded + (rest < kSha1BlockSize - kLengthSize ? 1 : 2) * kSha1BlockSize - kLengthSize;
-    // The count is signed: that is intended, messages are shorter than 2^31 bytes.
+    // The count is a signed number, and the digest of a message of 2^31 bytes or more another than SHA-1 has: see
+    // docs/oddities.md.
     Store(lengthAt, static_cast<uint32_t>(static_cast<int32_t>(length) >> 29));
     Store(lengthAt + 4, length << 3);
     AddBlocks(hash, padded, lengthAt + kLengthSize);

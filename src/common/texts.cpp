@@ -12,7 +12,7 @@ uint8_t Cp1251FromPoint(uint32_t point) {
     for (const Cp1251Sign& sign : kCp1251Signs) {
         if (sign.point == point) return sign.byte;
     }
-    // Letters of the first row that aren't signs come out as other letters. That is intended.
+    // The letters before the Russian ones become other characters, at the same distance: see docs/oddities.md.
     return point >= 0x400 && point < 0x450 ? static_cast<uint8_t>(point - kCp1251Distance) : '?';
 }
 

@@ -19,8 +19,8 @@ inline constexpr Cp1251Sign kCp1251Signs[] = {
 };
 inline constexpr uint32_t kCp1251Distance = 0x350;
 
-// Code points of the bytes 0x80 to 0xFF. The distance that is right for the letters serves all the bytes
-// that are no sign: that is intended, the texts that are converted hold none of the others.
+// Code points of the bytes 0x80 to 0xFF. The distance that is right for the letters serves all the bytes that are no
+// sign, quotation marks and dashes too, which become other characters: see docs/oddities.md.
 struct Cp1251Points {
     uint16_t points[128];
 
@@ -50,7 +50,7 @@ constexpr char* PutUtf8(uint8_t byte, char* out) {
 }
 
 // Reads UTF-8 byte by byte, sequences of one and two bytes alone. Those of three and four leave nothing, and two
-// bytes that stand for no Russian letter leave a wrong one: that is intended, as programs compare these texts.
+// bytes that stand for no Russian letter leave another character: see docs/oddities.md.
 class Cp1251FromUtf8 {
 public:
     // Whether the first byte of a sequence waits for the second.

@@ -9,7 +9,7 @@ namespace tlvforge {
 // Size of a whole element.
 uint64_t TlvSize(uint64_t contentLength, uint32_t tagNumber);
 
-// Writes identifier and minimal definite length, and gives their size.
+// Writes identifier and minimal definite length, and returns their size.
 uint32_t WriteHeader(uint8_t tagClass, uint8_t constructedBit, uint32_t tagNumber, uint32_t contentLength,
                      uint8_t* out);
 

@@ -145,7 +145,7 @@ inline size_t BlockSize(const Asn1Item& item) {
     return cells > item.valueSize ? cells : item.valueSize;
 }
 
-// Asn1Value. Allocators give null when out of memory and record nothing; setters record.
+// Asn1Value. Allocators return null when out of memory and record nothing; setters record.
 Asn1Value* AllocAsn1Value(uint32_t type, const uint8_t* data, uint32_t length);
 Status SetAsn1Value(Asn1Value* value, uint32_t type, const uint8_t* data, uint32_t length);
 // Fills an empty field with a new value, or sets the one that is there.

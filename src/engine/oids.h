@@ -10,7 +10,7 @@ namespace tlvforge {
 Asn1Value* AllocAsn1OidFromOid(const uint8_t* oid);
 // Replaces what a field holds by a new record. Status 1; the field is empty then.
 Status ReplaceOidField(Asn1Value** field, const uint8_t* oid);
-// Length-prefixed form by the output-buffer rule; an empty record gives the one byte 00.
+// Length-prefixed form by the output-buffer rule; an empty record is the one byte 00.
 Status GetAsn1Oid(const Asn1Value* value, uint8_t* buffer, uint32_t* length);
 
 // A length-prefixed OID, made at compile time from its arcs: Oid<2, 5, 29, 14>.

@@ -30,7 +30,7 @@ inline auto BytesInto(const void* value, uint8_t* buffer, uint32_t* length) {
 // What becomes of the other outputs after one has failed, and which failure is the result.
 enum class OutputRule {
     kUntilFailure,       // the first failure ends the reading
-    kPastSmallBuffers,   // a buffer that is too small is remembered, so that one call gives all lengths; any other
+    kPastSmallBuffers,   // a buffer that is too small is remembered, so that one call stores all lengths; any other
                          // failure ends the reading and is the result
     kPastSmallUntilFit,  // a buffer that is too small is the result, and the first output after it that isn't ends the
                          // reading; without one, the first failure does

@@ -178,7 +178,7 @@ Status EncodeTSTInfo(uint32_t version, const uint8_t* policyOid, const uint8_t* 
     if (const Status status = WriteAccuracy(&info->accuracy, accuracy)) return status;
     if (const Status status = SetAsn1BooleanField(&info->ordering, ordering != 0)) return status;
     if (const Status status = SetOptionalBytes(&info->nonce, Asn1KindInteger, {nonce, nonceLength})) return status;
-    // A name without a value is 32, by the copy.
+    // A name without a value is StatusBadArgument, by the copy.
     if (const Status status = CopyOptional(tsa, &info->tsa)) return status;
     if (const Status status = CopyExtensions(extensions, &info->extensions)) return status;
     return info.Encode(buffer, length);

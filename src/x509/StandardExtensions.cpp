@@ -95,7 +95,7 @@ Status Append(ExtensionCertificatePolicies* policies, ListOf<Node>* list, void* 
     return status;
 }
 
-// The policy of a qualifier: 32 for an index out of range of either list, or no list of qualifiers.
+// The policy of a qualifier: StatusBadArgument for an index out of range of either list, or no list of qualifiers.
 Status GetPolicyOfQualifier(const ExtensionCertificatePolicies* list, uint32_t policyIndex, uint32_t qualifierIndex,
                             PolicyInformation** policy) {
     if (!HasIndex(list, policyIndex)) return Fail(StatusBadArgument);
@@ -107,7 +107,7 @@ Status GetPolicyOfQualifier(const ExtensionCertificatePolicies* list, uint32_t p
 
 constexpr uint32_t kMaxPointsValue = 2048;
 
-// The value of a CRLDistributionPoints of one point with one URI. Status 49 above `kMaxPointsValue` bytes.
+// The value of a CRLDistributionPoints of one point with one URI. StatusBufferTooSmall above `kMaxPointsValue` bytes.
 Status EncodeUriPoint(const char* url, uint8_t* buffer, uint32_t* length) {
     const size_t urlLength = strlen(url);
     if (urlLength > kMaxPointsValue) return Fail(StatusBufferTooSmall);

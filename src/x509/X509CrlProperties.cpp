@@ -74,7 +74,7 @@ private:
         return TakeDirectoryNames(value) ? StatusOk : DecodeNames(value);
     }
 
-    // False for a value with anything but directory names in the definite form, or with bytes behind a name. What was
+    // False for a value with anything but directory names in the definite form, or with bytes after a name. What was
     // taken of it until then is taken again by DecodeNames.
     bool TakeDirectoryNames(Bytes value) {
         Bytes names{}, name{};
@@ -90,7 +90,7 @@ private:
     }
 
     // Each name is read over the one before it, and only a directory name sets the length. A name of another type
-    // thereby spoils a carried issuer that is in force. This is intended.
+    // thereby spoils a carried issuer that is in force: see docs/oddities.md.
     Status DecodeNames(const Bytes& value) {
         Tree<X509GeneralNames> names;
         Status status = value.length == 0 ? Fail(StatusBadEncoding) : names.Decode(value.data, value.length);

@@ -108,8 +108,8 @@ Status RemoveX509ExtensionsExtension(X509Extensions extensions, uint32_t index) 
 
 Status RemoveX509ExtensionsExtension2(X509Extensions extensions, const uint8_t* oid) {
     if (AnyNull(extensions, oid)) return Fail(StatusBadArgument);
-    // The index goes up after a removal too, so that the member behind the removed one stays unseen. This is intended:
-    // the setters of the documents replace an extension with the effect that it has on neighbours of the same OID.
+    // The index goes up after a removal too, so that the member after the removed one isn't looked at: see
+    // docs/oddities.md. The setters that replace an extension share it.
     for (uint32_t i = 0; i < GetAsn1ListLength(extensions->list); ++i) {
         if (!HasOid(extensions->list, i, &X509Extension::extnID, oid)) continue;
         if (const Status status = RemoveMember(extensions->list, i)) return status;

@@ -9,8 +9,9 @@ struct RsaAttribute {
     tlvforge::ListOf<Asn1Any>* values;
 };
 
-struct RsaAttributeList : tlvforge::ListOf<RsaAttribute> {
-};  // What an RsaAttributes handle points to: a cell of its own, or the slot of a document. Null list: no attributes.
+struct RsaAttributeList : tlvforge::ListOf<RsaAttribute> {};
+
+// What an RsaAttributes handle points to: a cell of its own, or the slot of a document. Null list: no attributes.
 struct RsaAttributesCell {
     RsaAttributeList* list;
 };

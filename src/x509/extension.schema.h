@@ -10,8 +10,9 @@ struct X509Extension {
     Asn1Value* extnValue;
 };
 
-struct X509ExtensionList : tlvforge::ListOf<X509Extension> {
-};  // What an X509Extensions handle points to: a cell of its own, or the slot of a document. Null list: no extensions.
+struct X509ExtensionList : tlvforge::ListOf<X509Extension> {};
+
+// What an X509Extensions handle points to: a cell of its own, or the slot of a document. Null list: no extensions.
 struct X509ExtensionsCell {
     X509ExtensionList* list;
 };

@@ -79,8 +79,8 @@ template <> struct Schema<TimePair> : Record<
     Field<&TimePair::first, Optional<Implicit<0, GeneralizedTime>>>,
     Field<&TimePair::second, Optional<Implicit<1, GeneralizedTime>>>> {};
 
-// The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it goes out without its
-// tag: it can be written but not read back. That is the format.
+// The second alternative is a whole name, not the single RDN of RFC 5280, and as a CHOICE it is encoded without its
+// tag: it can be written but not read back. See docs/oddities.md.
 template <> struct Schema<DistributionPointName> : Choice<
     Implicit<0, X509GeneralNames>, // fullName
     Implicit<1, Name>> {};  // nameRelativeToCRLIssuer
