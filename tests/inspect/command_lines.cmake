@@ -9,6 +9,10 @@ file(WRITE ${DIRECTORY}/response.der "${der}")
 file(WRITE ${DIRECTORY}/both.pem "-----BEGIN OCSP RESPONSE-----\nMAMKAQY=\n-----END OCSP RESPONSE-----\n"
     "-----BEGIN NUMBER-----\nMAMCAQE=\n-----END NUMBER-----\n")
 file(WRITE ${DIRECTORY}/hostile.b64 "MBAwDgIBAjAJDAf/IlwK4oCu")
+# A response of OCSP whose octets are segments inside of segments, 60000 deep, of indefinite length: 24 80.
+string(REPEAT "JIAkgCSA" 20000 segments)
+string(REPEAT "AAAAAAAA" 20000 ends)
+file(WRITE ${DIRECTORY}/deep.b64 "MIMDqZAKAQaggwOpiDCDA6mDBgEq${segments}${ends}")
 file(WRITE ${DIRECTORY}/notes "None of them")
 file(WRITE ${DIRECTORY}/empty "")
 file(WRITE ${DIRECTORY}/two.der "${der}${der}")
@@ -57,6 +61,7 @@ string(APPEND line [[{"name":"Response status","value":"6 unauthorized"}]}]}]] "
 expect(1 "${line}" --json both.pem)
 expect(1 [["block":2,"label":"NUMBER","error":"not a known document; status 302, ]] --json both.pem)
 expect(0 [["value":"\\xFF\"\\\\\\u{A}\\u{202E}"]] --json hostile.b64)
+expect(0 "    Content type: 1.2\n" --limit 8 deep.b64)
 
 expect(1 "response.der: not of this kind\n" --kind crl response.der)
 expect(1 "nearest to crl, but at byte 2, tbsCertList: ENUMERATED instead of SEQUENCE\n" --kind crl response.der)

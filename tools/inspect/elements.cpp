@@ -212,14 +212,25 @@ std::string DescribeOid(View oid) {
     return name == dotted ? dotted : name + " (" + dotted + ")";
 }
 
-View JoinSegments(const Element& element, Bytes& joined) {
-    if (element.constructed == 0) return element.content;
-    View rest = element.content;
-    while (const std::optional<Element> segment = TakeElement(rest)) {
-        Bytes inside;
-        const View content = JoinSegments(*segment, inside);
-        joined.insert(joined.end(), content.begin(), content.end());
+namespace {
+
+// Segments may lie inside of others. Those that lie deeper are left as they stand.
+void AppendSegments(View content, int depth, Bytes& joined) {
+    while (const std::optional<Element> segment = TakeElement(content)) {
+        if (segment->constructed != 0 && depth > 0) {
+            AppendSegments(segment->content, depth - 1, joined);
+        } else {
+            joined.insert(joined.end(), segment->content.begin(), segment->content.end());
+        }
     }
+}
+
+}  // namespace
+
+View JoinSegments(const Element& element, Bytes& joined) {
+    static constexpr int kDeepest = 8;
+    if (element.constructed == 0) return element.content;
+    AppendSegments(element.content, kDeepest, joined);
     return joined;
 }
 
