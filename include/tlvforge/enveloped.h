@@ -210,8 +210,8 @@ TLVFORGE_STATUS GetKeyTransRecipientIdentifier(KeyTrans* recipient, X509Name** i
  * SetKeyTransRecipientIdentifierIssuerAndSerialNumber names the recipient by its certificate, and
  * SetKeyTransRecipientIdentifierSubjectKeyIdentifier by its key, instead of what was there.
  * @param issuer copied.
- * @param serial big-endian content bytes, stored unchanged. Without memory a serial number that replaces another is lost
- *     with StatusOk, as intended (docs/oddities.md).
+ * @param serial big-endian content bytes, stored unchanged. If there is no memory to replace a serial number, it is
+ *     lost with StatusOk, as intended (docs/oddities.md).
  */
 TLVFORGE_STATUS SetKeyTransRecipientIdentifierIssuerAndSerialNumber(KeyTrans* recipient, const X509Name* issuer,
                                                                     const uint8_t* serial, uint32_t serialLength);
