@@ -1,6 +1,5 @@
 // The engine over items that use every block of engine/items.h: the first byte chooses one, the others are decoded.
 #include "schema.h"
-#include "walk.h"
 
 using namespace tlvforge;
 using namespace tlvforge::schema;
@@ -29,35 +28,30 @@ constexpr Asn1Item kSet = {0, Asn1Constructed, 0, Asn1KindSet, -1, 0, itemOf<Com
 constexpr const Asn1Item* kItems[] = {&itemOf<Leaf>,       &itemOf<TaggedFields>, &itemOf<Sets>, &itemOf<Deep>,
                                       &itemOf<Comparable>, &itemOf<Any>,          &kSet};
 
-struct Node {
-    const Asn1Item& item;
-    void* tree = nullptr;
-    ~Node() { FreeAsn1Object(&item, tree); }
+bool Read(AnyTree& tree, const Bytes& in) {
+    uint32_t consumed = 0;
+    const bool read = Ok(tree.Decode(in.data(), in.size(), &consumed));
+    Require(consumed <= in.size() && (read || tree.root == nullptr));
+    return read;
+}
 
-    bool Decode(const Bytes& in) {
-        uint32_t consumed = 0;
-        const bool read = Ok(Asn1DecodeItem(in.data(), in.size(), &item, &tree, &consumed));
-        Require(consumed <= in.size() && (read || tree == nullptr));
-        return read;
-    }
-    // Both ways to write, which have to agree.
-    MaybeBytes Encode() const {
-        auto written = Get(GetAsn1EncodedValue, tree, &item);
-        uint8_t* block = nullptr;
-        uint32_t length = 0;
-        Require(Ok(Asn1Encode(tree, &item, &block, &length)) == written.has_value());
-        if (written) Require(Bytes(block, length) == (*written)[0]);
-        Release(block);
-        return written;
-    }
-};
+// Both ways to write, which have to agree.
+MaybeBytes Write(const AnyTree& tree) {
+    auto written = Get(GetAsn1EncodedValue, tree.root, &tree.item);
+    uint8_t* block = nullptr;
+    uint32_t length = 0;
+    Require(Ok(Asn1Encode(tree.root, &tree.item, &block, &length)) == written.has_value());
+    if (written) Require(Bytes(block, length) == (*written)[0]);
+    Release(block);
+    return written;
+}
 
 // A number in its shortest form is the same when it is set to what it is.
 void WalkInteger(const Asn1Value* value) {
     int32_t number = 0;
     if (!Ok(CheckAsn1Integer(value))) return;
-    Node again{itemOf<Integer>, AllocAsn1Integer_s(kAnyBytes, sizeof kAnyBytes)};
-    auto* const copy = static_cast<Asn1Value*>(again.tree);
+    const AnyTree again(itemOf<Integer>, AllocAsn1Integer_s(kAnyBytes, sizeof kAnyBytes));
+    auto* const copy = static_cast<Asn1Value*>(again.root);
     const auto [bytes] = Sure(Get(GetAsn1Integer, value));
     Require(Ok(SetAsn1Integer(copy, bytes.data(), bytes.size())) &&
             Get(GetAsn1Value, copy) == Get(GetAsn1Value, value));
@@ -97,16 +91,16 @@ void WalkNode(const Asn1Item* item, void* node) {
 }
 
 void WalkItem(const Asn1Item& item, const Bytes& in) {
-    Node first{item}, second{item}, copy{item};
-    if (!first.Decode(in)) return;
-    WalkNode(&item, first.tree);
-    const MaybeBytes once = first.Encode();
+    AnyTree first(item), second(item), copy(item);
+    if (!Read(first, in)) return;
+    WalkNode(&item, first.root);
+    const MaybeBytes once = Write(first);
     Require(once.has_value() == (item.kind != Asn1KindSet));
     if (!once) return;
-    Require(second.Decode((*once)[0]) && second.Encode() == once);
+    Require(Read(second, (*once)[0]) && Write(second) == once);
     uint32_t equal = 0;
-    if (Ok(CopyAsn1Object(&item, second.tree, &copy.tree))) Require(copy.Encode() == once);
-    if (Ok(CompareAsn1Objects(&item, second.tree, copy.tree, &equal))) Require((equal == 1) == (copy.tree != nullptr));
+    if (Ok(CopyAsn1Object(&item, second.root, &copy.root))) Require(Write(copy) == once);
+    if (Ok(CompareAsn1Objects(&item, second.root, copy.root, &equal))) Require((equal == 1) == (copy.root != nullptr));
 }
 
 void WalkHeader(const Bytes& in) {
@@ -137,13 +131,13 @@ void WalkContent(uint8_t kind, const Bytes& in) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0) return 0;
+void walk::WalkInput(const Bytes& input) {
+    if (input.size() == 0) return;
     const uint64_t blocks = instruments.liveBlocks;
-    const Bytes in(data + 1, size - 1);
-    WalkItem(*kItems[data[0] % std::size(kItems)], in);
+    const uint8_t first = input.data()[0];
+    const Bytes in(input.data() + 1, input.size() - 1);
+    WalkItem(*kItems[first % std::size(kItems)], in);
     WalkHeader(in);
-    WalkContent(in.size() != 0 ? in.data()[0] & 0x1F : data[0], in);
+    WalkContent(in.size() != 0 ? in.data()[0] & 0x1F : first, in);
     Require(instruments.liveBlocks == blocks);
-    return 0;
 }

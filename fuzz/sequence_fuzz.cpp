@@ -9,7 +9,7 @@ using walk::Bytes, walk::Get, walk::Owned;
 // What is left of the input: numbers and texts that calls are made with. Nothing is left: zeros.
 class Source {
 public:
-    Source(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
+    explicit Source(const Bytes& in) : at_(in.data()), end_(in.end()) {}
     bool IsEmpty() const { return at_ == end_; }
     uint8_t Octet() { return IsEmpty() ? 0 : *at_++; }
     uint32_t Number() {
@@ -56,6 +56,7 @@ public:
         Owned<Free>& slot = At(in);
         if (slot && walk::Ok(add(slot.get()))) (void)slot.release();
     }
+    Owned<Free> Take(Source& in) { return std::move(At(in)); }
     void Drop(Source& in) { At(in).reset(); }
 
 private:
@@ -67,7 +68,8 @@ template <class... Pools>
 struct WorldOf : Pools... {
     explicit WorldOf(Source source) : in(source) {}
     Source in;
-    std::vector<Bytes> arguments{};  // of one call
+    std::vector<Bytes> arguments{};              // of one call
+    std::vector<std::function<void()>> given{};  // for one call: keeps what it adopts from being freed
     void* Keep(Bytes bytes) { return arguments.emplace_back(std::move(bytes)).data(); }
     void DropAny() {
         size_t kind = in.Octet() % sizeof...(Pools);
@@ -88,9 +90,17 @@ Object* Pick(World& w) {
     return PoolOf<Object>(w).Pick(w.in);
 }
 
-// An argument of a type. Bytes with a size behind them are any, others an OID.
+// An object that is handed over.
+template <class Object>
+Object* Give(World& w) {
+    auto taken = std::make_shared<decltype(PoolOf<Object>(w).Take(w.in))>(PoolOf<Object>(w).Take(w.in));
+    w.given.emplace_back([taken] { (void)taken->release(); });
+    return taken->get();
+}
+
+// An argument of a type. Bytes with a size after them are any, others an OID.
 template <class T>
-T Draw(World& w, bool hasSize, bool isSize) {
+T Draw(World& w, bool isGiven, bool hasSize, bool isSize) {
     if constexpr (std::is_same_v<T, const uint8_t*>) {
         return static_cast<T>(w.Keep(hasSize ? w.in.Text() : w.in.Oid()));
     } else if constexpr (std::is_same_v<T, const char*>) {
@@ -104,32 +114,31 @@ T Draw(World& w, bool hasSize, bool isSize) {
         const uint32_t room = w.arguments.empty() ? 0 : w.arguments.back().size();
         return static_cast<T>(w.Keep({&room, sizeof room}));
     } else if constexpr (std::is_pointer_v<T>) {
-        return Pick<std::remove_const_t<std::remove_pointer_t<T>>>(w);
+        using Object = std::remove_const_t<std::remove_pointer_t<T>>;
+        return isGiven ? Give<Object>(w) : Pick<Object>(w);
     } else {
         return static_cast<T>(isSize ? w.arguments.back().size() : w.in.Number());
     }
 }
 
-// A call with arguments from the input. An object identifier at `Oid` is one although a number follows.
-template <auto Function, size_t Oid = SIZE_MAX>
+// A call with arguments from the input. If it adopts them, objects after the first one belong to that one then. An
+// object identifier at `Oid` is one although a number follows.
+template <auto Function, bool Adopts = false, size_t Oid = SIZE_MAX>
 void Play(World& w) {
     const auto play = [&w]<class... T, size_t... I>(Status (*function)(T...), std::index_sequence<I...>) {
         constexpr bool kBytes[] = {false, (std::is_same_v<T, const uint8_t*> && I != Oid)..., false};
         constexpr bool kSizes[] = {(std::is_same_v<T, uint32_t>)..., false};
         w.arguments.clear();
-        const std::tuple<T...> arguments{Draw<T>(w, kBytes[I + 1] && kSizes[I + 1], kBytes[I] && kSizes[I])...};
-        (void)std::apply(function, arguments);
+        w.given.clear();
+        const std::tuple<T...> arguments{
+            Draw<T>(w, Adopts && I != 0, kBytes[I + 1] && kSizes[I + 1], kBytes[I] && kSizes[I])...};
+        if (walk::Ok(std::apply(function, arguments)))
+            for (const auto& keep : w.given) keep();
     };
     [&]<class... T>(Status (*function)(T...)) { play(function, std::index_sequence_for<T...>()); }(Function);
 }
-
-// The last argument belongs to the first one afterwards.
-template <auto Add>
-void Adopt(World& w) {
-    [&w]<class Holder, class Object>(Status (*add)(Holder*, Object*)) {
-        PoolOf<Object>(w).HandOver(w.in, [&](Object* object) { return add(Pick<Holder>(w), object); });
-    }(Add);
-}
+template <auto Function>
+constexpr Step Adopt = Play<Function, true>;
 
 // Writes an object, and puts what is read back in the place of some object.
 template <auto Encode, auto Decode>
@@ -165,26 +174,20 @@ constexpr Step kSteps[] = {Steps...};
 constexpr auto& kCalls = kPlays<
 #include "sequence.functions"
     >;
+#define REREAD(Name) Reread<Encode##Name, Decode##Name>
 constexpr auto& kMoves =
     kSteps<Adopt<AddCertificateToCertificates>, Adopt<AddX509CrlToX509Crls>, Adopt<AddSeveralDataContentInfo>,
            Adopt<AddOcspRequestCertificate>, Adopt<AddOcspBasicResponseSingleResponse>,
            Adopt<AddOcspBasicResponseCertificate>, Adopt<AddResponseToOcspBasicResponses>, Copy<CreateCertificateCopy>,
            Copy<CreateX509CrlCopy>, Copy<CreatePKCS10CertReqCopy>, Copy<CreateCmsSignedDataCopy>,
-           Copy<CreateCertificatesCopy>, Copy<CreatePKIFreeTextCopy>, Copy<CreateX509GeneralNameCopy>,
-           Reread<EncodeX509Name, DecodeX509Name>, Reread<EncodeX509Extensions, DecodeX509Extensions>,
-           Reread<EncodeRsaAttributes, DecodeRsaAttributes>, Reread<EncodeCertificate, DecodeCertificate>,
-           Reread<EncodeX509Crl, DecodeX509Crl>, Reread<EncodePKCS10CertReq, DecodePKCS10CertReq>,
-           Reread<EncodeCmsSignedData, DecodeCmsSignedData>, Reread<EncodeCmsContentInfo, DecodeCmsContentInfo>,
-           Reread<EncodeSeveralData, DecodeSeveralData>, Reread<EncodeCmsEnvelopedData, DecodeCmsEnvelopedData>,
-           Reread<EncodeKeyTrans, DecodeKeyTrans>, Reread<EncodeOcspRequest, DecodeOcspRequest>,
-           Reread<EncodeOcspBasicResponse, DecodeOcspBasicResponse>,
-           Reread<EncodeX509GeneralNames, DecodeX509GeneralNames>, Reread<EncodePKIFreeText, DecodePKIFreeText>,
-           Reread<EncodeExtensionExtendedKeyUsage, DecodeExtensionExtendedKeyUsage>,
-           Reread<EncodeExtensionCertificatePolicies, DecodeExtensionCertificatePolicies>,
-           Reread<EncodeExtensionCrlDistributionPoints, DecodeExtensionCrlDistributionPoints>,
-           Reread<EncodeExtensionAuthorityInformationAccess, DecodeExtensionAuthorityInformationAccess>>;
+           Copy<CreateCertificatesCopy>, Copy<CreatePKIFreeTextCopy>, Copy<CreateX509GeneralNameCopy>, REREAD(X509Name),
+           REREAD(X509Extensions), REREAD(RsaAttributes), REREAD(Certificate), REREAD(X509Crl), REREAD(PKCS10CertReq),
+           REREAD(CmsSignedData), REREAD(CmsContentInfo), REREAD(SeveralData), REREAD(CmsEnvelopedData),
+           REREAD(KeyTrans), REREAD(OcspRequest), REREAD(OcspBasicResponse), REREAD(X509GeneralNames),
+           REREAD(PKIFreeText), REREAD(ExtensionExtendedKeyUsage), REREAD(ExtensionCertificatePolicies),
+           REREAD(ExtensionCrlDistributionPoints), REREAD(ExtensionAuthorityInformationAccess)>;
 constexpr Step kOthers[] = {
-    Play<AddX509ExtensionsExtension, 1>,
+    Play<AddX509ExtensionsExtension, false, 1>,
     [](World& w) { w.DropAny(); },
     [](World& w) { Append(Pick<RsaAttributesCell>(w), Pick<RsaAttributesCell>(w)); },
     [](World& w) {
@@ -219,29 +222,10 @@ constexpr Step kOthers[] = {
         X509GeneralName* name = nullptr;
         (void)AllocX509GeneralNameValue(&name, w.in.Octet() % 10, value.data(), value.size());
         PoolOf<X509GeneralName>(w).Put(w.in, name);
-        PoolOf<X509GeneralName>(w).HandOver(w.in, [&](auto* location) {
-            const Bytes method = w.in.Oid();
-            return AddExtensionAuthorityInformationAccess(Pick<ExtensionAuthorityInformationAccess>(w), method.data(),
-                                                          location);
-        });
+        Adopt<AddExtensionAuthorityInformationAccess>(w);
     },
-    [](World& w) {
-        auto* const points = Pick<ExtensionCrlDistributionPoints>(w);
-        PoolOf<X509GeneralNames>(w).HandOver(w.in, [&](auto* names) {
-            return w.in.Octet() % 2 != 0 ? AddExtensionCrlDistributionPoint(points, names, nullptr, 0, nullptr)
-                                         : AddExtensionCrlDistributionPoint(points, nullptr, nullptr, 6, names);
-        });
-        PoolOf<X509Name>(w).HandOver(w.in, [&](auto* name) {
-            return AddExtensionCrlDistributionPoint(points, nullptr, name, w.in.Octet(), nullptr);
-        });
-    },
-    [](World& w) {
-        auto* const references = Pick<CrlOcspRefs>(w);
-        PoolOf<CrlListIDs>(w).HandOver(
-            w.in, [=](auto* list) { return AddCrlOcspRefToList(references, list, nullptr, nullptr, nullptr, 0); });
-        PoolOf<OcspListIDs>(w).HandOver(
-            w.in, [=](auto* list) { return AddCrlOcspRefToList(references, nullptr, list, nullptr, nullptr, 0); });
-    },
+    Adopt<AddExtensionCrlDistributionPoint>,
+    Adopt<AddCrlOcspRefToList>,
     [](World& w) {
         const Bytes name = w.in.Oid();
         (void)SetOcspRequestRequestorName(Pick<OcspRequest>(w), w.in.Octet() % 10, name.data(), name.size());
@@ -253,11 +237,10 @@ void PlayAny(World& w, const auto& steps) { steps[w.in.Octet() % std::size(steps
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    World world(Source(data, size));
+void walk::WalkInput(const Bytes& in) {
+    World world{Source(in)};
     for (int steps = 0; steps < 60 && !world.in.IsEmpty(); ++steps) {
         const int kind = world.in.Octet() % 8;
         kind == 0 ? PlayAny(world, kOthers) : kind < 3 ? PlayAny(world, kMoves) : PlayAny(world, kCalls);
     }
-    return 0;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -38,6 +39,9 @@ private:
     uint32_t size_;
 };
 
+// What a fuzz target does with an input.
+void WalkInput(const Bytes& in);
+
 inline bool Ok(Status status) { return status == StatusOk; }
 
 template <auto Free>
@@ -59,30 +63,6 @@ Owned<Free> Make(Function function, Arguments... arguments) {
 
 // ---- Calls, where some arguments stand for two parameters ----
 
-// The argument for a parameter, and whether it is its second one.
-template <bool... Twofold>
-constexpr std::pair<size_t, bool> Place(size_t parameter) {
-    size_t argument = 0;
-    for (const bool twofold : {Twofold...}) {
-        if (parameter < 1u + twofold) break;
-        parameter -= 1u + twofold;
-        ++argument;
-    }
-    return {argument, parameter == 1};
-}
-
-template <bool... Twofold, class Function, class Parameter>
-auto Call(Function& function, Parameter parameter) {
-    return [&]<size_t... P>(std::index_sequence<P...>) {
-        return function(parameter.template operator()<Place<Twofold...>(P).first, Place<Twofold...>(P).second>()...);
-    }
-    (std::make_index_sequence<(0 + ... + (1u + Twofold))>());
-}
-
-// Stands for a buffer and its length among the arguments of a getter.
-struct Output {
-} inline constexpr kOut;
-
 // A buffer of bytes or of text.
 struct Buffer {
     uint8_t* bytes;
@@ -90,46 +70,45 @@ struct Buffer {
     operator char*() const { return reinterpret_cast<char*>(bytes); }
 };
 
+// Stands for a buffer and its length among the arguments of a getter.
+struct Output {
+    Buffer buffer{};
+    uint32_t length = 0;
+} inline constexpr kOut;
+
+auto Spread(auto& argument) { return std::tuple(argument); }
+inline auto Spread(Output& output) { return std::tuple(output.buffer, &output.length); }
+
 // Measures, has buffers refused that are one byte short, then takes results in buffers of their size.
-inline bool TakeOutputs(Status (*call)(void*), void* of, Buffer* buffers, uint32_t* lengths, Bytes* results,
-                        size_t count) {
-    const bool made = Ok(call(of));
-    if (!made || count == 0) return made;
-    const std::vector<uint32_t> needed(lengths, lengths + count);
+inline bool TakeOutputs(const std::function<Status()>& call, const std::vector<Output*>& outputs, Bytes* results) {
+    const bool made = Ok(call());
+    if (!made || outputs.empty()) return made;
+    std::vector<uint32_t> needed;
+    for (const Output* output : outputs) needed.push_back(output->length);
     for (const uint32_t missing : {1u, 0u}) {
-        for (size_t i = 0; i < count; ++i) {
-            results[i] = Bytes(lengths[i] = needed[i] - std::min(missing, needed[i]));
-            buffers[i] = {results[i].data()};
+        bool fit = true;
+        for (size_t i = 0; i < needed.size(); ++i) {
+            results[i] = Bytes(needed[i] - std::min(missing, needed[i]));
+            *outputs[i] = {{results[i].data()}, results[i].size()};
+            fit = fit && results[i].size() == needed[i];
         }
-        const bool fit = std::equal(needed.begin(), needed.end(), lengths);
-        Require(call(of) == (fit ? StatusOk : StatusBufferTooSmall));
-        Require(std::equal(needed.begin(), needed.end(), lengths));
+        Require(call() == (fit ? StatusOk : StatusBufferTooSmall));
+        for (size_t i = 0; i < needed.size(); ++i) Require(outputs[i]->length == needed[i]);
     }
     return true;
 }
 
 // All outputs of a getter. Nothing if it fails.
-template <class Function, class... Arguments>
-auto GetAll(Function function, Arguments... arguments) {
-    constexpr size_t kCount = (0 + ... + std::is_same_v<Arguments, Output>);
-    Buffer buffers[kCount + 1] = {};
-    uint32_t lengths[kCount + 1] = {};
-    const std::tuple<Arguments...> members(arguments...);
-    auto call = [&] {
-        return Call<std::is_same_v<Arguments, Output>...>(function, [&]<size_t I, bool IsLength>() {
-            constexpr bool kIsOutput[] = {std::is_same_v<Arguments, Output>...};
-            constexpr auto kOutput = static_cast<size_t>(std::count(kIsOutput, kIsOutput + I, true));
-            if constexpr (IsLength)
-                return &lengths[kOutput];
-            else if constexpr (kIsOutput[I])
-                return buffers[kOutput];
-            else
-                return std::get<I>(members);
-        });
+template <class... Arguments>
+auto GetAll(auto function, Arguments... arguments) {
+    std::vector<Output*> outputs;
+    const auto note = [&](auto& argument) {
+        if constexpr (std::is_same_v<decltype(argument), Output&>) outputs.push_back(&argument);
     };
-    std::optional<std::array<Bytes, kCount>> results(std::in_place);
-    const auto invoke = [](void* of) { return (*static_cast<decltype(call)*>(of))(); };
-    if (!TakeOutputs(invoke, &call, buffers, lengths, results->data(), kCount)) results.reset();
+    (note(arguments), ...);
+    const auto call = [&] { return std::apply(function, std::tuple_cat(Spread(arguments)...)); };
+    std::optional<std::array<Bytes, (0 + ... + std::is_same_v<Arguments, Output>)>> results(std::in_place);
+    if (!TakeOutputs(call, outputs, results->data())) results.reset();
     return results;
 }
 
@@ -149,18 +128,21 @@ Result Sure(std::optional<Result> result, int line = __builtin_LINE(), const cha
     Require(result.has_value(), line, file);
     return std::move(*result);
 }
+inline void Sure(Status status, int line = __builtin_LINE(), const char* file = __builtin_FILE()) {
+    Require(Ok(status), line, file);
+}
 
 // What a function stores through its last parameter, which it has to do.
 template <class... Parameters>
 auto Lent(Status (*get)(Parameters...), auto... arguments) {
     std::remove_pointer_t<std::tuple_element_t<sizeof...(arguments), std::tuple<Parameters...>>> object{};
-    Require(Ok(get(arguments..., &object)));
+    Sure(get(arguments..., &object));
     return object;
 }
 
 void Each(auto count, auto list, auto visit) {
     uint32_t members = 0;
-    Require(Ok(count(list, &members)));
+    Sure(count(list, &members));
     for (uint32_t i = 0; i < members; ++i) visit(i);
 }
 
@@ -204,7 +186,6 @@ constexpr uint8_t kAnyBytes[] = {1, 42};  // an object identifier too
 // A number, a flag, an object that is lent, or a record. One of zeros is none.
 template <class T>
 struct Plain {
-    static constexpr bool kTwofold = false;
     T value{};
     T* Out() { return &value; }
     void Take(Bytes*&) const {
@@ -215,9 +196,9 @@ struct Plain {
     auto In() const {
         constexpr T kNone{};
         if constexpr (std::is_class_v<T>)
-            return std::memcmp(&value, &kNone, sizeof value) != 0 ? &value : nullptr;
+            return std::tuple(std::memcmp(&value, &kNone, sizeof value) != 0 ? &value : nullptr);
         else
-            return value;
+            return std::tuple(value);
     }
 };
 using Number = Plain<int32_t>;
@@ -226,29 +207,27 @@ using Octet = Plain<uint8_t>;
 using Time = Plain<LibraryTime>;
 
 struct Octets {
-    static constexpr bool kTwofold = true;
     Bytes bytes{};
     static Output Out() { return kOut; }
     void Take(Bytes*& next) {
         bytes = std::move(*next++);
         Carried().append(bytes.data(), bytes.end());
     }
-    const uint8_t* In() const { return bytes.data(); }
+    auto In() const { return std::tuple(bytes.data(), bytes.size()); }
 };
 // Null if empty.
 struct Maybe : Octets {
-    const uint8_t* In() const { return bytes.size() != 0 ? bytes.data() : nullptr; }
+    auto In() const { return std::tuple(bytes.size() != 0 ? bytes.data() : nullptr, bytes.size()); }
 };
 struct Oid : Maybe {
-    static constexpr bool kTwofold = false;
+    auto In() const { return std::tuple(std::get<0>(Maybe::In())); }
 };
 
 inline void Ignore(const void*) {}
 
-// An object that every call hands over anew, and its walk.
+// A new object from every call, and its walk.
 template <auto Free, auto Walk = Ignore>
 struct Handed {
-    static constexpr bool kTwofold = false;
     decltype(ArgumentOf(Free)) object = nullptr;
     struct Slot {
         decltype(object)* at;
@@ -261,7 +240,7 @@ struct Handed {
         if (object != nullptr) Walk(object);
         Carried() = before;
     }
-    auto In() const { return object; }
+    auto In() const { return std::tuple(object); }
 };
 
 // A function with its first arguments.
@@ -272,28 +251,29 @@ auto Of(auto function, auto... first) {
 // False if the getter fails.
 template <class... Parts>
 bool Carry(auto get, auto set) {
-    std::tuple<Parts...> parts;
-    return [&]<size_t... I>(std::index_sequence<I...>) {
-        auto results = GetAll(get, std::get<I>(parts).Out()...);
+    const auto carry = [&](auto&... part) {
+        auto results = GetAll(get, part.Out()...);
         if (!results) return false;
         Bytes* next = results->data();
-        (std::get<I>(parts).Take(next), ...);
-        Require(Ok(Call<Parts::kTwofold...>(set, [&]<size_t J, bool IsLength>() {
-            if constexpr (IsLength)
-                return std::get<J>(parts).bytes.size();
-            else
-                return std::get<J>(parts).In();
-        })));
+        (part.Take(next), ...);
+        Sure(std::apply(set, std::tuple_cat(part.In()...)));
         return true;
-    }
-    (std::index_sequence_for<Parts...>());
+    };
+    std::tuple<Parts...> parts;
+    return std::apply(carry, parts);
+}
+
+// Sets what the getter of the same object gives.
+template <class... Parts>
+bool PutBack(auto* of, auto get, auto set) {
+    return Carry<Parts...>(Of(get, of), Of(set, of));
 }
 
 // For parts that can be written in one form only: both documents get them, or others if they can't be read.
 template <class... Parts, class T>
 void Share(T* from, T* to, auto get, auto set, auto... others) {
     const auto both = [&](auto... values) { return Ok(set(from, values...)) ? set(to, values...) : StatusAbsent; };
-    if (!Carry<Parts...>(Of(get, from), both)) Require(Ok(both(others...)));
+    if (!Carry<Parts...>(Of(get, from), both)) Sure(both(others...));
 }
 
 // Set to what it is, which a setter refuses if it means nothing.
@@ -309,25 +289,24 @@ auto RebuildList(const auto* list, auto create, auto count, auto get, auto add) 
     return rebuilt;
 }
 
-// A name, made anew of its entries.
+// A name, made again of its entries.
 inline auto RebuildName(const X509Name* name) {
     auto rebuilt = Make<FreeX509Name>(CreateX509Name);
     Each(GetX509NameRdnCount, name, [&](uint32_t rdn) {
-        const uint32_t entries = Lent(GetX509NameEntryCount, name, rdn);
-        for (uint32_t entry = 0; entry < entries; ++entry) {
+        Each(Of(GetX509NameEntryCount, name), rdn, [&](uint32_t entry) {
             const auto add = [&](auto... parts) { return AddX509NameEntryExt(rebuilt.get(), parts..., entry == 0); };
             Require(Carry<Octets, Octet, Octet, Octet, Oid>(Of(GetX509NameEntryExt, name, rdn, entry), add));
             uint8_t tag = 0;
             uint32_t id = 0;
             const auto [value, oid] = Sure(Get(GetX509NameEntry, name, rdn, entry, kOut, &tag, kOut));
             (void)FindNameAttributeTypeIdByOid(oid.data(), &id);
-        }
+        });
     });
     return rebuilt;
 }
 
 template <class... Parts>
-void WalkParts(const Bytes& in, auto decode, auto encode, bool stable = true) {
+void WalkParts(const Bytes& in, bool stable, auto decode, auto encode) {
     const auto rewrite = [&](const Bytes& bytes) {
         MaybeBytes written;
         Carried().clear();
@@ -340,6 +319,13 @@ void WalkParts(const Bytes& in, auto decode, auto encode, bool stable = true) {
     // OIDs above 255 bytes are written with their length cut to a byte.
     if (once && stable && in.size() < (*once)[0].size() + 256)
         Require(rewrite((*once)[0]) == once && Carried() == first);
+}
+
+// Codecs of the same parts: what decodes them and what encodes them, one pair after the other.
+template <class... Parts>
+void WalkCodecs(const Bytes& in, auto decode, auto encode, auto... others) {
+    WalkParts<Parts...>(in, true, decode, encode);
+    if constexpr (sizeof...(others) > 0) WalkCodecs<Parts...>(in, others...);
 }
 
 inline Buffer NoBuffer(Buffer) { return {}; }

@@ -7,13 +7,7 @@ namespace walk {
 
 // Attributes of a message, which may be absent, and their values.
 inline void WalkMessageAttributes(RsaAttributes attributes) {
-    if (!Get(EncodeRsaAttributes, attributes)) return;
-    WalkAttributes(attributes);
-    Each(GetRsaAttributesAttributesCount, attributes, [&](uint32_t i) {
-        const uint32_t values = Lent(GetRsaAttributesAttributeValuesCount, attributes, i);
-        for (uint32_t j = 0; j < values; ++j)
-            WalkAttributeValue(Sure(Get(GetRsaAttributesAttributeValue, attributes, i, j))[0]);
-    });
+    if (Get(EncodeRsaAttributes, attributes)) WalkAttributesAnd(attributes, WalkAttributeValue);
 }
 
 // What an identifier gives, set again, changes nothing; nor does its name, which is its own.
@@ -29,25 +23,25 @@ void WalkIdentifier(auto* of, auto get, auto setIssuer, auto setKeyId) {
     Require(Get(get, of, &issuer, kOut, kOut) == before);
 }
 
-// The certificates that a message carries are in it already.
+// The certificates that a message carries are in it already, and its lists can't be read.
 template <class T>
-void WalkCertificateSet(T* of, auto count, auto get, auto add) {
+void WalkCertificatesAndCrls(T* of, auto count, auto get, auto add, auto countCrls, auto getCrl) {
     const uint32_t before = Lent(count, of);
     Each(count, of, [&](uint32_t i) {
         uint8_t kind = 0;
         const auto certificate = Get(get, of, i, &kind);
         if (!certificate || kind == 0 || (*certificate)[0].Has(0xBF)) return;
-        Require(Ok(add(of, kind, (*certificate)[0].data(), (*certificate)[0].size())));
+        Sure(add(of, kind, (*certificate)[0].data(), (*certificate)[0].size()));
     });
     Require(Lent(count, of) == before);
-}
-
-inline void WalkCrlSet(auto* of, auto count, auto get) {
-    Each(count, of, [&](uint32_t i) {
+    Each(countCrls, of, [&](uint32_t i) {
         uint8_t kind = 9;
-        Require(get(of, i, &kind, nullptr, nullptr) == StatusBadEncoding && kind == 9);
+        Require(getCrl(of, i, &kind, nullptr, nullptr) == StatusBadEncoding && kind == 9);
     });
 }
+#define CERTIFICATES_AND_CRLS(Message)                                                                   \
+    Get##Message##CertificatesCount, Get##Message##EncodedCertificate, Add##Message##EncodedCertificate, \
+        Get##Message##CrlsCount, Get##Message##EncodedCrl
 
 // ---- Signed messages ----
 
@@ -58,16 +52,14 @@ inline void WalkSigner(CmsSignerInfo* signer) {
     Require(encoded.size() == 0 || encoded.data()[0] == 0x31);
     WalkMessageAttributes(Lent(GetCmsSignerInfoSignedAttributes, signer));
     WalkMessageAttributes(Lent(GetCmsSignerInfoUnsignedAttributes, signer));
-    WalkVersion(signer, GetCmsSignerInfoVersion, SetCmsSignerInfoVersion);
-    Require(Carry<Octets>(Of(GetCmsSignerInfoSignature, signer), Of(SetCmsSignerInfoSignature, signer)));
-    Require(Carry<Oid, Maybe>(Of(GetCmsSignerInfoDigestAlgorithmOidAndParameters, signer),
-                              Of(SetCmsSignerInfoDigestAlgorithmOidAndParameters, signer)));
-    Require(Carry<Oid, Maybe>(Of(GetCmsSignerInfoSignatureAlgorithmOidAndParameters, signer),
-                              Of(SetCmsSignerInfoSignatureAlgorithmOidAndParameters, signer)));
+    WalkVersion(signer, PROPERTY(CmsSignerInfoVersion));
+    Require(PutBack<Octets>(signer, PROPERTY(CmsSignerInfoSignature)));
+    Require(PutBack<Oid, Maybe>(signer, PROPERTY(CmsSignerInfoDigestAlgorithmOidAndParameters)));
+    Require(PutBack<Oid, Maybe>(signer, PROPERTY(CmsSignerInfoSignatureAlgorithmOidAndParameters)));
 }
 
 inline void WalkSignedData(CmsSignedData* message) {
-    WalkVersion(message, GetCmsSignedDataVersion, SetCmsSignedDataVersion);
+    WalkVersion(message, PROPERTY(CmsSignedDataVersion));
     Each(GetCmsSignedDataDigestAlgorithmsCount, message, [&](uint32_t i) {
         Require(Carry<Oid, Maybe>(Of(GetCmsSignedDataDigestAlgorithmOidAndParameters, message, i),
                                   Of(AddCmsSignedDataDigestAlgorithmOidAndParameters, message)));
@@ -77,9 +69,7 @@ inline void WalkSignedData(CmsSignedData* message) {
     const auto signedContent = Sure(Get(GetCmsSignedDataContent, message));
     Require(signedContent == Sure(Get(GetCmsContentInfoContent, content)));
     WalkTimeStamp(signedContent[0]);
-    WalkCertificateSet(message, GetCmsSignedDataCertificatesCount, GetCmsSignedDataEncodedCertificate,
-                       AddCmsSignedDataEncodedCertificate);
-    WalkCrlSet(message, GetCmsSignedDataCrlsCount, GetCmsSignedDataEncodedCrl);
+    WalkCertificatesAndCrls(message, CERTIFICATES_AND_CRLS(CmsSignedData));
     Each(GetCmsSignedDataSignerInfosCount, message,
          [&](uint32_t i) { WalkSigner(Lent(GetCmsSignedDataSignerInfo, message, i)); });
 }
@@ -95,14 +85,16 @@ inline void WalkAndChangeSignedData(CmsSignedData* original) {
     uint32_t length = 0;
     Require(Lent(AddCmsSignedDataSignerInfo, copy) != nullptr);
     Require(EncodeCmsSignedData(copy, nullptr, &length) == StatusAbsent);
-    Require(Ok(DeleteCmsSignedDataSignerInfo(copy, signers)) && Get(EncodeCmsSignedData, copy) == encoded);
-    Require(Ok(AddCmsSignedDataEncodedCrl(copy, CmsCrlKindCertificateList, (*encoded)[0].data(), 1)));
+    Sure(DeleteCmsSignedDataSignerInfo(copy, signers));
+    Require(Get(EncodeCmsSignedData, copy) == encoded);
+    Sure(AddCmsSignedDataEncodedCrl(copy, CmsCrlKindCertificateList, (*encoded)[0].data(), 1));
     Require(EncodeCmsSignedData(copy, nullptr, &length) == StatusBadAlternative);
     WalkSignedData(copy);
     WalkSignedData(original);
-    Require(Ok(RemoveCmsSignedDataCrls(copy)) && Ok(RemoveCmsSignedDataCertificates(copy)));
-    Require(Ok(SetCmsSignedDataContent(copy, nullptr, 0)) && Ok(ClearCmsSignedDataSignerInfos(copy)));
-    Require(Ok(ClearCmsSignedDataDigestAlgorithms(copy)));
+    Sure(SetCmsSignedDataContent(copy, nullptr, 0));
+    for (const auto remove : {RemoveCmsSignedDataCrls, RemoveCmsSignedDataCertificates, ClearCmsSignedDataSignerInfos,
+                              ClearCmsSignedDataDigestAlgorithms})
+        Sure(remove(copy));
     Sure(Get(EncodeCmsSignedData, copy));
 }
 
@@ -142,34 +134,29 @@ inline void WalkGostTransport(GostR3410KeyTransport* from) {
     // A set that is there already would be emptied.
     if (!Carry<Oid>(Of(GetGostR3410KeyTransportEncryptionParamSetOid, from),
                     Of(SetGostR3410KeyTransportEncryptionParamSetOid, to)))
-        for (auto* each : {from, to}) Require(Ok(SetGostR3410KeyTransportEncryptionParamSetOid(each, kAnyBytes)));
-    const auto octets = [=](auto get, auto set) { Share<Octets>(from, to, get, set, kAnyBytes, 2); };
-    octets(GetGostR3410KeyTransportEncryptedKey, SetGostR3410KeyTransportEncryptedKey);
-    octets(GetGostR3410KeyTransportMacKey, SetGostR3410KeyTransportMacKey);
-    octets(GetGostR3410KeyTransportMaskKey, SetGostR3410KeyTransportMaskKey);
-    octets(GetGostR3410KeyTransportUkm, SetGostR3410KeyTransportUkm);
-    octets(GetGostR3410KeyTransportEphemeralPublicKey, SetGostR3410KeyTransportEphemeralPublicKey);
-    Share<Oid, Maybe>(from, to, GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters,
-                      SetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters, kAnyBytes, nullptr, 0);
+        for (auto* each : {from, to}) Sure(SetGostR3410KeyTransportEncryptionParamSetOid(each, kAnyBytes));
+    Share<Octets>(from, to, PROPERTY(GostR3410KeyTransportEncryptedKey), kAnyBytes, 2);
+    Share<Octets>(from, to, PROPERTY(GostR3410KeyTransportMacKey), kAnyBytes, 2);
+    Share<Octets>(from, to, PROPERTY(GostR3410KeyTransportMaskKey), kAnyBytes, 2);
+    Share<Octets>(from, to, PROPERTY(GostR3410KeyTransportUkm), kAnyBytes, 2);
+    Share<Octets>(from, to, PROPERTY(GostR3410KeyTransportEphemeralPublicKey), kAnyBytes, 2);
+    Share<Oid, Maybe>(from, to, PROPERTY(GostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters), kAnyBytes,
+                      nullptr, 0);
     RequireSame(Get(EncodeGostR3410KeyTransport, from), Get(EncodeGostR3410KeyTransport, to));
 }
 
 inline void WalkRecipient(KeyTrans* recipient) {
-    WalkVersion(recipient, GetKeyTransVersion, SetKeyTransVersion);
-    Require(Carry<Oid, Maybe>(Of(GetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient),
-                              Of(SetKeyTransKeyEncryptionAlgorithmOidAndParameters, recipient)));
+    WalkVersion(recipient, PROPERTY(KeyTransVersion));
+    Require(PutBack<Oid, Maybe>(recipient, PROPERTY(KeyTransKeyEncryptionAlgorithmOidAndParameters)));
     const auto [key] = Sure(Get(GetKeyTransEncryptedKey, recipient));
     WalkIdentifier(recipient, GetKeyTransRecipientIdentifier, SetKeyTransRecipientIdentifierIssuerAndSerialNumber,
                    SetKeyTransRecipientIdentifierSubjectKeyIdentifier);
-    WalkObject<FreeGostR3410KeyTransport>(key, DecodeGostR3410KeyTransport, EncodeGostR3410KeyTransport,
-                                          WalkGostTransport);
+    WALK(GostR3410KeyTransport, key, WalkGostTransport);
 }
 
 inline void WalkEnvelopedData(CmsEnvelopedData* message) {
-    WalkVersion(message, GetCmsEnvelopedDataVersion, SetCmsEnvelopedDataVersion);
-    WalkCertificateSet(message, GetCmsEnvelopedDataCertificatesCount, GetCmsEnvelopedDataEncodedCertificate,
-                       AddCmsEnvelopedDataEncodedCertificate);
-    WalkCrlSet(message, GetCmsEnvelopedDataCrlsCount, GetCmsEnvelopedDataEncodedCrl);
+    WalkVersion(message, PROPERTY(CmsEnvelopedDataVersion));
+    WalkCertificatesAndCrls(message, CERTIFICATES_AND_CRLS(CmsEnvelopedData));
     Each(GetCmsEnvelopedDataRecipientInfosCount, message, [&](uint32_t i) {
         void* recipient = nullptr;
         uint32_t kind = 0;
@@ -180,18 +167,19 @@ inline void WalkEnvelopedData(CmsEnvelopedData* message) {
     Sure(Get(GetCmsEnvelopedDataEncryptedContent, message));
     const auto [oid, parameters] =
         Sure(Get(GetCmsEnvelopedDataContentEncryptionAlgorithmOidAndParameters, message, kOut, kOut));
-    WalkParts<Octets, Oid>(parameters, Complete(DecodeGost2814789Parameters), EncodeGost2814789Parameters);
+    WalkCodecs<Octets, Oid>(parameters, Complete(DecodeGost2814789Parameters), EncodeGost2814789Parameters);
     WalkMessageAttributes(Lent(GetCmsEnvelopedDataUnprotectedAttributes, message));
-    Require(Ok(RemoveCmsEnvelopedDataCrls(message)) && Ok(RemoveCmsEnvelopedDataCertificates(message)));
-    Require(Ok(RemoveCmsEnvelopedDataRecipientInfos(message)));
+    for (const auto remove :
+         {RemoveCmsEnvelopedDataCrls, RemoveCmsEnvelopedDataCertificates, RemoveCmsEnvelopedDataRecipientInfos})
+        Sure(remove(message));
     Sure(Get(EncodeCmsEnvelopedData, message));
 }
 
 // ---- Whole messages ----
 
 inline void WalkContent(const Bytes& in) {
-    WalkObject<FreeCmsSignedData>(in, DecodeCmsSignedData, EncodeCmsSignedData, WalkAndChangeSignedData);
-    WalkObject<FreeCmsEnvelopedData>(in, DecodeCmsEnvelopedData, EncodeCmsEnvelopedData, WalkEnvelopedData);
+    WALK(CmsSignedData, in, WalkAndChangeSignedData);
+    WALK(CmsEnvelopedData, in, WalkEnvelopedData);
 }
 
 inline void WalkContentInfo(CmsContentInfo* info) {
@@ -201,24 +189,24 @@ inline void WalkContentInfo(CmsContentInfo* info) {
     WalkContent(content);
     (void)Get(DecodeCmsContentInfoContent, content.data(), content.size());
     Require(oid.size() > 256 || Ok(SetCmsContentInfoTypeOid(copy.get(), oid.data())));
-    Require(Ok(SetCmsContentInfoContent(copy.get(), content.data(), content.size())));
+    Sure(SetCmsContentInfoContent(copy.get(), content.data(), content.size()));
     Require(Get(EncodeCmsContentInfo, copy.get()) == Get(EncodeCmsContentInfo, info));
 }
 
 inline void WalkSeveral(SeveralData* several) {
+    const auto remove = [=](uint32_t) { Sure(RemoveSeveralDataContentInfo(several, 0)); };
     Each(GetSeveralDataContentInfoCount, several,
          [&](uint32_t i) { WalkContentInfo(Lent(GetSeveralDataContentInfo, several, i)); });
-    Each(GetSeveralDataContentInfoCount, several,
-         [&](uint32_t) { Require(Ok(RemoveSeveralDataContentInfo(several, 0))); });
+    Each(GetSeveralDataContentInfoCount, several, remove);
     Require(Lent(GetSeveralDataContentInfoCount, several) == 0);
 }
 
 inline void WalkMessage(const Bytes& in) {
     WalkMessageFile(in);
     WalkContent(in);
-    WalkObject<FreeCmsContentInfo>(in, DecodeCmsContentInfo, EncodeCmsContentInfo, WalkContentInfo);
-    WalkObject<FreeSeveralData>(in, DecodeSeveralData, EncodeSeveralData, WalkSeveral);
-    WalkObject<FreeKeyTrans>(in, DecodeKeyTrans, EncodeKeyTrans, WalkRecipient);
+    WALK(CmsContentInfo, in, WalkContentInfo);
+    WALK(SeveralData, in, WalkSeveral);
+    WALK(KeyTrans, in, WalkRecipient);
 }
 
 }  // namespace walk

@@ -9,12 +9,12 @@ namespace walk {
 void TakeExtensions(auto* from, auto get) {
     const X509Extensions extensions = Lent(get, from);
     WalkExtensions(extensions);
-    Require(Ok(RemoveX509Extensions(extensions)));
+    Sure(RemoveX509Extensions(extensions));
 }
 
 void TakeCertificates(auto* from, auto count, auto get, auto remove) {
     Each(count, from, [&](uint32_t i) { WalkCertificate(Lent(get, from, i)); });
-    Require(Ok(remove(from)));
+    Sure(remove(from));
 }
 
 // ---- Responses ----
@@ -30,9 +30,9 @@ inline auto RebuildSingleResponse(OcspSingleResponse* from) {
         Share<Time, Flag>(from, to, GetOcspSingleResponseCertStatusRevokedInfo, SetOcspSingleResponseCertStatusRevoked,
                           &kAnyTime, -1);
     else  // its NULL may have been read with content
-        Require(Ok(plain(from)) && Ok(plain(to)));
-    Share<Time>(from, to, GetOcspSingleResponseThisUpdate, SetOcspSingleResponseThisUpdate, &kAnyTime);
-    Share<Time>(from, to, GetOcspSingleResponseNextUpdate, SetOcspSingleResponseNextUpdate, nullptr);
+        for (auto* each : {from, to}) Sure(plain(each));
+    Share<Time>(from, to, PROPERTY(OcspSingleResponseThisUpdate), &kAnyTime);
+    Share<Time>(from, to, PROPERTY(OcspSingleResponseNextUpdate), nullptr);
     TakeExtensions(from, GetOcspSingleResponseExtensions);
     RequireSame(Get(EncodeOcspSingleResponse, from), Get(EncodeOcspSingleResponse, to));
     return rebuilt;
@@ -43,13 +43,13 @@ inline auto RebuildBasicResponse(OcspBasicResponse* from) {
     OcspBasicResponse* const to = rebuilt.get();
     Sure(Get(GetOcspBasicResponseToBeSignedPart, from));
     Require(Carry<Flag, Octets>(Of(GetOcspBasicResponseResponderID, from), Of(SetOcspBasicResponseResponderID, to)));
-    Share<Number>(from, to, GetOcspBasicResponseVersion, SetOcspBasicResponseVersion, 0);
-    Share<Time>(from, to, GetOcspBasicResponseProducedAt, SetOcspBasicResponseProducedAt, &kAnyTime);
+    Share<Number>(from, to, PROPERTY(OcspBasicResponseVersion), 0);
+    Share<Time>(from, to, PROPERTY(OcspBasicResponseProducedAt), &kAnyTime);
     Each(GetOcspBasicResponseSingleResponsesCount, from, [&](uint32_t i) {
         OcspSingleResponse* const single = Lent(GetOcspBasicResponseSingleResponse, from, i);
-        Require(Ok(AddOcspBasicResponseSingleResponse(to, RebuildSingleResponse(single).release())));
+        Sure(AddOcspBasicResponseSingleResponse(to, RebuildSingleResponse(single).release()));
     });
-    Share<Octets>(from, to, GetOcspBasicResponseSignature, SetOcspBasicResponseSignature, kAnyBytes, 1);
+    Share<Octets>(from, to, PROPERTY(OcspBasicResponseSignature), kAnyBytes, 1);
     Require(Carry<Oid, Maybe>(Of(GetOcspBasicResponseSignatureAlgorithmAndParameters, from),
                               Of(SetOcspBasicResponseSignatureAlgorithmOidAndParameters, to)));
     TakeExtensions(from, GetOcspBasicResponseExtensions);
@@ -72,9 +72,9 @@ inline void WalkBasicResponses(OcspBasicResponses* from) {
 
 // What a response carries, and parts of that.
 inline void WalkResponsePart(const Bytes& in) {
-    WalkObject<FreeOcspBasicResponse>(in, DecodeOcspBasicResponse, EncodeOcspBasicResponse, RebuildBasicResponse);
-    WalkObject<FreeOcspSingleResponse>(in, DecodeOcspSingleResponse, EncodeOcspSingleResponse, RebuildSingleResponse);
-    WalkObject<FreeOcspBasicResponses>(in, DecodeOcspBasicResponses, EncodeOcspBasicResponses, WalkBasicResponses);
+    WALK(OcspBasicResponse, in, RebuildBasicResponse);
+    WALK(OcspSingleResponse, in, RebuildSingleResponse);
+    WALK(OcspBasicResponses, in, WalkBasicResponses);
 }
 
 // Bytes without a type, and a type without bytes, can't be stored.
@@ -82,11 +82,11 @@ inline void WalkOcspResponse(OcspResponse* from) {
     const auto rebuilt = Make<FreeOcspResponse>(CreateOcspResponse);
     const auto [type, bytes] = Sure(Get(GetOcspResponseBytes, from, kOut, kOut));
     WalkResponsePart(bytes);
-    Share<Number>(from, rebuilt.get(), GetOcspResponseStatus, SetOcspResponseStatus, 0);
+    Share<Number>(from, rebuilt.get(), PROPERTY(OcspResponseStatus), 0);
     if (type.size() > 1 && bytes.size() > 0)
-        Carry<Oid, Octets>(Of(GetOcspResponseBytes, from), Of(SetOcspResponseBytes, rebuilt.get()));
+        Sure(SetOcspResponseBytes(rebuilt.get(), type.data(), bytes.data(), bytes.size()));
     else
-        Require(Ok(SetOcspResponseBytes(from, nullptr, nullptr, 0)));
+        Sure(SetOcspResponseBytes(from, nullptr, nullptr, 0));
     RequireSame(Get(EncodeOcspResponse, from), Get(EncodeOcspResponse, rebuilt.get()));
 }
 
@@ -94,7 +94,7 @@ inline void WalkOcspResponse(OcspResponse* from) {
 
 // Extensions of an entry. An empty cell can't be copied.
 struct Cell : Plain<X509Extensions> {
-    X509Extensions In() const { return Get(EncodeX509Extensions, value) ? value : nullptr; }
+    auto In() const { return std::tuple(Get(EncodeX509Extensions, value) ? value : nullptr); }
 };
 
 inline void WalkOcspRequest(OcspRequest* from) {
@@ -104,27 +104,26 @@ inline void WalkOcspRequest(OcspRequest* from) {
     uint32_t kind = 0;
     if (Ok(GetOcspRequestRequestorName(from, &requestor)) && requestor != nullptr)
         (void)Get(GetX509GeneralNameValue, requestor, &kind);
-    Share<Number>(from, to, GetOcspRequestVersion, SetOcspRequestVersion, 0);
+    Share<Number>(from, to, PROPERTY(OcspRequestVersion), 0);
     Carry<Flag, Octets>(Of(GetOcspRequestRequestorNameValue, from), Of(SetOcspRequestRequestorName, to));
     Each(GetOcspRequestCertRequestsCount, from, [&](uint32_t i) {
         Require(Carry<Oid, Maybe, Octets, Octets, Octets, Cell>(Of(Complete(GetOcspRequestCertRequest), from, i),
                                                                 Of(AddOcspRequestCertRequest, to)));
     });
-    if (Ok(IsExistsOcspRequestSignature(from)))
-        Share<Octets>(from, to, GetOcspRequestSignature, SetOcspRequestSignature, kAnyBytes, 1);
+    if (Ok(IsExistsOcspRequestSignature(from))) Share<Octets>(from, to, PROPERTY(OcspRequestSignature), kAnyBytes, 1);
     Carry<Oid, Maybe>(Of(GetOcspRequestSignatureAlgorithmAndParameters, from),
                       Of(SetOcspRequestSignatureAlgorithmOidAndParameters, to));
     TakeExtensions(from, GetOcspRequestExtensions);
     TakeCertificates(from, GetOcspRequestCertificatesCount, GetOcspRequestCertificate, RemoveOcspRequestCertificates);
     RequireSame(Get(EncodeOcspRequest, from), Get(EncodeOcspRequest, to));
     for (const auto remove : {ClearOcspRequestCertRequests, RemoveOcspRequestRequestorName, RemoveOcspRequestSignature})
-        Require(Ok(remove(from)));
+        Sure(remove(from));
     Sure(Get(EncodeOcspRequest, from));
 }
 
 inline void WalkOcsp(const Bytes& in) {
-    WalkObject<FreeOcspRequest>(in, DecodeOcspRequest, EncodeOcspRequest, WalkOcspRequest, IsStable(in));
-    WalkObject<FreeOcspResponse>(in, DecodeOcspResponse, EncodeOcspResponse, WalkOcspResponse);
+    WALK(OcspRequest, in, WalkOcspRequest, IsStable(in));
+    WALK(OcspResponse, in, WalkOcspResponse);
     WalkResponsePart(in);
 }
 

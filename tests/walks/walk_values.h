@@ -10,11 +10,10 @@ using Extensions = Handed<FreeX509Extensions, WalkExtensions>;
 using Names = Plain<X509GeneralNames*>;
 
 inline void WalkTimeStamp(const Bytes& in) {
-    WalkParts<Number, Oid, Maybe, Octets, Maybe, Maybe, Flag, Extensions>(in, DecodeTimeStampReq, EncodeTimeStampReq);
-    WalkParts<Number, Handed<FreePKIFreeText>, Flag, Handed<FreeCmsContentInfo>>(in, DecodeTimeStampResp,
-                                                                                 EncodeTimeStampResp);
+    WalkCodecs<Number, Oid, Maybe, Octets, Maybe, Maybe, Flag, Extensions>(in, CODEC(TimeStampReq));
+    WalkCodecs<Number, Handed<FreePKIFreeText>, Flag, Handed<FreeCmsContentInfo>>(in, CODEC(TimeStampResp));
     WalkParts<Number, Oid, Oid, Maybe, Octets, Octets, Plain<LibraryPreciseTime>, Plain<Accuracy>, Flag, Maybe,
-              Handed<FreeX509GeneralName>, Extensions>(in, DecodeTSTInfo, EncodeTSTInfo, IsStable(in));
+              Handed<FreeX509GeneralName>, Extensions>(in, IsStable(in), CODEC(TSTInfo));
 }
 
 // ---- Private extensions ----
@@ -53,26 +52,21 @@ inline void WalkPrivateExtension(const Bytes& in) {
         if (c.bytes == nullptr) c.bytes = room.data(), *cLength = length;
         return DecodeExtensionIssuerSignTool(data, length, a, aLength, b, bLength, c, cLength, last...);
     };
-    WalkParts<Octets>(in, DecodeExtensionSubjectSignTool, EncodeExtensionSubjectSignTool);
-    WalkParts<Octets>(in, DecodeExtensionRelatedOsbKod, EncodeExtensionRelatedOsbKod);
-    WalkParts<Oid>(in, DecodeExtensionParentAS, EncodeExtensionParentAS);
-    WalkParts<Time>(in, DecodeExtensionOcspCheckTime, EncodeExtensionOcspCheckTime);
-    WalkParts<Number>(in, DecodeExtensionOcspRequestCertificates, EncodeExtensionOcspRequestCertificates);
-    WalkParts<Number>(in, DecodeExtensionOcspRequestDocuments, EncodeExtensionOcspRequestDocuments);
-    WalkParts<Time, Time>(in, DecodeExtensionRequestBlockingDate, EncodeExtensionRequestBlockingDate);
-    WalkParts<Octets, Octets, Octets, Octets>(in, decodeTools, EncodeExtensionIssuerSignTool);
-    WalkParts<Number, Maybe>(in, DecodeExtensionKeyStorage, EncodeExtensionKeyStorage);
-    WalkParts<Number, Time>(in, DecodeExtensionOcspCheckTime2, EncodeExtensionOcspCheckTime2);
-    WalkParts<Octets, Octets, Flag, Number>(in, Complete(DecodeExtensionOcspCheckKeyMeshRegistry),
-                                            EncodeExtensionOcspCheckKeyMeshRegistry);
-    WalkParts<Octets, Maybe, Maybe, Flag, Flag, Maybe, Maybe, Flag, Number>(in, DecodeExtensionOcspCheckFile,
-                                                                            EncodeExtensionOcspCheckFile);
-    WalkObject<FreeX509Name>(in, DecodeExtensionOwnerInformation, EncodeExtensionOwnerInformation, Ignore);
-    WalkObject<FreeExtensionStoreCertificates>(in, DecodeExtensionStoreCertificates, EncodeExtensionStoreCertificates,
-                                               Twice(RebuildStore, EncodeExtensionStoreCertificates));
-    WalkObject<FreeExtensionOcspCheckFileExtResults>(
-        in, DecodeExtensionOcspCheckFileExtResults, EncodeExtensionOcspCheckFileExtResults,
-        Twice(RebuildResults, EncodeExtensionOcspCheckFileExtResults), IsStable(in));
+    WalkCodecs<Octets>(in, CODEC(ExtensionSubjectSignTool), CODEC(ExtensionRelatedOsbKod));
+    WalkCodecs<Oid>(in, CODEC(ExtensionParentAS));
+    WalkCodecs<Time>(in, CODEC(ExtensionOcspCheckTime));
+    WalkCodecs<Number>(in, CODEC(ExtensionOcspRequestCertificates), CODEC(ExtensionOcspRequestDocuments));
+    WalkCodecs<Time, Time>(in, CODEC(ExtensionRequestBlockingDate));
+    WalkCodecs<Octets, Octets, Octets, Octets>(in, decodeTools, EncodeExtensionIssuerSignTool);
+    WalkCodecs<Number, Maybe>(in, CODEC(ExtensionKeyStorage));
+    WalkCodecs<Number, Time>(in, CODEC(ExtensionOcspCheckTime2));
+    WalkCodecs<Octets, Octets, Flag, Number>(in, Complete(DecodeExtensionOcspCheckKeyMeshRegistry),
+                                             EncodeExtensionOcspCheckKeyMeshRegistry);
+    WalkCodecs<Octets, Maybe, Maybe, Flag, Flag, Maybe, Maybe, Flag, Number>(in, CODEC(ExtensionOcspCheckFile));
+    WalkObject<FreeX509Name>(in, CODEC(ExtensionOwnerInformation), Ignore);
+    WALK(ExtensionStoreCertificates, in, Twice(RebuildStore, EncodeExtensionStoreCertificates));
+    WALK(ExtensionOcspCheckFileExtResults, in, Twice(RebuildResults, EncodeExtensionOcspCheckFileExtResults),
+         IsStable(in));
 }
 
 // ---- Attribute values ----
@@ -100,7 +94,7 @@ inline void WalkRefs(CrlOcspRefs* list) {
     });
 }
 
-// A signing certificate attribute. Its list is the same when it is made anew.
+// A signing certificate attribute. Its list is the same when it is made again.
 template <auto Free, class... Parts>
 void WalkCertIDs(const Bytes& in, auto decode, auto encode, auto create, auto count, auto get, auto add) {
     constexpr ExtensionCertificatePolicies* kNone = nullptr;
@@ -109,7 +103,7 @@ void WalkCertIDs(const Bytes& in, auto decode, auto encode, auto create, auto co
         RequireSame(Get(WithRoom(encode), list, kNone), Get(WithRoom(encode), rebuilt.get(), kNone));
         return WithRoom(encode)(rebuilt.get(), others...);
     };
-    WalkParts<Handed<Free>, Handed<FreeExtensionCertificatePolicies, WalkPolicies>>(in, decode, write, IsStable(in));
+    WalkParts<Handed<Free>, Handed<FreeExtensionCertificatePolicies, WalkPolicies>>(in, IsStable(in), decode, write);
 }
 
 struct Unwritten : Octets {
@@ -125,25 +119,21 @@ inline void WalkAttributeValue(const Bytes& in) {
         const Status status = DecodeRsaAttributeAtsHashIndex(data, length, a, aLength, b, bLength, lists...);
         return Ok(status) && (*aLength > room[0] || *bLength > room[1]) ? StatusBufferTooSmall : status;
     };
-    WalkParts<Oid>(in, DecodeRsaAttributeContentTypeValue, EncodeRsaAttributeContentTypeValue);
-    WalkParts<Number>(in, DecodeRsaAttributeValidityPeriodValue, EncodeRsaAttributeValidityPeriodValue);
-    WalkParts<Octets>(in, DecodeRsaAttributeMessageDigestValue, EncodeRsaAttributeMessageDigestValue);
-    WalkParts<Octets>(in, DecodeRsaAttributeTokenSerialNumberValue, EncodeRsaAttributeTokenSerialNumberValue);
-    WalkParts<Time>(in, DecodeRsaAttributeSigningTimeValue, EncodeRsaAttributeSigningTimeValue);
-    WalkParts<Time, Time>(in, DecodeRsaAttributeValidityValue, EncodeRsaAttributeValidityValue);
-    WalkParts<Oid, Octets>(in, DecodeRsaAttributeExtSubjInfoValue, EncodeRsaAttributeExtSubjInfoValue);
-    WalkParts<Number, Maybe, Maybe, Unwritten, Time, Time, Maybe>(in, DecodeDocInfo, EncodeDocInfo);
-    WalkParts<Oid, Maybe, Strings, Strings, Strings>(in, decodeIndex, WithRoom(EncodeRsaAttributeAtsHashIndex));
-    WalkParts<Handed<FreeX509Crls, WalkCrls>, Handed<FreeOcspBasicResponses, WalkBasicResponses>, Oid, Maybe>(
+    WalkCodecs<Oid>(in, CODEC(RsaAttributeContentTypeValue));
+    WalkCodecs<Number>(in, CODEC(RsaAttributeValidityPeriodValue));
+    WalkCodecs<Octets>(in, CODEC(RsaAttributeMessageDigestValue), CODEC(RsaAttributeTokenSerialNumberValue));
+    WalkCodecs<Time>(in, CODEC(RsaAttributeSigningTimeValue));
+    WalkCodecs<Time, Time>(in, CODEC(RsaAttributeValidityValue));
+    WalkCodecs<Oid, Octets>(in, CODEC(RsaAttributeExtSubjInfoValue));
+    WalkCodecs<Number, Maybe, Maybe, Unwritten, Time, Time, Maybe>(in, CODEC(DocInfo));
+    WalkCodecs<Oid, Maybe, Strings, Strings, Strings>(in, decodeIndex, WithRoom(EncodeRsaAttributeAtsHashIndex));
+    WalkCodecs<Handed<FreeX509Crls, WalkCrls>, Handed<FreeOcspBasicResponses, WalkBasicResponses>, Oid, Maybe>(
         in, DecodeRsaAttributeRevocationValues, WithRoom(EncodeRsaAttributeRevocationValues));
-    WalkCertIDs<FreeESSCertIDs>(in, DecodeRsaAttributeSigningCertificateValue,
-                                EncodeRsaAttributeSigningCertificateValue, CreateESSCertIDs, GetESSCertIDCount,
+    WalkCertIDs<FreeESSCertIDs>(in, CODEC(RsaAttributeSigningCertificateValue), CreateESSCertIDs, GetESSCertIDCount,
                                 GetESSCertIDInformation, AddESSCertIDToList);
-    WalkCertIDs<FreeESSCertIDsV2, Oid, Maybe>(in, DecodeRsaAttributeSigningCertificateV2Value,
-                                              EncodeRsaAttributeSigningCertificateV2Value, CreateESSCertIDsV2,
+    WalkCertIDs<FreeESSCertIDsV2, Oid, Maybe>(in, CODEC(RsaAttributeSigningCertificateV2Value), CreateESSCertIDsV2,
                                               GetESSCertIDV2Count, GetESSCertIDV2Information, AddESSCertIDv2ToList);
-    WalkCertIDs<FreeOtherCertIDs, Oid, Maybe>(in, DecodeRsaAttributeOtherSigningCertificateValue,
-                                              EncodeRsaAttributeOtherSigningCertificateValue, CreateOtherCertIDs,
+    WalkCertIDs<FreeOtherCertIDs, Oid, Maybe>(in, CODEC(RsaAttributeOtherSigningCertificateValue), CreateOtherCertIDs,
                                               GetOtherCertIDCount, GetOtherCertIDInformation, AddOtherCertIDToList);
     WalkObject<FreeOtherCertIDs>(in, DecodeOtherCertIDs, WithRoom(EncodeOtherCertIDs), Ignore, IsStable(in));
     WalkObject<FreeCrlOcspRefs>(in, DecodeRsaAttributeCompleteRevocationRefs,

@@ -5,6 +5,11 @@
 
 #include "walk.h"
 
+// The functions of a value, of a property, and of an object that a walk starts from.
+#define CODEC(Name) Decode##Name, Encode##Name
+#define PROPERTY(Name) Get##Name, Set##Name
+#define WALK(Name, in, ...) walk::WalkObject<Free##Name>(in, CODEC(Name), __VA_ARGS__)
+
 namespace walk {
 
 inline void WalkName(const X509Name* name) {
@@ -30,7 +35,7 @@ inline void WalkPoints(ExtensionCrlDistributionPoints* list) {
         X509GeneralNames *fullName = nullptr, *issuer = nullptr;
         X509Name* relativeName = nullptr;
         uint32_t reasons = 0;
-        Require(Ok(GetExtensionCrlDistributionPoint(list, i, &fullName, &relativeName, &reasons, &issuer)));
+        Sure(GetExtensionCrlDistributionPoint(list, i, &fullName, &relativeName, &reasons, &issuer));
         for (const X509GeneralNames* names : {fullName, issuer}) WalkGeneralNames(names);
     });
 }
@@ -49,9 +54,9 @@ inline void WalkPolicies(ExtensionCertificatePolicies* list) {
     Each(GetExtensionPolicyInformationCount, list, [&](uint32_t i) {
         const auto [policy] = Sure(Get(GetExtensionPolicyInformation, list, i));
         // The new member stands for the policy, and isn't written. Nor is a list that was empty before.
-        Require(Ok(AddExtensionPolicyQualifier(list, i, policy.data(), nullptr, 0)));
-        const uint32_t qualifiers = Lent(GetExtensionPolicyQualifiersCount, list, i);
-        for (uint32_t j = 0; j < qualifiers; ++j) Sure(Get(GetExtensionPolicyQualifier, list, i, j, kOut, kOut));
+        Sure(AddExtensionPolicyQualifier(list, i, policy.data(), nullptr, 0));
+        const auto read = [&](uint32_t j) { Sure(Get(GetExtensionPolicyQualifier, list, i, j, kOut, kOut)); };
+        Each(Of(GetExtensionPolicyQualifiersCount, list), i, read);
     });
     Require(Sure(Get(EncodeExtensionCertificatePolicies, list))[0].size() <= size);
 }
@@ -66,56 +71,37 @@ inline void WalkValue(const Bytes& in) {
         return [=](auto* list) { Each(count, list, [&](uint32_t i) { Sure(Get(get, list, i)); }); };
     };
     (void)Get(DecodeSubjectPublicKeyInfo, in.data(), in.size(), kOut, kOut, kOut);
-    WalkParts<Octets>(in, DecodeExtensionSubjectKeyIdentifier, EncodeExtensionSubjectKeyIdentifier);
-    WalkParts<Octets>(in, DecodeExtensionCrlNumber, EncodeExtensionCrlNumber);
-    WalkParts<Octets>(in, DecodeExtensionDeltaCrlIndicator, EncodeExtensionDeltaCrlIndicator);
-    WalkParts<Octets>(in, DecodeExtensionOcspNonce, EncodeExtensionOcspNonce);
-    WalkParts<Octets>(in, DecodePublicKeyGostR34102001, EncodeGostR34102001PublicKey);
-    WalkParts<Octets>(in, DecodeAsn1UTF8String, EncodeAsn1UTF8String);
-    WalkParts<Octets>(in, DecodeAsn1IA5String, EncodeAsn1IA5String);
-    WalkParts<Octets>(in, DecodeAsn1NumericString, EncodeAsn1NumericString);
-    WalkParts<Oid>(in, DecodeAsn1Oid, EncodeAsn1Oid);
-    WalkParts<Number>(in, DecodeAsn1Int32, EncodeAsn1Int32);
-    WalkParts<Number>(in, DecodeExtensionReasonCode, EncodeExtensionReasonCode);
-    WalkParts<Flag>(in, DecodeExtensionKeyUsage, EncodeExtensionKeyUsage);
-    WalkParts<Flag>(in, DecodeExtensionNetscapeCertificateType, EncodeExtensionNetscapeCertificateType);
-    WalkParts<Octet, Flag>(in, DecodeExtensionBasicConstraints, EncodeExtensionBasicConstraints);
-    WalkParts<Time>(in, DecodeTime, EncodeTime);
-    WalkParts<Time>(in, DecodeAsn1GeneralizedTime, EncodeAsn1GeneralizedTime);
-    WalkParts<Time>(in, DecodeExtensionInvalidityDate, EncodeExtensionInvalidityDate);
-    WalkParts<Time, Time>(in, DecodeExtensionPrivateKeyUsagePeriod, EncodeExtensionPrivateKeyUsagePeriod);
-    WalkParts<Octet, Flag, Flag, Flag>(in, DecodeAlgorithmGostR34102001Parameters,
-                                       EncodeAlgorithmGostR34102001Parameters);
-    WalkParts<Octet, Oid, Oid, Oid>(in, DecodeAlgorithmGostR34102001ParameterOids,
-                                    EncodeAlgorithmGostR34102001ParametersOid);
-    WalkParts<Octet, Oid, Oid, Oid>(in, DecodeAlgorithmGostR34102012ParameterOids,
-                                    EncodeAlgorithmGostR34102012ParametersOid);
+    WalkCodecs<Octets>(in, CODEC(ExtensionSubjectKeyIdentifier), CODEC(ExtensionCrlNumber),
+                       CODEC(ExtensionDeltaCrlIndicator), CODEC(ExtensionOcspNonce), CODEC(Asn1UTF8String),
+                       CODEC(Asn1IA5String), CODEC(Asn1NumericString), DecodePublicKeyGostR34102001,
+                       EncodeGostR34102001PublicKey);
+    WalkCodecs<Oid>(in, CODEC(Asn1Oid));
+    WalkCodecs<Number>(in, CODEC(Asn1Int32), CODEC(ExtensionReasonCode));
+    WalkCodecs<Flag>(in, CODEC(ExtensionKeyUsage), CODEC(ExtensionNetscapeCertificateType));
+    WalkCodecs<Octet, Flag>(in, CODEC(ExtensionBasicConstraints));
+    WalkCodecs<Time>(in, CODEC(Time), CODEC(Asn1GeneralizedTime), CODEC(ExtensionInvalidityDate));
+    WalkCodecs<Time, Time>(in, CODEC(ExtensionPrivateKeyUsagePeriod));
+    WalkCodecs<Octet, Flag, Flag, Flag>(in, CODEC(AlgorithmGostR34102001Parameters));
+    WalkCodecs<Octet, Oid, Oid, Oid>(
+        in, DecodeAlgorithmGostR34102001ParameterOids, EncodeAlgorithmGostR34102001ParametersOid,
+        DecodeAlgorithmGostR34102012ParameterOids, EncodeAlgorithmGostR34102012ParametersOid);
     for (const auto id : {AlgorithmGostR34102001, AlgorithmGostR34102012Key512})
-        WalkParts<Octet, Oid, Oid, Oid>(in, Of(DecodeAlgorithmGostR3410ParameterOids, id),
-                                        Of(EncodeAlgorithmGostR3410ParametersOid, id));
-    WalkParts<Maybe, GeneralNames, Maybe>(in, DecodeExtensionAuthorityKeyIdentifier,
-                                          EncodeExtensionAuthorityKeyIdentifier, stable);
+        WalkCodecs<Octet, Oid, Oid, Oid>(in, Of(DecodeAlgorithmGostR3410ParameterOids, id),
+                                         Of(EncodeAlgorithmGostR3410ParametersOid, id));
+    WalkParts<Maybe, GeneralNames, Maybe>(in, stable, CODEC(ExtensionAuthorityKeyIdentifier));
     // What the names point to is gone. Reasons without onlyContainsUserCerts are taken for it by the next reader.
-    const auto encodePoint = [](auto, auto, auto... others) {
-        return EncodeExtensionIssuingDistributionPoint(nullptr, nullptr, others...);
-    };
+    const auto encodePoint = Of(EncodeExtensionIssuingDistributionPoint, nullptr, nullptr);
     WalkParts<Plain<X509GeneralNames*>, Plain<X509Name*>, Octet, Flag, Octet, Flag, Flag, Flag, Octet, Flag, Octet,
-              Flag>(in, DecodeExtensionIssuingDistributionPoint, encodePoint, false);
-    WalkObject<FreeX509Name>(in, DecodeX509Name, EncodeX509Name, WalkName);
-    WalkObject<FreeX509GeneralNames>(in, DecodeX509GeneralNames, EncodeX509GeneralNames, WalkGeneralNames, stable);
-    WalkObject<FreePKIFreeText>(in, DecodePKIFreeText, EncodePKIFreeText,
-                                members(GetPKIFreeTextStringCount, GetPKIFreeTextString));
-    WalkObject<FreeX509Extension>(in, DecodeX509Extension, EncodeX509Extension, [](X509Extension* from) {
-        Require(Carry<Oid, Flag, Octets>(Of(GetX509Extension, from), Of(SetX509Extension, from)));
-    });
-    WalkObject<FreeExtensionExtendedKeyUsage>(in, DecodeExtensionExtendedKeyUsage, EncodeExtensionExtendedKeyUsage,
-                                              members(GetExtensionExtendedKeyUsageCount, GetExtensionExtendedKeyUsage));
-    WalkObject<FreeExtensionCertificatePolicies>(in, DecodeExtensionCertificatePolicies,
-                                                 EncodeExtensionCertificatePolicies, WalkPolicies);
-    WalkObject<FreeExtensionCrlDistributionPoints>(in, DecodeExtensionCrlDistributionPoints,
-                                                   EncodeExtensionCrlDistributionPoints, WalkPoints, stable);
-    WalkObject<FreeExtensionAuthorityInformationAccess>(in, DecodeExtensionAuthorityInformationAccess,
-                                                        EncodeExtensionAuthorityInformationAccess, WalkAccess, stable);
+              Flag>(in, false, DecodeExtensionIssuingDistributionPoint,
+                    [=](auto, auto, auto... others) { return encodePoint(others...); });
+    WALK(X509Name, in, WalkName);
+    WALK(X509GeneralNames, in, WalkGeneralNames, stable);
+    WALK(PKIFreeText, in, members(GetPKIFreeTextStringCount, GetPKIFreeTextString));
+    WALK(X509Extension, in, [](auto* from) { Require(PutBack<Oid, Flag, Octets>(from, PROPERTY(X509Extension))); });
+    WALK(ExtensionExtendedKeyUsage, in, members(GetExtensionExtendedKeyUsageCount, GetExtensionExtendedKeyUsage));
+    WALK(ExtensionCertificatePolicies, in, WalkPolicies);
+    WALK(ExtensionCrlDistributionPoints, in, WalkPoints, stable);
+    WALK(ExtensionAuthorityInformationAccess, in, WalkAccess, stable);
 }
 
 inline void WalkExtensions(X509Extensions extensions) {
@@ -124,7 +110,7 @@ inline void WalkExtensions(X509Extensions extensions) {
         uint32_t critical = 0;
         const auto [oid, value] = Sure(Get(GetX509ExtensionsExtension, extensions, i, kOut, &critical, kOut));
         WalkValue(value);
-        Require(Ok(AddX509ExtensionsExtension(rebuilt.get(), oid.data(), critical, value.data(), value.size())));
+        Sure(AddX509ExtensionsExtension(rebuilt.get(), oid.data(), critical, value.data(), value.size()));
         if (oid.size() > 256) return;  // its length is cut
         const uint32_t first = Lent(FindX509Extension, extensions, oid.data());
         Require(first < i ||
@@ -156,7 +142,7 @@ inline void WalkCertificate(Certificate* certificate) {
             Get(GetX509ExtensionsExtensionValue, extensions, kUsages));
     WalkLine(GetCertificateCN, certificate);
     WalkLine(GetZelcryptIdentifierFromCertificate, certificate);
-    WalkVersion(certificate, GetCertificateVersion, SetCertificateVersion);
+    WalkVersion(certificate, PROPERTY(CertificateVersion));
     Sure(Get(GetCertificateToBeSignedPart, certificate));
     (void)Get(GetCertificatePublicKeyGostR3410, certificate);
     (void)Get(GetCertificateDecodedPublicKeyGostR34102012, certificate, kOut, &sets[0], &sets[1], &sets[2]);
@@ -182,38 +168,36 @@ inline void WalkAndChangeCertificate(Certificate* original) {
     const auto owner = Make<FreeCertificate>(CreateCertificateCopy, original);
     Certificate* copy = owner.get();
     const X509Extensions extensions = Lent(GetCertificateExtensions, copy);
-    Require(Carry<Octets>(Of(GetCertificateSerialNumber, copy), Of(SetCertificateSerialNumber, copy)));
-    Require(Ok(SetCertificateIssuer(copy, Lent(GetCertificateIssuer, copy))));
-    Require(Ok(SetCertificateSubject(copy, Lent(GetCertificateSubject, copy))));
-    Require(Ok(SetCertificateExtensions(copy, extensions)));
-    Share<Time>(original, copy, GetCertificateValidNotBefore, SetCertificateValidNotBefore, &kAnyTime);
-    Share<Time>(original, copy, GetCertificateValidNotAfter, SetCertificateValidNotAfter, &kAnyTime);
-    Share<Octets>(original, copy, GetCertificatePublicKey, SetCertificatePublicKey, kAnyBytes, 1);
-    Share<Octets>(original, copy, GetCertificateSignature, SetCertificateSignature, kAnyBytes, 1);
-    Carry<Octets, Octet>(Of(GetCertificateIssuerUniqueId, copy), Of(SetCertificateIssuerUniqueId, copy));
-    Carry<Octets, Octet>(Of(GetCertificateSubjectUniqueId, copy), Of(SetCertificateSubjectUniqueId, copy));
-    Require(Carry<Oid, Maybe>(Of(GetCertificatePublicKeyAlgorithmOidAndParameters, copy),
-                              Of(SetCertificatePublicKeyAlgorithmOidAndParameters, copy)));
-    Share<Oid, Maybe>(original, copy, GetCertificateSignatureAlgorithmOidAndParameters,
-                      SetCertificateSignatureAlgorithmOidAndParameters, kAnyBytes, nullptr, 0);
+    Sure(SetCertificateIssuer(copy, Lent(GetCertificateIssuer, copy)));
+    Sure(SetCertificateSubject(copy, Lent(GetCertificateSubject, copy)));
+    Sure(SetCertificateExtensions(copy, extensions));
+    PutBack<Octets, Octet>(copy, PROPERTY(CertificateIssuerUniqueId));
+    PutBack<Octets, Octet>(copy, PROPERTY(CertificateSubjectUniqueId));
+    Require(PutBack<Octets>(copy, PROPERTY(CertificateSerialNumber)));
+    Require(PutBack<Oid, Maybe>(copy, PROPERTY(CertificatePublicKeyAlgorithmOidAndParameters)));
+    Share<Time>(original, copy, PROPERTY(CertificateValidNotBefore), &kAnyTime);
+    Share<Time>(original, copy, PROPERTY(CertificateValidNotAfter), &kAnyTime);
+    Share<Octets>(original, copy, PROPERTY(CertificatePublicKey), kAnyBytes, 1);
+    Share<Octets>(original, copy, PROPERTY(CertificateSignature), kAnyBytes, 1);
+    Share<Oid, Maybe>(original, copy, PROPERTY(CertificateSignatureAlgorithmOidAndParameters), kAnyBytes, nullptr, 0);
     RequireSame(Get(EncodeCertificate, original), Get(EncodeCertificate, copy));
 
     (void)SetCertificateSubjectKeyIdentifier(copy);
     (void)SetCertificateAuthorityKeyIdentifier(copy, copy);
-    Require(Ok(SetCertificateExtensionCrlDistributionPoints(copy, "http://a/b.crl")));
+    Sure(SetCertificateExtensionCrlDistributionPoints(copy, "http://a/b.crl"));
     WalkCertificate(copy);
-    Each(GetX509ExtensionsExtensionsCount, extensions,
-         [&](uint32_t) { Require(Ok(RemoveX509ExtensionsExtension(extensions, 0))); });
+    const auto remove = [&](uint32_t) { Sure(RemoveX509ExtensionsExtension(extensions, 0)); };
+    Each(GetX509ExtensionsExtensionsCount, extensions, remove);
     Sure(Get(EncodeCertificate, copy));
 }
 
 // The whole way: decoded, encoded, decoded again, read and changed.
 inline void WalkEncodedCertificate(const Bytes& in) {
-    WalkObject<FreeCertificates>(in, DecodeCertificates, EncodeCertificates, [](Certificates* list) {
+    WALK(Certificates, in, [](Certificates* list) {
         Each(GetCertificatesCount, list,
              [=](uint32_t i) { WalkCertificate(Lent(GetCertificatesCertificate, list, i)); });
     });
-    WalkObject<FreeCertificate>(in, DecodeCertificate, EncodeCertificate, WalkAndChangeCertificate);
+    WALK(Certificate, in, WalkAndChangeCertificate);
 }
 
 // ---- Revocation lists ----
@@ -243,7 +227,7 @@ inline void WalkCrl(X509Crl* crl) {
     WalkExtensions(Lent(GetX509CrlExtensions, crl));
     WalkEntries(crl, Lent(GetX509CrlIssuer, crl));
     WalkLine(GetCrlCN, crl);
-    WalkVersion(crl, GetX509CrlVersion, SetX509CrlVersion);
+    WalkVersion(crl, PROPERTY(X509CrlVersion));
     Sure(Get(GetX509CrlToBeSignedPart, crl));
 }
 
@@ -253,18 +237,17 @@ inline void WalkAndChangeCrl(X509Crl* original) {
     const auto owner = Make<FreeX509Crl>(CreateX509CrlCopy, original);
     X509Crl* copy = owner.get();
     const LibraryTime time{2060, 1, 1, 0, 0, 0};
-    Require(Ok(SetX509CrlIssuer(copy, Lent(GetX509CrlIssuer, copy))));
-    Share<Time>(original, copy, GetX509CrlThisUpdate, SetX509CrlThisUpdate, &time);
-    Share<Time>(original, copy, GetX509CrlNextUpdate, SetX509CrlNextUpdate, &time);
-    Share<Octets>(original, copy, GetX509CrlSignature, SetX509CrlSignature, kAnyBytes, 1);
-    Share<Oid, Maybe>(original, copy, GetX509CrlSignatureAlgorithmOidAndParameters,
-                      SetX509CrlSignatureAlgorithmOidAndParameters, kAnyBytes, nullptr, 0);
+    Sure(SetX509CrlIssuer(copy, Lent(GetX509CrlIssuer, copy)));
+    Share<Time>(original, copy, PROPERTY(X509CrlThisUpdate), &time);
+    Share<Time>(original, copy, PROPERTY(X509CrlNextUpdate), &time);
+    Share<Octets>(original, copy, PROPERTY(X509CrlSignature), kAnyBytes, 1);
+    Share<Oid, Maybe>(original, copy, PROPERTY(X509CrlSignatureAlgorithmOidAndParameters), kAnyBytes, nullptr, 0);
     RequireSame(Get(EncodeX509Crl, original), Get(EncodeX509Crl, copy));
-    Require(Ok(SetX509CrlAuthorityKeyIdentifier2(copy, nullptr, 0, Lent(GetX509CrlIssuer, copy), kAnyBytes, 2)));
-    Require(Ok(AddX509CrlRevokedCertificate(copy, kAnyBytes, 2, &time, nullptr)));
+    Sure(SetX509CrlAuthorityKeyIdentifier2(copy, nullptr, 0, Lent(GetX509CrlIssuer, copy), kAnyBytes, 2));
+    Sure(AddX509CrlRevokedCertificate(copy, kAnyBytes, 2, &time, nullptr));
     WalkCrl(copy);
-    Require(Ok(RemoveX509CrlRevokedCertificates(copy)) && Ok(RemoveX509CrlNextUpdate(copy)) &&
-            Get(EncodeX509Crl, copy));
+    for (const auto remove : {RemoveX509CrlRevokedCertificates, RemoveX509CrlNextUpdate}) Sure(remove(copy));
+    Sure(Get(EncodeX509Crl, copy));
 }
 
 inline void WalkCrls(X509Crls* list) {
@@ -275,27 +258,31 @@ inline void WalkCrls(X509Crls* list) {
 
 // ---- Requests ----
 
-// The attributes anew, in the order in memory.
-inline void WalkAttributes(RsaAttributes attributes) {
+// The attributes made again, in the order in memory.
+void WalkAttributesAnd(RsaAttributes attributes, auto visitValue) {
     const auto rebuilt = Make<FreeRsaAttributes>(CreateRsaAttributes);
-    for (const RsaAttributes each : {attributes, rebuilt.get()}) Require(Ok(SetRsaAttributesSorted(each, 0)));
+    for (const RsaAttributes each : {attributes, rebuilt.get()}) Sure(SetRsaAttributesSorted(each, 0));
     Each(GetRsaAttributesAttributesCount, attributes, [&](uint32_t i) {
         const auto [oid] = Sure(Get(GetRsaAttributesAttributeOid, attributes, i));
         Require(Lent(AddRsaAttributesAttribute, rebuilt.get(), oid.data()) == i);
         Require(oid.size() > 256 || Lent(FindRsaAttributesAttribute, attributes, oid.data()) <= i);
-        const uint32_t values = Lent(GetRsaAttributesAttributeValuesCount, attributes, i);
-        for (uint32_t j = 0; j < values; ++j) {
-            Require(Carry<Octets>(Of(GetRsaAttributesAttributeValue, attributes, i, j),
-                                  Of(AddRsaAttributesAttributeValue, rebuilt.get(), i)));
-        }
+        Each(Of(GetRsaAttributesAttributeValuesCount, attributes), i, [&](uint32_t j) {
+            const auto [value] = Sure(Get(GetRsaAttributesAttributeValue, attributes, i, j));
+            visitValue(value);
+            Sure(AddRsaAttributesAttributeValue(rebuilt.get(), i, value.data(), value.size()));
+        });
     });
     RequireSame(Get(EncodeRsaAttributes, attributes), Get(EncodeRsaAttributes, rebuilt.get()));
+}
+
+inline void WalkAttributes(RsaAttributes attributes) {
+    WalkAttributesAnd(attributes, [](const Bytes&) {});
 }
 
 inline void WalkRequest(PKCS10CertReq* request) {
     WalkName(Lent(GetPKCS10CertReqSubject, request));
     WalkAttributes(Lent(GetPKCS10CertReqAttributes, request));
-    WalkVersion(request, GetPKCS10CertReqVersion, SetPKCS10CertReqVersion);
+    WalkVersion(request, PROPERTY(PKCS10CertReqVersion));
     Sure(Get(GetPKCS10CertReqToBeSignedPart, request));
     (void)Get(GetPKCS10CertReqPublicKeyGostR3410, request);
     if (const auto own = Make<FreeX509Extensions>(GetPKCS10CertReqExtensions, request)) WalkExtensions(own.get());
@@ -308,18 +295,16 @@ inline void WalkAndChangeRequest(PKCS10CertReq* original) {
     const auto other = Make<FreePKCS10CertReq>(CreatePKCS10CertReqCopy, original);
     PKCS10CertReq* copy = owner.get();
     const RsaAttributes attributes = Lent(GetPKCS10CertReqAttributes, copy);
-    Require(Ok(SetPKCS10CertReqSubject(copy, Lent(GetPKCS10CertReqSubject, copy))));
-    Require(Ok(SetPKCS10CertReqAttributes(copy, attributes)));
-    Share<Octets>(other.get(), copy, GetPKCS10CertReqPublicKey, SetPKCS10CertReqPublicKey, kAnyBytes, 1);
-    Share<Octets>(other.get(), copy, GetPKCS10CertReqSignature, SetPKCS10CertReqSignature, kAnyBytes, 1);
-    Require(Carry<Oid, Maybe>(Of(GetPKCS10CertReqPublicKeyAlgorithmOidAndParameters, copy),
-                              Of(SetPKCS10CertReqPublicKeyAlgorithmOidAndParameters, copy)));
-    Require(Carry<Oid, Maybe>(Of(GetPKCS10CertReqSignatureAlgorithmOidAndParameters, copy),
-                              Of(SetPKCS10CertReqSignatureAlgorithmOidAndParameters, copy)));
+    Sure(SetPKCS10CertReqSubject(copy, Lent(GetPKCS10CertReqSubject, copy)));
+    Sure(SetPKCS10CertReqAttributes(copy, attributes));
+    Share<Octets>(other.get(), copy, PROPERTY(PKCS10CertReqPublicKey), kAnyBytes, 1);
+    Share<Octets>(other.get(), copy, PROPERTY(PKCS10CertReqSignature), kAnyBytes, 1);
+    Require(PutBack<Oid, Maybe>(copy, PROPERTY(PKCS10CertReqPublicKeyAlgorithmOidAndParameters)));
+    Require(PutBack<Oid, Maybe>(copy, PROPERTY(PKCS10CertReqSignatureAlgorithmOidAndParameters)));
     RequireSame(Get(EncodePKCS10CertReq, other.get()), Get(EncodePKCS10CertReq, copy));
     const auto extensions = Make<FreeX509Extensions>(GetPKCS10CertReqExtensions, copy);
     if (extensions) (void)SetPKCS10CertReqExtensions(copy, extensions.get());  // not above 1024 bytes
-    Require(Ok(AppendRsaAttributes(attributes, attributes)));
+    Sure(AppendRsaAttributes(attributes, attributes));
     WalkRequest(copy);
 }
 
