@@ -33,7 +33,19 @@ Word Invoke(Result (*function)(T...), const Word* arguments) {
     (std::index_sequence_for<T...>());
 }
 
-// Hex, where braces stand for their content with its length before it, $x stands for the row x, and "x" for the text x.
+// The rest of each line by its first column, of a file in tests/.
+using Table = std::map<std::string, std::string>;
+Table ReadTable(const std::string& file) {
+    std::ifstream in(TLVFORGE_SOURCE_DIR "/tests/" + file);
+    Table table;
+    for (std::string line; std::getline(in, line);)
+        if (const size_t tab = line.find('\t'); line[0] != '#' && tab != std::string::npos)
+            table[line.substr(0, tab)] = line.substr(tab + 1);
+    return table;
+}
+
+// Hex, where braces stand for their content with its length before it, $x stands for the row x, $x* for ten of it, and
+// "x" for the text x.
 Bytes Read(const Table& table, std::istream& in) {
     Bytes bytes;
     for (char c = 0; in >> c && c != '}';) {
@@ -47,7 +59,8 @@ Bytes Read(const Table& table, std::istream& in) {
         } else if (c == '$') {
             while (isalnum(in.peek())) word += static_cast<char>(in.get());
             std::istringstream row(table.at(word));
-            bytes = bytes + Read(table, row);
+            const Bytes once = Read(table, row);
+            for (int i = in.peek() == '*' ? in.get(), 10 : 1; i > 0; --i) bytes = bytes + once;
         } else {
             bytes.push_back(support::Hex(std::string{c, static_cast<char>(in.get())}).at(0));
         }
@@ -78,10 +91,12 @@ private:
         const auto own = Find(call_.name + "." + parameter);
         return own ? own : Find("." + parameter);
     }
-    Bytes Octets(const std::string& parameter, size_t at) const {
+    Bytes Octets(const std::string& parameter, size_t at, State state) const {
         if (const auto written = Written(parameter)) return *written;
-        if (const auto value = call_.name.starts_with("Decode") && at == 0 ? Find(call_.name.substr(6)) : std::nullopt)
-            return *value;
+        for (const char* row : {state == kMany ? "many " : "", ""})
+            if (const auto value =
+                    call_.name.starts_with("Decode") && at == 0 ? Find(row + call_.name.substr(6)) : std::nullopt)
+                return *value;
         const auto& all = call_.parameters;
         return at + 1 < all.size() && all[at + 1].IsSize() ? Bytes{2, 1, 5} : Bytes{2, 0x2A, 3};
     }
@@ -125,7 +140,7 @@ Word Drawing::Draw(State state) {
     const size_t at = call_.words.size();
     const Parameter& parameter = call_.parameters[at];
     if (parameter.type == "const uint8_t*") {
-        const Bytes octets = Octets(parameter.name, at);
+        const Bytes octets = Octets(parameter.name, at, state);
         lastSize_ = Size(octets);
         return KeepBytes(octets);
     }
@@ -170,13 +185,15 @@ const std::map<std::string, Prototype> kPrototypes = [] {
     return prototypes;
 }();
 
-Table ReadTable(const char* file) {
-    std::ifstream in(std::string(TLVFORGE_SOURCE_DIR "/tests/") + file);
-    Table table;
-    for (std::string line; std::getline(in, line);)
-        if (const size_t tab = line.find('\t'); line[0] != '#' && tab != std::string::npos)
-            table[line.substr(0, tab)] = line.substr(tab + 1);
-    return table;
+void CompareWithTable(const std::string& file, std::string (*rowOf)(const std::string& function)) {
+    Table expected = ReadTable(file);
+    std::ofstream measured(file.substr(file.find('/') + 1));
+    for (const auto& [function, prototype] : kPrototypes) {
+        const std::string row = rowOf(function);
+        EXPECT_EQ(row, expected[function]) << function;
+        if (!row.empty()) measured << function << '\t' << row << '\n';
+    }
+    EXPECT_EQ(expected.size(), kPrototypes.size()) << "rows without a function";
 }
 
 Call::Call(const std::string& function, State state, Word first)
