@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/nodes.h"
+#include "walk.h"
 
 namespace test_schema {
 
@@ -45,29 +46,21 @@ struct Element {
 };
 
 // Sole owner of a tree of any item.
-class AnyTree {
-public:
-    explicit AnyTree(const Asn1Item& item, void* node = nullptr) : item_(&item), node_(static_cast<void**>(node)) {}
-    AnyTree(AnyTree&& other) noexcept : item_(other.item_), node_(other.Take()) {}
-    ~AnyTree() { FreeAsn1Object(item_, node_); }
+struct AnyTree {
+    explicit AnyTree(const Asn1Item& schema, void* node = nullptr) : item(schema), root(node) {}
+    AnyTree(AnyTree&& other) noexcept : item(other.item), root(std::exchange(other.root, nullptr)) {}
+    ~AnyTree() { FreeAsn1Object(&item, root); }
 
+    // From a block of exactly the bytes' size: one read too far is seen.
+    Status Decode(const uint8_t* data, size_t size, uint32_t* consumed) {
+        const walk::Bytes exact(data, size);
+        return Asn1DecodeItem(exact.data(), exact.size(), &item, &root, consumed);
+    }
     // The cells of a SEQUENCE.
-    void** Get() const { return node_; }
-    Status Create(uint32_t fill) { return CreateAsn1Object(item_, tlvforge::Untyped(&node_), fill); }
-    Status Decode(const uint8_t* data, uint32_t length) {
-        uint32_t consumed = 0;
-        return Asn1DecodeItem(data, length, item_, tlvforge::Untyped(&node_), &consumed);
-    }
-    Status CopyOf(const void* source) { return tlvforge::CopyAsn1Object(item_, source, tlvforge::Untyped(&node_)); }
-    void** Take() {
-        void** node = node_;
-        node_ = nullptr;
-        return node;
-    }
+    void** Get() const { return static_cast<void**>(root); }
 
-private:
-    const Asn1Item* item_;
-    void** node_;
+    const Asn1Item& item;
+    void* root;
 };
 
 }  // namespace test_schema

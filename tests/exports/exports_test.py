@@ -16,23 +16,15 @@ HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 SYMBOL = "Java_kestrelon_x509_tlvforge_Tlvforge_dll_1"
 
-failures = 0
+faults = []
 
 
 def expect_within(left, right, text):
-    global failures
-    for name in sorted(set(left) - set(right)):
-        print(f"FAILED: {name} {text}")
-        failures += 1
+    faults.extend(f"FAILED: {name} {text}" for name in sorted(set(left) - set(right)))
 
 
 def output_of(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
-
-
-def expect_no_path(library):
-    found = f"{ROOT}/".encode() in library.read_bytes()
-    expect_within([f"{ROOT}/"] * found, [], "is a path of the build in the library")
 
 
 # In what objdump prints of a DLL, a heading, a line for each name, and an empty line.
@@ -51,28 +43,37 @@ def main():
     parser.add_argument("kind", choices=["bridge", "plain"])
     parser.add_argument("--instrumented", action="store_true")
     parser.add_argument("--agreed", type=Path, default="/nowhere")
-    parser.add_argument("--nm", default="nm")
-    parser.add_argument("--readelf", default="readelf")
-    parser.add_argument("--objdump", default="objdump")
+    for tool in ("nm", "readelf", "objdump"):
+        parser.add_argument(f"--{tool}", default=tool)
     arguments = parser.parse_args()
 
     declared = interface("names")
     natives = {SYMBOL + name.replace("_", "_1") for name in declared} if arguments.kind == "bridge" else set()
-    is_dll = arguments.library.suffix == ".dll"
-    if is_dll:
+    if arguments.library.suffix == ".dll":
         headers = output_of(arguments.objdump, "-p", arguments.library)
         exported = names_exported_by_dll(headers)
+        needed = [line.split()[-1].lower() for line in headers if "DLL Name:" in line]
+        system, paths = ["kernel32.dll", "msvcrt.dll"], []
     else:
         symbols = output_of(arguments.nm, "-D", "--defined-only", "-P", arguments.library)
         exported = [line.split()[0] for line in symbols]
+        dynamic = output_of(arguments.readelf, "-d", "-W", arguments.library)
+        needed = [line.split("[")[1].rstrip("]") for line in dynamic if "(NEEDED)" in line]
+        system, paths = ["libc.so.6"], [line for line in dynamic if "PATH)" in line]
     print(f"{len(declared)} functions and {len(natives)} natives declared, {len(exported)} symbols exported")
     expect_within(declared, exported, "is declared, but not exported")
     expect_within(natives, exported, "is the native method of a function, but not exported")
     expect_within(exported, natives.union(declared), "is exported, but neither a function nor a native method")
+    if arguments.instrumented:
+        print("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
+    else:
+        expect_within(needed, system, "is needed besides the system and its C library")
+        expect_within(paths, [], "is a run path")
+        found = f"{ROOT}/".encode() in arguments.library.read_bytes()
+        expect_within([f"{ROOT}/"] * found, [], "is a path of the build in the library")
 
-    prototypes = interface("prototypes")
     recorded = (HERE / "prototypes.txt").read_text().splitlines()
-    expect_within(recorded, prototypes, "has been released with this prototype, and it has changed or gone")
+    expect_within(recorded, interface("prototypes"), "has been released with this prototype, and it has changed or gone")
     expect_within([""], ["" for _ in recorded], "the record of prototypes is empty")
 
     if arguments.agreed.exists():
@@ -83,20 +84,8 @@ def main():
         expect_within(interface("natives"), agreed, "is not how the parameters of the native method were agreed")
     else:
         print(f"SKIPPED: agreed names, {arguments.agreed} is not there")
-
-    if arguments.instrumented:
-        print("SKIPPED: needed libraries and build paths, the sanitizers and counters add theirs")
-    elif is_dll:
-        needed = [line.split()[-1].lower() for line in headers if "DLL Name:" in line]
-        expect_within(needed, ["kernel32.dll", "msvcrt.dll"], "is needed besides the system and its C library")
-        expect_no_path(arguments.library)
-    else:
-        dynamic = output_of(arguments.readelf, "-d", "-W", arguments.library)
-        needed = [line.split("[")[1].rstrip("]") for line in dynamic if "(NEEDED)" in line]
-        expect_within(needed, ["libc.so.6"], "is needed besides the C library")
-        expect_within([line for line in dynamic if "PATH)" in line], [], "is a run path")
-        expect_no_path(arguments.library)
-    return 1 if failures else 0
+    print(*faults, sep="\n")
+    return 1 if faults else 0
 
 
 sys.exit(main())

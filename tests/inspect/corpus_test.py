@@ -12,111 +12,85 @@ import re
 import subprocess
 import sys
 
-TEXT_TYPES = {12: "utf-8", 18: "ascii", 19: "ascii", 20: "latin-1", 22: "ascii", 26: "ascii", 28: "utf-32-be", 30: "utf-16-be"}
+TEXT_TYPES = {12: "utf-8", 18: "ascii", 19: "ascii", 20: "latin-1", 22: "ascii", 23: "latin-1", 24: "latin-1", 26: "ascii",
+              28: "utf-32-be", 30: "utf-16-be"}
 
 
 def read_header(data, at):
     """The first octet, whether the form is indefinite, and where the content begins and ends."""
-    identifier = data[at]
-    at += 1
+    identifier, at = data[at], at + 1
     if identifier & 31 == 31:
         while data[at] & 128:
             at += 1
         at += 1
-    length = data[at]
-    at += 1
+    length, at = data[at], at + 1
     if length == 128:
         return identifier, True, at, len(data)
     if length > 128:
-        count = length - 128
-        length = int.from_bytes(data[at : at + count], "big")
-        at += count
+        length, at = int.from_bytes(data[at : at + length - 128], "big"), at + length - 128
     if at + length > len(data):
         raise ValueError
     return identifier, False, at, at + length
 
 
+def walk(data, at, end, marked=False):
+    """Yields the primitive elements, as (identifier octet, content), and returns where they end."""
+    while at < end and not (marked and data[at : at + 2] == b"\0\0"):
+        identifier, indefinite, start, stop = read_header(data, at)
+        if identifier & 32:
+            at = yield from walk(data, start, end if indefinite else stop, indefinite)
+        else:
+            yield identifier, data[start:stop]
+            at = stop
+    return at + 2 if marked else at
+
+
 def leaves(data):
-    """The primitive elements, as (identifier octet, content)."""
-    found = []
-    at = 0
-
-    def walk(at, end, marked):
-        while at < end:
-            if marked and data[at : at + 2] == b"\0\0":
-                return at + 2
-            identifier, indefinite, start, stop = read_header(data, at)
-            if identifier & 32:
-                at = walk(start, end if indefinite else stop, indefinite)
-            else:
-                found.append((identifier, data[start:stop]))
-                at = stop
-        return at
-
-    walk(at, len(data), False)
-    return found
+    return list(walk(data, 0, len(data)))
 
 
 def dotted(content):
-    arcs, arc = [], 0
+    arcs = [0]
     for octet in content:
-        arc = arc << 7 | octet & 127
+        arcs[-1] = arcs[-1] << 7 | octet & 127
         if octet < 128:
-            arcs.append(arc)
-            arc = 0
-    if not arcs:
-        return content.hex().upper()
+            arcs.append(0)
     first = min(arcs[0] // 40, 2)
-    return ".".join(map(str, [first, arcs[0] - 40 * first] + arcs[1:]))
+    whole = [first, arcs[0] - 40 * first, *arcs[1:-1]]
+    return ".".join(map(str, whole)) if len(arcs) > 1 else content.hex().upper()
 
 
 def readings(identifier, content):
     """What an entry may say for a leaf."""
     yield content.hex().upper()
-    if identifier & 192 == 0:
-        tag = identifier & 31
-    else:
-        yield from (item for tag in (1, 2, 3, 6, 10, 22, 23, 24) for item in universal(tag, content))
-        yield from addresses(content)
-        tag = 12
-    yield from universal(tag, content)
-
-
-def addresses(content):
-    half = len(content) // 2
-    if len(content) in (4, 16):
+    tags = [identifier & 31] if identifier & 192 == 0 else [1, 2, 3, 6, 10, 12, 22, 23, 24]
+    yield from (reading for tag in tags for reading in universal(tag, content))
+    if identifier & 192 != 0 and len(content) in (4, 16):
         yield str(ipaddress.ip_address(content))
-    if len(content) in (8, 32):
+    if identifier & 192 != 0 and len(content) in (8, 32):
+        half = len(content) // 2
         yield f"{ipaddress.ip_address(content[:half])}/{ipaddress.ip_address(content[half:])}"
 
 
 def universal(tag, content):
     if tag == 1:
-        yield "critical" if content != b"\0" else "false"
-        yield "true" if content != b"\0" else "false"
+        yield from ("critical", "true") if content != b"\0" else ("false",)
     if tag in (2, 10) and 0 < len(content) <= 8:
         number = int.from_bytes(content, "big", signed=True)
-        yield str(number)
-        yield str(number + 1)  # a version
+        yield from (str(number), str(number + 1))  # a version
     if tag == 3 and content:
         yield content[1:].hex().upper()
     if tag == 5:
         yield "NULL"
     if tag == 6 and content:
         yield dotted(content)
-    if tag in (23, 24):
-        text = content.decode("latin-1")
-        yield text
-        match = re.fullmatch(r"(\d*)(\d\d)(\d{8,10}?)(\.\d+)?Z", text)
-        digits = text.rstrip("Z").split(".")[0]
+    if tag in TEXT_TYPES:
+        yield content.decode(TEXT_TYPES[tag], "replace")
+    if tag == 23 or tag == 24 and re.fullmatch(rb"\d{10,}(\.\d+)?Z", content):
+        digits = content.decode("latin-1").rstrip("Z").split(".")[0]
         if tag == 23:
             digits = ("20" if digits < "5" else "19") + digits
-        digits = digits.ljust(14, "0")
-        if match or tag == 23:
-            yield "-".join((digits[:4], digits[4:6], digits[6:8])) + "T" + ":".join((digits[8:10], digits[10:12], digits[12:14]))
-    if tag in TEXT_TYPES:
-        text = content.decode(TEXT_TYPES[tag], "replace")
-        yield text
+        yield re.sub(r"(?s)(....)(..)(..)(..)(..)(..).*", r"\1-\2-\3T\4:\5:\6", digits.ljust(14, "0"))
 
 
 def unescape(text):
@@ -168,62 +142,41 @@ class Search:
 
     def __init__(self, outline):
         self.texts = list(entries(outline))
-        self.at = 0
 
     def find(self, identifier, content):
         wanted = list(dict.fromkeys(readings(identifier, content)))
-        for at in range(self.at, len(self.texts)):
-            if any(stands_in(reading, self.texts[at]) for reading in wanted) or (
-                identifier & 223 in (3, 129, 131) and names_bits(content, self.texts[at])
-            ):
-                self.at = at
+        for at, text in enumerate(self.texts):
+            named = identifier & 223 in (3, 129, 131) and names_bits(content, text)
+            if named or any(stands_in(reading, text) for reading in wanted):
+                del self.texts[:at]
                 return True
         return False
 
     def missing(self, found):
         for identifier, content in found:
-            kept = self.at
+            inner = content[1:] if identifier == 3 else content
             if self.find(identifier, content):
                 continue
-            self.at = kept
-            inner = content[1:] if identifier == 3 else content
             if identifier == 4 and len(content) > 48 and int.from_bytes(content[:2], "big") == len(content) - 2:
                 yield from self.missing(timestamps(content))
-                continue
-            if is_elements(inner):
+            elif is_elements(inner):
                 yield from self.missing(leaves(inner))
             else:
                 yield identifier, content
 
 
-def check_leaves(program, files):
-    failures = documents = checked = 0
-    for document in inspect(program, files)[1]:
-        path = pathlib.Path(document["file"])
-        if "outline" not in document:
-            print(f"{path}: {document['error']}")
+def check_leaves(lines):
+    failures = checked = 0
+    for line in lines:
+        found = leaves(pathlib.Path(line["file"]).read_bytes()) if "outline" in line else []
+        faults = [f"no entry for {identifier:02X} {content[:40].hex().upper()}"
+                  for identifier, content in Search(line.get("outline", [])).missing(found)]
+        for fault in faults if "outline" in line else [line["error"]]:
+            print(f"{line['file']}: {fault}")
             failures += 1
-            continue
-        found = leaves(path.read_bytes())
-        documents += 1
         checked += len(found)
-        for identifier, content in Search(document["outline"]).missing(found):
-            print(f"{path}: no entry for {identifier:02X} {content[:40].hex().upper()}")
-            failures += 1
-    print(f"{checked} leaves of {documents} documents, {failures} not shown")
-    return failures != 0 or documents == 0
-
-
-def check_lines(program, files):
-    status, lines = inspect(program, files)
-    silent = set(map(str, files)) - {line["file"] for line in lines}
-    print(f"status {status}, {len(lines)} documents in {len(files)} files, without a line: {sorted(silent)}")
-    return bool(silent) or status not in (0, 1)
-
-
-def inspect(program, files):
-    run = subprocess.run([program, "--json", *files], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
-    return run.returncode, [json.loads(line) for line in run.stdout.decode().splitlines()]
+    print(f"{checked} leaves of {len(lines)} documents, {failures} not shown")
+    return failures != 0 or not lines
 
 
 def main():
@@ -232,7 +185,13 @@ def main():
     if not files:
         print(f"Skipped: there are no documents in {folders[0]}")
         return 77
-    return check_leaves(program, files) if what == "leaves" else check_lines(program, files)
+    run = subprocess.run([program, "--json", *files], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
+    lines = [json.loads(line) for line in run.stdout.decode().splitlines()]
+    if what == "leaves":
+        return check_leaves(lines)
+    silent = set(map(str, files)) - {line["file"] for line in lines}
+    print(f"status {run.returncode}, {len(lines)} documents in {len(files)} files, without a line: {sorted(silent)}")
+    return bool(silent) or run.returncode not in (0, 1)
 
 
 sys.exit(main())

@@ -34,17 +34,6 @@ constexpr Asn1Item ConstructedOctets = {0, 0x20, 0, 4, -1, 16, nullptr, 0, nullp
 constexpr Asn1Item FarTooLarge = {0, 0x20, 0, 16, -1, 64, childTable<OneInteger>.items, 1, nullptr};
 constexpr Asn1Item FarTooSmall = {0, 0x20, 0, 16, -1, 0, childTable<TwoIntegers>.items, 2, nullptr};
 
-struct Node {
-    const Asn1Item* item;
-    void* root = nullptr;
-    ~Node() { FreeAsn1Object(item, root); }
-};
-
-Status Decode(const Bytes& ber, Node* node, uint32_t* consumed) {
-    const walk::Bytes exact(ber.data(), ber.size());  // one byte read too far is seen
-    return Asn1DecodeItem(exact.data(), exact.size(), node->item, &node->root, consumed);
-}
-
 // Leaves other bytes than zeros where the next block of this size is likely to lie.
 void Soil(uint32_t size) {
     void* block = malloc(size);
@@ -52,7 +41,7 @@ void Soil(uint32_t size) {
     free(block);
 }
 
-Bytes Encode(const Node& node) { return Fetch(GetAsn1EncodedValue, node.root, node.item); }
+Bytes Encode(const AnyTree& tree) { return Fetch(GetAsn1EncodedValue, tree.root, &tree.item); }
 
 // The items that engine.tsv has rows of.
 #define SCHEMA(...) \
@@ -84,21 +73,19 @@ TEST(Engine, DecodesAndEncodesAgain) {
         const Asn1Item& item = *kItems.at(name);
         const Bytes ber = Hex(from);
         const bool fails = to[0] == '!';
-        Node node{&item};
+        AnyTree node(item);
         uint32_t consumed = 77;
         Soil(item.valueSize);
-        EXPECT_EQ(StatusName(Decode(ber, &node, &consumed)), fails ? to.substr(1) : "Ok");
+        EXPECT_EQ(StatusName(node.Decode(ber.data(), ber.size(), &consumed)), fails ? to.substr(1) : "Ok");
         EXPECT_EQ(consumed, fails ? 77 : ber.size() - (rest.empty() ? 0 : std::stoul(rest)));
         EXPECT_EQ(node.root != nullptr, !fails && !to.empty());
         for (size_t cell = item.childCount; &item == &FarTooLarge && cell < item.valueSize / 8; ++cell)
-            EXPECT_EQ(static_cast<void**>(node.root)[cell], nullptr) << cell;
+            EXPECT_EQ(node.Get()[cell], nullptr) << cell;
         if (node.root != nullptr && to != "?") {
             EXPECT_EQ(ToHex(Encode(node)), ToHex(to == "=" ? ber : Hex(to)));
         }
-        for (size_t cut = 0; cut < ber.size(); ++cut) {  // no prefix is read past its end, and none leaks
-            Node part{&item};
-            (void)Decode({ber.data(), ber.data() + cut}, &part, &consumed);
-        }
+        // No prefix is read past its end, and none leaks.
+        for (size_t cut = 0; cut < ber.size(); ++cut) (void)AnyTree(item).Decode(ber.data(), cut, &consumed);
     }
 }
 
@@ -150,12 +137,13 @@ TEST(Engine, SortsLargeSetsAndKeepsUnsortedOnes) {
     Bytes content, sorted;
     for (int i = 300; i-- > 0;) content = content + Hex("0202") + Bytes{uint8_t(1 + i / 256), uint8_t(i)};
     for (int i = 0; i < 300; ++i) sorted = sorted + Hex("0202") + Bytes{uint8_t(1 + i / 256), uint8_t(i)};
-    Node node{&itemOf<Integers>};
+    const Bytes set = Tlv(0x31, content);
+    AnyTree node(itemOf<Integers>);
     uint32_t consumed = 0;
-    ASSERT_EQ(Decode(Tlv(0x31, content), &node, &consumed), StatusOk);
+    ASSERT_EQ(node.Decode(set.data(), set.size(), &consumed), StatusOk);
     EXPECT_EQ(Encode(node), Tlv(0x31, sorted));
     SetAsn1ListSorted(static_cast<Asn1List*>(node.root), 0);
-    EXPECT_EQ(Encode(node), Tlv(0x31, content)) << "the tree keeps its own order";
+    EXPECT_EQ(Encode(node), set) << "the tree keeps its own order";
 }
 
 template <int Depth>
@@ -172,10 +160,10 @@ TEST(Engine, CostIsLinearInDepthAndSize) {
     const std::tuple<const Asn1Item&, Bytes, uint64_t> cases[] = {
         {itemOf<Nested<kDepth>>, nested, 2 * kDepth + 2}, {itemOf<SetOf<Integers>>, Tlv(0x31, sets), 3 * kCount + 1}};
     for (const auto& [item, ber, nodes] : cases) {
-        Node node{&item};
+        AnyTree node(item);
         uint32_t consumed = 0;
         instruments = {};
-        ASSERT_EQ(Decode(ber, &node, &consumed), StatusOk);
+        ASSERT_EQ(node.Decode(ber.data(), ber.size(), &consumed), StatusOk);
         ASSERT_EQ(Encode(node).size(), ber.size());
         EXPECT_EQ(instruments.decoderVisits, nodes);
         EXPECT_LE(instruments.encoderVisits, 6 * nodes)
@@ -191,11 +179,10 @@ TEST(Engine, DeepInputNeedsNoStack) {
         Bytes closed(open);
         std::fill_n(closed.data() + closed.size() / 2, closed.size() / 2, uint8_t{0});
         uint32_t consumed = 0;
-        Node any{&itemOf<Any>}, sequence{&itemOf<OneInteger>};
-        EXPECT_STATUS(StatusBadIndefinite, Asn1DecodeItem(open.data(), Size(open), &itemOf<Any>, &any.root, &consumed));
-        EXPECT_STATUS(StatusBadEncoding,
-                      Asn1DecodeItem(open.data(), Size(open), &itemOf<OneInteger>, &sequence.root, &consumed));
-        EXPECT_STATUS(StatusOk, Asn1DecodeItem(closed.data(), Size(closed), &itemOf<Any>, &any.root, &consumed));
+        AnyTree any(itemOf<Any>), sequence(itemOf<OneInteger>);
+        EXPECT_STATUS(StatusBadIndefinite, any.Decode(open.data(), open.size(), &consumed));
+        EXPECT_STATUS(StatusBadEncoding, sequence.Decode(open.data(), open.size(), &consumed));
+        EXPECT_STATUS(StatusOk, any.Decode(closed.data(), closed.size(), &consumed));
         EXPECT_EQ(consumed, closed.size());
         return nullptr;
     };
