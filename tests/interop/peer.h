@@ -38,38 +38,8 @@ Bytes Joined(const void* stack, int (*write)(const T*, uint8_t**)) {
     return Joined(static_cast<const OPENSSL_STACK*>(stack), OPENSSL_sk_num, get, write);
 }
 
-// The elements inside of one, for fields that OpenSSL has no getter for.
-inline void FreeElements(STACK_OF(ASN1_TYPE) * elements) { sk_ASN1_TYPE_pop_free(elements, ASN1_TYPE_free); }
-inline std::vector<Bytes> Elements(Bytes outer) {
-    std::vector<Bytes> elements;
-    if (outer.empty()) return elements;
-    outer[0] = 0x30;
-    const auto owner = FromDer<FreeElements>(d2i_ASN1_SEQUENCE_ANY, outer);
-    for (int i = 0; i < sk_ASN1_TYPE_num(owner.get()); ++i) {
-        elements.push_back(DerOf(sk_ASN1_TYPE_value(owner.get(), i), i2d_ASN1_TYPE));
-    }
-    return elements;
-}
-
-// The one at an index, nothing behind the last one.
-inline Bytes At(const std::vector<Bytes>& list, size_t index) { return index < list.size() ? list[index] : Bytes(); }
-
-// Where two values differ first.
-std::string Difference(const auto& ours, const auto& theirs) {
-    return testing::PrintToString(ours) + "\nOpenSSL: " + testing::PrintToString(theirs);
-}
-inline std::string Difference(const Bytes& ours, const Bytes& theirs) {
-    const auto at = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end()).first - ours.begin();
-    const auto rest = [at](const Bytes& bytes) {
-        return ToHex(Bytes(bytes.begin() + at, std::min(bytes.begin() + at + 16, bytes.end())));
-    };
-    return "from byte " + std::to_string(at) + " of " + std::to_string(ours.size()) + " " + rest(ours) +
-           "\nOpenSSL: of " + std::to_string(theirs.size()) + " " + rest(theirs);
-}
-inline std::string Difference(const std::vector<Bytes>& ours, const std::vector<Bytes>& theirs) {
-    const auto at = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end()).first - ours.begin();
-    return "part " + std::to_string(at) + ", " + Difference(At(ours, size_t(at)), At(theirs, size_t(at)));
-}
+std::string Shown(const auto& value) { return testing::PrintToString(value); }
+inline std::string Shown(const Bytes& bytes) { return ToHex(bytes); }
 
 // What a getter of this library returns for each walk::kOut.
 auto Outputs(auto... arguments) {
@@ -105,19 +75,14 @@ inline Bytes ExtensionsOf(X509Extensions list) {
     });
     return extensions;
 }
-Bytes ExtensionsOf(auto get, auto* of) {
-    X509Extensions list = nullptr;
-    EXPECT_STATUS(StatusOk, get(of, &list));
-    return ExtensionsOf(list);
-}
-// A signed part, its algorithm and signature.
-Bytes SignedOf(auto getPart, auto getAlgorithm, auto getSignature, auto* of) {
-    return Tlv(48, Fetch(getPart, of) + AlgorithmOf(getAlgorithm, of) + Tlv(3, Bytes{0} + Fetch(getSignature, of)));
+Bytes ExtensionsOf(auto get, auto... of) { return ExtensionsOf(walk::Lent(get, of...)); }
+// Maybe a signed part, then an algorithm and the bits that belong to it.
+Bytes WithBits(auto getAlgorithm, auto getBits, auto* of, const Bytes& part = {}) {
+    return Tlv(48, part + AlgorithmOf(getAlgorithm, of) + Tlv(3, Bytes{0} + Fetch(getBits, of)));
 }
 Bytes AttributesOf(auto get, auto* of) {
     Bytes attributes;
-    RsaAttributes list = nullptr;
-    EXPECT_STATUS(StatusOk, get(of, &list));
+    const RsaAttributes list = walk::Lent(get, of);
     walk::Each(GetRsaAttributesAttributesCount, list, [&](uint32_t i) {
         Bytes values;
         walk::Each([=](auto in, uint32_t* n) { return GetRsaAttributesAttributeValuesCount(in, i, n); }, list,
@@ -146,7 +111,7 @@ public:
         if (ours == theirs) return true;
         for (Intended& row : intended_)
             if (row.document == document_ && row.field == field) return !(row.found = true);
-        ADD_FAILURE() << document_ << " " << field << ": " << Difference(ours, theirs);
+        ADD_FAILURE() << document_ << " " << field << ": " << Shown(ours) << "\nOpenSSL: " << Shown(theirs);
         return false;
     }
 
@@ -167,17 +132,10 @@ private:
     std::string document_;
 };
 
-// All documents of a folder, as both have read them.
-template <auto Free, auto FreeTheirs>
-void CompareFolder(Comparison& both, const char* folder, auto decode, auto d2i, auto compare) {
-    for (const auto& [name, bytes] : Corpus(folder)) {
-        SCOPED_TRACE(name);
-        both.Begin(name);
-        const auto ours = walk::Make<Free>(decode, bytes.data(), Size(bytes));
-        const auto theirs = FromDer<FreeTheirs>(d2i, bytes);
-        both.Same("reading", ours != nullptr, theirs != nullptr);
-        if (ours && theirs) compare(both, ours.get(), theirs.get());
-    }
+// Null for what this library refuses.
+template <auto Free>
+auto Reader(auto decode) {
+    return [=](const Bytes& der) { return walk::Make<Free>(decode, der.data(), Size(der)); };
 }
 
 }  // namespace peer

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <deque>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -44,8 +45,8 @@ public:
             current_->calls.push_back(std::string(name) + signature);
             return current_->missing == name ? nullptr : reinterpret_cast<jmethodID>(current_);
         };
-        table_.CallVoidMethod = CallVoidMethod;
-        table_.CallObjectMethod = CallObjectMethod;
+        table_.CallVoidMethod = CallMethod<void>;
+        table_.CallObjectMethod = CallMethod<jobject>;
         env_.functions = &table_;
     }
     ~FakeVm() {
@@ -55,14 +56,18 @@ public:
 
     JNIEnv* env() { return &env_; }
 
-    jbyteArray Bytes(std::vector<uint8_t> bytes) { return Make<jbyteArray>(bytes.data(), bytes.size(), 1); }
-    jintArray Ints(std::vector<jint> numbers) { return Make<jintArray>(numbers.data(), numbers.size(), 4); }
-    jlongArray Longs(std::vector<jlong> numbers) { return Make<jlongArray>(numbers.data(), numbers.size(), 8); }
-    jstring String(const std::string& utf8) { return Make<jstring>(utf8.c_str(), utf8.size() + 1, 1); }
+    jbyteArray Bytes(const std::vector<uint8_t>& bytes) { return Make<jbyteArray>(bytes); }
+    jintArray Ints(const std::vector<jint>& numbers) { return Make<jintArray>(numbers); }
+    jlongArray Longs(const std::vector<jlong>& numbers) { return Make<jlongArray>(numbers); }
+    jstring String(const char* utf8) { return Make<jstring>(std::vector<char>(utf8, utf8 + strlen(utf8) + 1)); }
 
-    static std::vector<uint8_t> BytesOf(jbyteArray array) { return Of(array).elements; }
-    static jint IntOf(jintArray array) { return First<jint>(Of(array)); }
-    static jlong LongOf(jlongArray array) { return First<jlong>(Of(array)); }
+    static std::vector<uint8_t> BytesOf(jarray array) { return Of(array).elements; }
+    template <class Element>
+    static Element FirstOf(jarray array) {
+        Element element;
+        memcpy(&element, Of(array).elements.data(), sizeof element);
+        return element;
+    }
 
     std::string pins;                // "+0+1-0-1": objects obtained and given back, by the order of their making
     std::vector<std::string> calls;  // calls of methods and what leads to them
@@ -77,29 +82,19 @@ private:
         void* pinned = nullptr;
     };
 
-    template <class Array>
-    Array Make(const void* elements, size_t count, size_t width) {
-        const auto* bytes = static_cast<const uint8_t*>(elements);
-        std::vector<uint8_t> copy(count * width);
-        if (!copy.empty()) memcpy(copy.data(), bytes, copy.size());
-        objects_.push_back({std::move(copy), width, static_cast<int>(objects_.size())});
+    template <class Array, class Element>
+    Array Make(const std::vector<Element>& elements) {
+        const auto* bytes = reinterpret_cast<const uint8_t*>(elements.data());
+        const std::vector<uint8_t> copy(bytes, bytes + elements.size() * sizeof(Element));
+        objects_.push_back({copy, sizeof(Element), static_cast<int>(objects_.size())});
         return reinterpret_cast<Array>(&objects_.back());
     }
-    template <class Array>
-    static Object& Of(Array array) {
-        return *reinterpret_cast<Object*>(array);
-    }
-    template <class Element>
-    static Element First(const Object& object) {
-        Element element;
-        memcpy(&element, object.elements.data(), sizeof element);
-        return element;
-    }
+    static Object& Of(jobject object) { return *reinterpret_cast<Object*>(object); }
 
-    static void CallVoidMethod(JNIEnv*, jobject, jmethodID, ...) { current_->calls.emplace_back("void"); }
-    static jobject CallObjectMethod(JNIEnv*, jobject, jmethodID, ...) {
-        current_->calls.emplace_back("object");
-        return nullptr;
+    template <class Result>
+    static Result CallMethod(JNIEnv*, jobject, jmethodID, ...) {
+        current_->calls.emplace_back(std::is_void_v<Result> ? "void" : "object");
+        return Result();
     }
 
     template <class Array, class Element>
