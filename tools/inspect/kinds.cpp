@@ -13,27 +13,27 @@ namespace inspect {
 namespace {
 
 const Kind kAll[] = {
-    {"certificate", "Certificate", &shapeOf<Certificate>, nullptr},
-    {"crl", "Certificate revocation list", &shapeOf<X509Crl>, nullptr},
-    {"request", "Certification request", &shapeOf<PKCS10CertReq>, nullptr},
-    {"message", "CMS message", &shapeOf<CmsContentInfo>, nullptr},
-    {"ocsp-request", "OCSP request", &shapeOf<OcspRequest>, nullptr},
-    {"ocsp-response", "OCSP response", &shapeOf<OcspResponse>, nullptr},
-    {"timestamp-request", "Time-stamp request", &shapeOf<tlvforge::TimeStampReq>, nullptr},
-    {"timestamp-response", "Time-stamp response", &shapeOf<tlvforge::TimeStampResp>, nullptr},
-    {"timestamp-info", "Time-stamp information", &shapeOf<tlvforge::TSTInfo>, nullptr},
-    // These aren't documents of the library.
-    {"pkcs12", "PKCS#12 store of keys and certificates", &shapeOf<Pfx>, nullptr},
-    {"private-key", "Private key, PKCS#8", &shapeOf<PrivateKeyInfo>, "PRIVATE KEY"},
+    {"certificate", "Certificate", &shapeOf<Certificate>},
+    {"crl", "Certificate revocation list", &shapeOf<X509Crl>},
+    {"request", "Certification request", &shapeOf<PKCS10CertReq>},
+    {"message", "CMS message", &shapeOf<CmsContentInfo>},
+    {"ocsp-request", "OCSP request", &shapeOf<OcspRequest>},
+    {"ocsp-response", "OCSP response", &shapeOf<OcspResponse>},
+    {"timestamp-request", "Time-stamp request", &shapeOf<tlvforge::TimeStampReq>},
+    {"timestamp-response", "Time-stamp response", &shapeOf<tlvforge::TimeStampResp>},
+    {"timestamp-info", "Time-stamp information", &shapeOf<tlvforge::TSTInfo>},
+    {"pkcs12", "PKCS#12 store of keys and certificates", &shapeOf<Pfx>, nullptr, false},
+    {"private-key", "Private key, PKCS#8", &shapeOf<PrivateKeyInfo>, "PRIVATE KEY", false},
     {"encrypted-private-key", "Encrypted private key, PKCS#8", &shapeOf<EncryptedPrivateKeyInfo>,
-     "ENCRYPTED PRIVATE KEY"},
-    {"rsa-private-key", "RSA private key, PKCS#1", &shapeOf<RsaPrivateKey>, "RSA PRIVATE KEY"},
-    {"ec-private-key", "EC private key, SEC 1", &shapeOf<EcPrivateKey>, "EC PRIVATE KEY"},
-    {"public-key", "Public key", &shapeOf<SubjectPublicKeyInfo>, "PUBLIC KEY"},
-    {"dsa-parameters", "DSA parameters, or Diffie-Hellman ones of X9.42", &shapeOf<DsaParameters>, "DSA PARAMETERS"},
-    {"dh-parameters", "Diffie-Hellman parameters", &shapeOf<DhParameters>, "DH PARAMETERS"},
-    {"rsa-public-key", "RSA public key, PKCS#1", &shapeOf<RsaPublicKey>, "RSA PUBLIC KEY"},
-    {"ec-parameters", "EC parameters", &shapeOf<EcParameters>, "EC PARAMETERS"},
+     "ENCRYPTED PRIVATE KEY", false},
+    {"rsa-private-key", "RSA private key, PKCS#1", &shapeOf<RsaPrivateKey>, "RSA PRIVATE KEY", false},
+    {"ec-private-key", "EC private key, SEC 1", &shapeOf<EcPrivateKey>, "EC PRIVATE KEY", false},
+    {"public-key", "Public key", &shapeOf<SubjectPublicKeyInfo>, "PUBLIC KEY", false},
+    {"dsa-parameters", "DSA parameters, or Diffie-Hellman ones of X9.42", &shapeOf<DsaParameters>, "DSA PARAMETERS",
+     false},
+    {"dh-parameters", "Diffie-Hellman parameters", &shapeOf<DhParameters>, "DH PARAMETERS", false},
+    {"rsa-public-key", "RSA public key, PKCS#1", &shapeOf<RsaPublicKey>, "RSA PUBLIC KEY", false},
+    {"ec-parameters", "EC parameters", &shapeOf<EcParameters>, "EC PARAMETERS", false},
 };
 
 // --- Where bytes differ from a schema ---
@@ -129,10 +129,6 @@ bool HasOnlyFields(const Kind& kind, View bytes) {
     return element && (kind.shape->fieldNames == nullptr || Split(*kind.shape, element->content).rest.empty());
 }
 
-// A kind that only this program knows has to fit to the last field.
-constexpr size_t kOfLibrary = 9;
-bool IsOfLibrary(const Kind& kind) { return &kind < kAll + kOfLibrary; }
-
 }  // namespace
 
 const std::span<const Kind> kKinds = kAll;
@@ -147,7 +143,7 @@ const Kind* FindKind(std::string_view name) {
 const Kind* Recognise(const Kind* wanted, std::string_view label, View element, Refusals& refusals) {
     const auto takes = [&](const Kind& kind) {
         const Status status = AskDecoder(*kind.shape, element);
-        if (status == StatusOk && (IsOfLibrary(kind) || HasOnlyFields(kind, element))) return true;
+        if (status == StatusOk && (kind.isOfLibrary || HasOnlyFields(kind, element))) return true;
         refusals.Add(kind, status);
         return false;
     };
@@ -173,7 +169,7 @@ void ShowDocument(Outline& outline, const Kind& kind, const Element& element, bo
 }
 
 void Refusals::Add(const Kind& kind, Status status) {
-    if (!IsOfLibrary(kind)) return;
+    if (!kind.isOfLibrary) return;
     std::string& kinds = kinds_[status];
     kinds.append(kinds.empty() ? "" : ", ").append(kind.name);
     size_t at = 0;

@@ -14,7 +14,8 @@ struct Kind {
     const char* name;
     const char* title;
     const Shape* shape;
-    const char* label;  // that only this kind has in PEM, or null
+    const char* label = nullptr;  // that only this kind has in PEM
+    bool isOfLibrary = true;      // otherwise it is of this program alone, and has to fit to the last field
 };
 
 extern const std::span<const Kind> kKinds;
