@@ -186,9 +186,12 @@ struct Slot<T**, Handle<T>, false> {
 
 template <class P, class O>
 struct Slot<P, O, true> {
+    static constexpr bool kIsOid = std::is_same_v<O, Oid>;
+    static_assert(!kIsOid || std::is_same_v<P, uint8_t*>, "an object identifier is read from bytes");
     O& output;
     P data = nullptr;
     uint32_t length = 0;
+    uint8_t oid[kIsOid ? 256 : 1] = {};
 
     template <bool Length>
     auto Parameter() noexcept {
@@ -199,42 +202,27 @@ struct Slot<P, O, true> {
         }
     }
     void Called() noexcept {}
-    // A byte more than asked for: a buffer is never null then, and the few functions that forget a terminating zero
-    // when they are asked for the size have room for it.
     bool Reserve() {
-        if (length < UINT32_MAX) ++length;
-        output.resize(length);
-        data = reinterpret_cast<P>(output.data());
-        return true;
+        if constexpr (kIsOid) {
+            data = oid;
+            return std::exchange(length, uint32_t{sizeof oid}) <= sizeof oid;
+        } else {
+            // A byte more than asked for: a buffer is never null then, and the few functions that forget a terminating
+            // zero when they are asked for the size have room for it.
+            if (length < UINT32_MAX) ++length;
+            output.resize(length);
+            data = reinterpret_cast<P>(output.data());
+            return true;
+        }
     }
     void Finish() {
-        output.resize(length);
-        if (std::is_same_v<P, char*> && length > 0 && output.back() == typename O::value_type{}) output.pop_back();
-    }
-};
-
-template <class P>
-struct Slot<P, Oid, true> {
-    static_assert(std::is_same_v<P, uint8_t*>, "an object identifier is read from bytes");
-    Oid& output;
-    uint8_t* data = nullptr;
-    uint32_t length = 0;
-    uint8_t bytes[256] = {};
-
-    template <bool Length>
-    auto Parameter() noexcept {
-        if constexpr (Length) {
-            return &length;
+        if constexpr (kIsOid) {
+            output = Oid::Prefixed(oid, length);
         } else {
-            return data;
+            output.resize(length);
+            if (std::is_same_v<P, char*> && length > 0 && output.back() == typename O::value_type{}) output.pop_back();
         }
     }
-    void Called() noexcept {}
-    bool Reserve() noexcept {
-        data = bytes;
-        return std::exchange(length, uint32_t{sizeof bytes}) <= sizeof bytes;
-    }
-    void Finish() noexcept { output = Oid::Prefixed(bytes, length); }
 };
 
 // --- Which goes where ---
