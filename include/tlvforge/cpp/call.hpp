@@ -530,14 +530,20 @@ namespace nothrow {
  *   numbers and flags            any numbers; StatusBadArgument for one that doesn't fit
  *
  * Outputs are what the function's pointers to non-const values lead to:
- *   a buffer and its length      Bytes, or std::string where they are characters. They are asked for the size first,
- * and then filled. A terminating zero isn't part of the text. a pointer to an object       a Handle where it is the
- * caller's, otherwise a plain pointer, which is lent anything else                itself One is returned as it is, two
- * as a pair, more as a tuple, in the function's order. Other types can be named in their place, all or none: Get<Oid,
- * Bytes>(GetCertificateSignatureAlgorithmOidAndParameters, certificate). Possible are for bytes Oid and containers with
- * resize, for times a time_point, for numbers other numbers, enumerations and bool. They have to be named where a byte
- * and a number that belongs to something else stand side by side, as in Get<bool,
- * uint32_t>(DecodeExtensionBasicConstraints, value).
+ *   a buffer and its length      Bytes, or std::string where they are characters
+ *   a pointer to an object       a Handle where it is the caller's, otherwise a plain pointer, which is lent
+ *   anything else                itself
+ *
+ * One is returned as it is, two as a pair, more as a tuple, in the function's order. Buffers are asked for their size
+ * first, and then filled; a terminating zero isn't part of a text. Other types can be named for the outputs, all or
+ * none: for bytes Oid and containers with resize, for times a time_point, for numbers other numbers, enumerations and
+ * bool.
+ *
+ *     Get<Oid, Bytes>(GetCertificateSignatureAlgorithmOidAndParameters, certificate)
+ *
+ * They have to be named where a byte and a number that belongs to something else stand side by side:
+ *
+ *     Get<bool, uint32_t>(DecodeExtensionBasicConstraints, value)
  *
  * Statuses are those of the function, StatusBufferTooSmall for an object identifier above 255 bytes, StatusBadTime for
  * a time_point outside the years 1900 to 2100, and StatusBadArgument for bytes in place of an object identifier that
