@@ -117,6 +117,7 @@ TEST(Face, FailuresSayWhatFailed) {
     EXPECT_THROW(Same(CompareX509Names, Create<X509Name>(), nullptr), Error);
     // What can't be said in the form of the C function isn't passed on.
     const Bytes cutOid{3, 0x55};
+    EXPECT_EQ(nothrow::Get(GetCertificateExtensionValue, certificate, cutOid).failure().file, nullptr);
     EXPECT_EQ(nothrow::Get(GetCertificateExtensionValue, certificate, cutOid).status(), StatusBadArgument);
     EXPECT_EQ(nothrow::Get(SetCertificateVersion, certificate, uint64_t{1} << 32).status(), StatusBadArgument);
     EXPECT_STATUS(StatusBadTime,

@@ -415,11 +415,11 @@ class Call<Function, std::tuple<O...>, std::tuple<A...>, std::tuple<P...>, std::
     static_assert(kPlan.outputs == sizeof...(O), "the function has another number of outputs than are named");
 
 public:
-    static Status Make(const Function& function, [[maybe_unused]] std::tuple<O&...> outputs,
-                       std::tuple<A...> arguments) {
+    static Result<void> Make(const Function& function, [[maybe_unused]] std::tuple<O&...> outputs,
+                             std::tuple<A...> arguments) {
         Status status = StatusOk;
         (void)(((status = CheckAt<I>(arguments)) == StatusOk) && ...);
-        if (status != StatusOk) return status;
+        if (status != StatusOk) return RefusalOf(status, function);
         std::tuple<Slot<std::tuple_element_t<kPlan.FirstOf(K), Parameters>, O>...> slots{
             Slot<std::tuple_element_t<kPlan.FirstOf(K), Parameters>, O>{std::get<K>(outputs)}...};
         const auto call = [&] {
@@ -429,13 +429,13 @@ public:
         };
         status = call();
         if constexpr ((kIsBuffer<O> || ...)) {
-            if (status != StatusOk) return status;
-            if (!(std::get<K>(slots).Reserve() && ...)) return StatusBufferTooSmall;
+            if (status != StatusOk) return FailureOf(status, function);
+            if (!(std::get<K>(slots).Reserve() && ...)) return RefusalOf(StatusBufferTooSmall, function);
             status = call();
         }
         if (status == StatusOk) (std::get<K>(slots).Finish(), ...);
         (ReleaseAt<I>(status, arguments), ...);
-        return status;
+        return status == StatusOk ? Result<void>() : FailureOf(status, function);
     }
 
 private:
@@ -480,7 +480,7 @@ private:
 
 // Stores the outputs of function(arguments...).
 template <class Function, class... O, class... A>
-Status Store(Function function, std::tuple<O&...> outputs, A&&... arguments) {
+Result<void> Store(Function function, std::tuple<O&...> outputs, A&&... arguments) {
     using Parameters = ParametersOf<Function>;
     return Call<Function, std::tuple<O...>, std::tuple<A&&...>, Parameters,
                 std::make_index_sequence<std::tuple_size_v<Parameters>>,
@@ -553,12 +553,12 @@ template <class... Outputs, class Function, class... Arguments>
 auto Get(Function function, Arguments&&... arguments) {
     using All = typename detail::OutputsOf<Function, std::tuple<Outputs...>, std::decay_t<Arguments>...>::Type;
     All outputs;
-    const Status status = detail::Store(function, detail::Tied(outputs), std::forward<Arguments>(arguments)...);
+    Result<void> stored = detail::Store(function, detail::Tied(outputs), std::forward<Arguments>(arguments)...);
     if constexpr (std::tuple_size_v<All> == 0) {
-        return status == StatusOk ? Result<void>() : Result<void>(detail::FailureOf(status, function));
+        return stored;
     } else {
         using Value = decltype(detail::Packed(std::move(outputs)));
-        if (status != StatusOk) return Result<Value>(detail::FailureOf(status, function));
+        if (!stored) return Result<Value>(stored.failure());
         return Result<Value>(detail::Packed(std::move(outputs)));
     }
 }
@@ -580,8 +580,7 @@ Result<std::string> GetText(Function function, Arguments&&... arguments) {
  */
 template <class Output, class Function, class... Arguments>
 Result<void> GetInto(Output& output, Function function, Arguments&&... arguments) {
-    const Status status = detail::Store(function, std::tie(output), std::forward<Arguments>(arguments)...);
-    return status == StatusOk ? Result<void>() : Result<void>(detail::FailureOf(status, function));
+    return detail::Store(function, std::tie(output), std::forward<Arguments>(arguments)...);
 }
 
 /** Find is Get with nothing in place of StatusAbsent and StatusNotFound. */

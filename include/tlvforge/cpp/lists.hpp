@@ -154,12 +154,9 @@ inline auto Outputs(DistributionPoint& e) { return std::tie(e.fullName, e.relati
 // A list by its two functions; the index is the last argument of the getter.
 template <bool Throws, class Element, class Count, class Item, class Object, class... Arguments>
 auto ListOf(Count count, Item item, Object object, Arguments... arguments) {
-    return MakeRange<Throws, Element>(
-        nothrow::Get(count, object, arguments...), [=](uint32_t index, Element& element) -> Result<void> {
-            const Status status = Store(item, Outputs(element), object, arguments..., index);
-            if (status != StatusOk) return FailureOf(status, item);
-            return {};
-        });
+    return MakeRange<Throws, Element>(nothrow::Get(count, object, arguments...), [=](uint32_t index, Element& element) {
+        return Store(item, Outputs(element), object, arguments..., index);
+    });
 }
 
 // The type of a list's elements, and its functions.
@@ -218,10 +215,8 @@ auto MakeExtensions(const Object& object) {
     auto owner = ExtensionsOf(PointerTo(object));
     Result<uint32_t> count =
         owner ? nothrow::Get(GetX509ExtensionsExtensionsCount, *owner) : Result<uint32_t>(owner.failure());
-    auto read = [extensions = std::move(owner)](uint32_t index, Extension& element) -> Result<void> {
-        const Status status = Store(GetX509ExtensionsExtension, Outputs(element), *extensions, index);
-        if (status != StatusOk) return FailureOf(status, GetX509ExtensionsExtension);
-        return {};
+    auto read = [extensions = std::move(owner)](uint32_t index, Extension& element) {
+        return Store(GetX509ExtensionsExtension, Outputs(element), *extensions, index);
     };
     return MakeRange<Throws, Extension>(std::move(count), std::move(read));
 }

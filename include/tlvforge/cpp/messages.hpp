@@ -131,30 +131,30 @@ inline Result<Bytes> Encode(const TimeStampInfo& info) {
 /** DecodeTimeStampRequest and the two after it read a message into a struct. */
 inline Result<TimeStampRequest> DecodeTimeStampRequest(ByteView bytes) {
     TimeStampRequest r;
-    const Status status = detail::Store(DecodeTimeStampReq,
-                                        std::tie(r.version, r.hashAlgorithm.oid, r.hashAlgorithm.parameters, r.hash,
-                                                 r.policy, r.nonce, r.certificateWanted, r.extensions),
-                                        bytes);
-    if (status != StatusOk) return detail::FailureOf(status, DecodeTimeStampReq);
+    const Result<void> read = detail::Store(DecodeTimeStampReq,
+                                            std::tie(r.version, r.hashAlgorithm.oid, r.hashAlgorithm.parameters, r.hash,
+                                                     r.policy, r.nonce, r.certificateWanted, r.extensions),
+                                            bytes);
+    if (!read) return read.failure();
     return r;
 }
 
 inline Result<TimeStampResponse> DecodeTimeStampResponse(ByteView bytes) {
     TimeStampResponse r;
-    const Status status =
+    const Result<void> read =
         detail::Store(DecodeTimeStampResp, std::tie(r.status, r.statusString, r.failInfo, r.token), bytes);
-    if (status != StatusOk) return detail::FailureOf(status, DecodeTimeStampResp);
+    if (!read) return read.failure();
     return r;
 }
 
 inline Result<TimeStampInfo> DecodeTimeStampInfo(ByteView bytes) {
     TimeStampInfo i;
-    const Status status =
+    const Result<void> read =
         detail::Store(DecodeTSTInfo,
                       std::tie(i.version, i.policy, i.hashAlgorithm.oid, i.hashAlgorithm.parameters, i.hash,
                                i.serialNumber, i.genTime, i.accuracy, i.ordering, i.nonce, i.tsa, i.extensions),
                       bytes);
-    if (status != StatusOk) return detail::FailureOf(status, DecodeTSTInfo);
+    if (!read) return read.failure();
     return i;
 }
 

@@ -212,10 +212,10 @@ Result<std::vector<NameEntry>> Entries(const Name& name) {
         for (uint32_t i = 0; i < *count; ++i) {
             NameEntry entry;
             entry.rdn = rdn;
-            const Status status = detail::Store(
+            const Result<void> read = detail::Store(
                 GetX509NameEntryExt, std::tie(entry.value, entry.tagClass, entry.constructed, entry.tag, entry.oid),
                 pointer, rdn, i);
-            if (status != StatusOk) return detail::FailureOf(status, GetX509NameEntryExt);
+            if (!read) return read.failure();
             entries.push_back(std::move(entry));
         }
     }

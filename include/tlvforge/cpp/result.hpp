@@ -27,7 +27,7 @@ struct Failure {
     // The function of the library that failed; empty where that can't be found out. One of its names, if it has
     // several.
     std::string call = {};
-    // Where the library found the fault, as GetLastFileErrorAsn says; may be null.
+    // Where the library found the fault, as GetLastFileErrorAsn says; null if it wasn't called.
     const char* file = nullptr;
     uint32_t line = 0;
 
@@ -127,9 +127,10 @@ using namespace types;
 
 namespace detail {
 
-// The failure of a call that has just returned a status. A function is named as the linker knows it.
+// The failure of a call that isn't made, as its arguments can't be passed on, or whose results can't be taken. A
+// function is named as the linker knows it.
 template <class Function>
-Failure FailureOf(Status status, [[maybe_unused]] Function function) {
+Failure RefusalOf(Status status, [[maybe_unused]] Function function) {
     Failure failure;
     failure.status = status;
 #if __has_include(<dlfcn.h>)
@@ -139,6 +140,13 @@ Failure FailureOf(Status status, [[maybe_unused]] Function function) {
         if (found) failure.call = info.dli_sname;
     }
 #endif
+    return failure;
+}
+
+// The failure of a call that has just returned a status.
+template <class Function>
+Failure FailureOf(Status status, Function function) {
+    Failure failure = RefusalOf(status, function);
     failure.file = GetLastFileErrorAsn(&failure.line);
     return failure;
 }
