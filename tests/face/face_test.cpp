@@ -119,7 +119,9 @@ TEST(Face, FailuresSayWhatFailed) {
     const Bytes cutOid{3, 0x55};
     EXPECT_EQ(nothrow::Get(GetCertificateExtensionValue, certificate, cutOid).failure().file, nullptr);
     EXPECT_EQ(nothrow::Get(GetCertificateExtensionValue, certificate, cutOid).status(), StatusBadArgument);
-    EXPECT_EQ(nothrow::Get(SetCertificateVersion, certificate, uint64_t{1} << 32).status(), StatusBadArgument);
+    EXPECT_STATUS(StatusBadArgument, nothrow::Get(SetCertificateVersion, certificate, uint64_t{1} << 32).status(),
+                  nothrow::Get(SetCertificateVersion, certificate, UINT32_MAX).status(),
+                  nothrow::Get(EncodeExtensionKeyUsage, -1).status());
     EXPECT_STATUS(StatusBadTime,
                   nothrow::Get(SetCertificateValidNotAfter, certificate, TimePoint(seconds(5'000'000'000))).status());
     // An identifier that is too long for an Oid can still be read as bytes.

@@ -117,6 +117,13 @@ decltype(auto) Pass(const A& argument) noexcept {
     }
 }
 
+// Whether a number is the same in another type: the same bits can be a negative one there.
+template <class P, class A>
+constexpr bool Fits(A number) noexcept {
+    const P passed = static_cast<P>(number);
+    return static_cast<A>(passed) == number && (passed > P{}) == (number > A{});
+}
+
 // What is wrong with an argument before the call is made.
 template <class P, bool Wide, class A>
 Status Check(const A& argument) noexcept {
@@ -126,8 +133,8 @@ Status Check(const A& argument) noexcept {
         // Without a length it is an object identifier.
         const ByteView oid(argument);
         return oid.size() == 0 || oid.size() != size_t{1} + oid[0] ? StatusBadArgument : StatusOk;
-    } else if constexpr (std::is_integral_v<P> && std::is_integral_v<A> && (sizeof(A) > sizeof(P))) {
-        return static_cast<A>(static_cast<P>(argument)) != argument ? StatusBadArgument : StatusOk;
+    } else if constexpr (std::is_integral_v<P> && std::is_integral_v<A>) {
+        return Fits<P, A>(argument) ? StatusOk : StatusBadArgument;
     } else if constexpr (kIsTimePoint<A>) {
         return IsSet(RecordOf(std::chrono::floor<std::chrono::seconds>(argument))) ? StatusOk : StatusBadTime;
     } else {
