@@ -89,8 +89,9 @@ TEST(Face, CallsFetchWhatAFunctionStores) {
         ++given;
         return StatusOk;
     };
-    EXPECT_EQ(Get(count, nullptr) + Get(count, Bytes()) + Get(count, "ab"), 102u);
-    EXPECT_EQ(given, 3u);
+    const char* const none = nullptr;
+    EXPECT_EQ(Get(count, nullptr) + Get(count, none) + Get(count, Bytes()) + Get(count, "ab"), 202u);
+    EXPECT_EQ(given, 4u);
 }
 
 TEST(Face, FailuresSayWhatFailed) {

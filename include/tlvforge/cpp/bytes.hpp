@@ -57,7 +57,8 @@ class ByteView {
 public:
     constexpr ByteView(std::nullptr_t = nullptr) noexcept {}
     constexpr ByteView(const uint8_t* data, size_t size) noexcept : data_(data), size_(size) {}
-    ByteView(const char* text) noexcept : ByteView(std::string_view(text)) {}
+    ByteView(const char* text) noexcept
+        : data_(reinterpret_cast<const uint8_t*>(text)), size_(text ? strlen(text) : 0) {}
     template <class Range, std::enable_if_t<detail::kIsByteRange<Range>, int> = 0>
     ByteView(const Range& range) noexcept
         : data_(std::size(range) == 0 ? detail::kNoBytes : reinterpret_cast<const uint8_t*>(std::data(range))),
