@@ -163,7 +163,11 @@ struct Slot {
     bool Reserve() noexcept { return true; }
     void Finish() noexcept {
         if constexpr (kIsTimePoint<O>) {
-            output = std::chrono::time_point_cast<typename O::duration>(ToChrono(value));
+            // Nanoseconds don't reach back to what the null time becomes.
+            constexpr bool kReached = std::ratio_greater_equal_v<typename O::period, std::micro>;
+            output = !kReached && value.month == 0
+                         ? O::min()
+                         : std::chrono::time_point_cast<typename O::duration>(ToChrono(value));
         } else {
             output = static_cast<O>(value);
         }
