@@ -3,7 +3,7 @@ package kestrelon.x509.tlvforge;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 
-/** Bytes and numbers that come out of methods: the arrays are made here, of the size that a first call asks for. */
+/** Bytes and numbers that come out of methods: the arrays are made here, of the size that a first call has stored. */
 public final class Bytes {
     private Bytes() {}
 
@@ -60,7 +60,8 @@ public final class Bytes {
         byte[][] buffers = new byte[count][];
         int[][] lengths = new int[count][1];
         TlvforgeException.check(outputs.call(buffers, lengths));
-        Arrays.setAll(buffers, i -> new byte[lengths[i][0]]);
+        // A byte more than asked for, as one method leaves the terminating zero out of the size.
+        Arrays.setAll(buffers, i -> new byte[lengths[i][0] + 1]);
         TlvforgeException.check(outputs.call(buffers, lengths));
         Arrays.setAll(buffers, i -> Arrays.copyOf(buffers[i], lengths[i][0]));
         return buffers;
