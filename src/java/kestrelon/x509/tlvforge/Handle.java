@@ -1,6 +1,7 @@
 package kestrelon.x509.tlvforge;
 
 import java.lang.ref.Cleaner;
+import java.lang.ref.Reference;
 
 /**
  * An object that the program owns. {@link #close} frees it, so it stands in a try with resources; an object that is
@@ -65,7 +66,7 @@ public final class Handle implements AutoCloseable {
     private final Cleaner.Cleanable cleanable;
 
     /**
-     * Takes an object over that a call has handed out as owned.
+     * Takes over an object that the caller of a method owns.
      *
      * @param address its handle, 0 for none
      * @param free the method that frees it
@@ -124,6 +125,7 @@ public final class Handle implements AutoCloseable {
     public long release() {
         long address = get();
         owned.address = 0;
+        Reference.reachabilityFence(this); // or the collector might have freed what is given away
         return address;
     }
 
@@ -131,5 +133,6 @@ public final class Handle implements AutoCloseable {
     @Override
     public void close() {
         cleanable.clean();
+        Reference.reachabilityFence(this); // what stands in a try with resources isn't freed before its end
     }
 }
