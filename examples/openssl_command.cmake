@@ -1,4 +1,4 @@
-# The openssl command, for scripts that set DIRECTORY, which is made anew and is where everything runs.
+# The openssl command, for scripts that set DIRECTORY, which is emptied and is where everything runs.
 # OPENSSL is false when there is no such command; GOST says whether it has the engine.
 file(REMOVE_RECURSE ${DIRECTORY})
 file(MAKE_DIRECTORY ${DIRECTORY})

@@ -3,9 +3,9 @@
 //     NATIVE(GetX509CrlSignature, h, o)
 //     NATIVE_AS(AllocAsn1Integer_1s, AllocAsn1Integer_s, b)
 //
-// the name of the plain function, and behind it the kinds of its parameters. NATIVE_AS serves names with an underscore,
-// which Java spells _1 in symbols, and natives that call a function of another name. The letters of a kind, in front
-// of its underscore, are its Java parameters; what stands behind it is what the plain function makes of them:
+// the name of the plain function, then the kinds of its parameters. NATIVE_AS serves names with an underscore, which
+// Java spells _1 in symbols, and natives that call a function of another name. The letters of a kind, up to its
+// underscore, are its Java parameters; the word after that is what the plain function makes of them:
 //
 //     h  long                     i  int
 //     b  byte[], int              ri the same

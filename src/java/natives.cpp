@@ -9,7 +9,7 @@ namespace {
 // Three natives have no parameters for what they decode: they check the bytes, and that is all.
 
 Status CheckIssuingDistributionPoint(const uint8_t* data, uint32_t length) {
-    X509GeneralNames* fullName = nullptr;  // freed when the function returns
+    X509GeneralNames* fullName = nullptr;  // has been freed when the function returns
     X509Name* relativeName = nullptr;
     uint8_t onlyUser, onlyCa, indirect, onlyAttribute;
     uint32_t hasOnlyUser, hasOnlyCa, reasons, hasReasons, hasIndirect, hasOnlyAttribute;

@@ -3,7 +3,7 @@
 // Each Java parameter is one argument of the plain function and one object of the classes below, which converts to
 // that argument. Around the call the objects are taken through the same steps, in the order of the parameters:
 //
-//   Follow     look at the parameter in front: a count at its bytes, a length at its buffer
+//   Follow     look at the previous parameter: a count at its bytes, a length at its buffer
 //   Pin        obtain the elements of an array; PinText those of a String, after all arrays
 //   Fits       refuse what the plain function would read or write past
 //   ...        the call, if everything fits; Repeats may ask for a second one
@@ -142,7 +142,7 @@ public:
     }
 };
 
-// The value of a general name, whose alternative is the parameter in front. A registeredID is read by its own length
+// The value of a general name, whose alternative is the previous parameter. A registeredID is read by its own length
 // byte, whatever the count says.
 class GeneralNameValue : public Input {
 public:
@@ -154,8 +154,8 @@ private:
     const Number* alternative_ = nullptr;
 };
 
-// How many of the bytes in front to use. A negative count of an array stands for all of it: the plain function takes
-// it for a huge one.
+// How many bytes of the previous parameter to use. A negative count of an array stands for all of it: the plain
+// function takes it for a huge one.
 class Count : public Parameter {
 public:
     explicit Count(jint count) : count_(count) {}
@@ -285,7 +285,7 @@ private:
 
 // --- int[] and long[] ---
 
-// The length of the buffer in front: its capacity before the call, whatever the array held.
+// The length of the previous parameter, a buffer: its capacity before the call, whatever the array held.
 class Length : public Pinned<jintArray> {
 public:
     using Pinned::Pinned;
@@ -318,7 +318,7 @@ public:
     }
 };
 
-// A number that comes out.
+// A number that is stored.
 class NumberCell : public Pinned<jintArray> {
 public:
     using Pinned::Pinned;
@@ -331,7 +331,7 @@ private:
     uint32_t cell_ = 0;
 };
 
-// A number of one byte that comes out.
+// A number of one byte that is stored.
 class OctetCell : public Pinned<jintArray> {
 public:
     using Pinned::Pinned;
@@ -343,7 +343,7 @@ private:
     uint8_t cell_ = 0;
 };
 
-// A handle that comes out.
+// A handle that is stored.
 class HandleCell : public Pinned<jlongArray> {
 public:
     using Pinned::Pinned;
@@ -358,7 +358,7 @@ protected:
     Address cell_ = nullptr;
 };
 
-// A handle that goes in and comes out.
+// A handle that is read, and another stored in its place.
 class HandleInOut : public HandleCell {
 public:
     using HandleCell::HandleCell;
@@ -368,7 +368,7 @@ public:
     }
 };
 
-// A handle that goes in, in a long[] where a single result would stand; the array stays as it is.
+// A handle that is read from a long[], where a single result would stand; the array stays as it is.
 class Object : public Pinned<jlongArray> {
 public:
     using Pinned::Pinned;

@@ -5,10 +5,10 @@
 
 namespace tlvforge::java {
 
-// Converts zero-terminated modified UTF-8, as a virtual machine hands it out, to CP1251 and a terminating zero, and
-// gives the number of bytes without that zero. Both may be one buffer: the output never runs ahead of the input.
-// This is no general converter: it knows the letters of Russian text and a few characters more. What else there is
-// comes out as a wrong byte (characters of two bytes) or not at all (longer ones), and file names depend on it.
+// Converts zero-terminated modified UTF-8, as GetStringUTFChars returns it, to CP1251 and a terminating zero, and
+// returns the number of bytes without that zero. Both may be one buffer: the output never runs ahead of the input. This
+// is no general converter: it knows the letters of Russian text and a few characters more. Any other character becomes
+// a wrong byte if it has two bytes, and vanishes if it is longer; file names depend on it.
 uint32_t ConvertUtf8ToCp1251(const uint8_t* source, uint8_t* destination);
 
 }  // namespace tlvforge::java
