@@ -1,6 +1,7 @@
 // envelope seal|open|show ...: an enveloped message. The content is encrypted with AES, and the key of AES with the RSA
 // key of each recipient. The library makes and reads the message, libcrypto encrypts and decrypts.
 
+#include <climits>
 #include <cstdio>
 
 #include "libcrypto.h"
@@ -25,7 +26,7 @@ Bytes Cipher(bool encrypt, const Bytes& key, const Bytes& iv, const Bytes& in) {
     const std::unique_ptr<EVP_CIPHER_CTX, Deleter<EVP_CIPHER_CTX_free>> context(EVP_CIPHER_CTX_new());
     Bytes out(in.size() + 16);
     int length = 0, rest = 0;
-    Require(key.size() == 32 && iv.size() == 16 &&
+    Require(key.size() == 32 && iv.size() == 16 && out.size() <= INT_MAX &&
                 EVP_CipherInit_ex(context.get(), EVP_aes_256_cbc(), nullptr, key.data(), iv.data(), encrypt) > 0 &&
                 EVP_CipherUpdate(context.get(), out.data(), &length, in.data(), static_cast<int>(in.size())) > 0 &&
                 EVP_CipherFinal_ex(context.get(), out.data() + length, &rest) > 0,

@@ -2,7 +2,6 @@
 // signatures of the others.
 
 #include <cstdio>
-#include <cstring>
 
 #include "libcrypto.h"
 #include "usage.h"
