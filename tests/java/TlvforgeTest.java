@@ -182,7 +182,7 @@ public final class TlvforgeTest {
         long extensions = Handle.lent(handle -> dll_GetCertificateExtensions(certificate, handle));
         ok(dll_AddX509ExtensionsExtension(extensions, Oid.of("2.5.29.19"), 1, constraints, constraints.length));
         ok(dll_AddX509ExtensionsExtension(extensions, Oid.of("1.2.643.3.123.3.1"), 0, new byte[] {12, 2, 'A', 'B'}, 4));
-        equal("AB", Bytes.text((b, l) -> dll_GetZelcryptIdentifierFromCertificate(certificate, b, l)), "uncounted zero");
+        equal("AB", Bytes.text((b, l) -> dll_GetZelcryptIdentifierFromCertificate(certificate, b, l)), "without zero");
         ok(dll_SetCertificateSignatureAlgorithmOidAndParameters(certificate, Oid.of("1.2.840.10045.4.3.2"), null, 0));
         Signature signer = Signature.getInstance("SHA256withECDSA");
         signer.initSign(keys.getPrivate());
