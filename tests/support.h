@@ -99,6 +99,14 @@ Bytes Fetch(Function&& function, Arguments... arguments) {
     return bytes;
 }
 
+// Takes what a cell of a tree holds out of it while it lives.
+struct Hole {
+    Hole(void** cell) : at(cell), taken(std::exchange(*cell, nullptr)) {}
+    Hole(const Hole&) = delete;
+    ~Hole() { *at = taken; }
+    void **const at, *const taken;
+};
+
 // What the systems name differently. A null zone stands for none; the name of a device that takes everything; an
 // exported function by its name, null without one.
 void SetZone(const char* zone);

@@ -73,12 +73,11 @@ TEST_F(CadesListTest, CertificatesGoInAndComeOut) {
     EXPECT_EQ(issuer, nullptr);
     void** const parts = static_cast<void**>(reinterpret_cast<Asn1List*>(two.get())->items[0]);
     for (const int part : {0, 1}) {  // the algorithm and the hash
-        void* const taken = std::exchange(parts[part], nullptr);
+        const Hole taken(parts + part);
         uint32_t m[4] = {9, 9, 9, 9};
         EXPECT_STATUS(StatusAbsent, GetESSCertIDV2Information(two.get(), 0, nullptr, m, nullptr, m + 1, nullptr, m + 2,
                                                               &issuer, nullptr, m + 3));
         EXPECT_EQ(Numbers(m, m + 4), Numbers(4, 9)) << part;
-        parts[part] = taken;
     }
     const auto both = [](const Bytes& first) { return Tlv(48, Tlv(48, first + kIssuerSerial) + Tlv(48, kHashTlv)); };
     EXPECT_EQ(InFull(EncodeRsaAttributeSigningCertificateValue, one.get(), nullptr), ToHex(Tlv(48, both(kHashTlv))));

@@ -56,20 +56,6 @@ TEST_F(CmsTest, ContainerOwnsContentInfosInTheirOrder) {
     EXPECT_EQ(Fetch(EncodeSeveralData, several), Tlv(0x30, Fetch(EncodeCmsContentInfo, copy.get()) + full));
 }
 
-TEST_F(CmsTest, FreshObjectsAnswerAsEmptyOnes) {
-    EXPECT_EQ(Fetch(EncodeCmsSignedData, data), Hex("300A 0200 3100 30020600 3100"));
-    EXPECT_EQ(Fetch(GetCmsSignedDataContentTypeOid, data) + Fetch(GetCmsSignedDataContent, data), Hex("00"));
-    CHECK({GetCmsSignedDataCertificatesCount(data, &(n = 9))}, {GetCmsSignedDataCrlsCount(data, &(m = 9))}, {n + m, 0},
-          {GetCmsSignedDataVersion(data, &version), StatusAbsent}, {RemoveCmsSignedDataCertificates(data)},
-          {GetCmsSignedDataEncodedCrl(data, 0, &kind, nullptr, &n), StatusAbsent},
-          {GetCmsSignedDataSignerInfo(data, 0, &signer), StatusBadArgument},
-          {AddCmsSignedDataSignerInfo(data, nullptr), StatusBadArgument}, {AddCmsSignedDataSignerInfo(data, &signer)},
-          {GetCmsSignerInfoVersion(signer, &version), StatusAbsent},
-          {EncodeCmsSignedData(data, nullptr, &n), StatusAbsent},
-          {GetCmsSignerInfoSignerIdentifier(signer, &name, nullptr, &n, nullptr, &m), StatusAbsent});
-    EXPECT_EQ(Fetch(GetCmsSignerInfoSignature, signer), Fetch(GetCmsSignerInfoEncodedSignedAttributes, signer));
-}
-
 TEST_F(CmsTest, ContentIsJoinedFromSegmentsOfIndefiniteLengthOnly) {
     for (const char* content : {"", "A003040155", "A080 2480 0400 040155 0000 0000", "A007 2405 0403AABBCC"}) {
         const Bytes expected = strstr(content, "0155") != nullptr ? Hex("55") : kNone;
@@ -86,9 +72,7 @@ TEST_F(CmsTest, DigestAlgorithmsAreASetAndSignersAreNot) {
     }
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(data, 1, nullptr, &m, out, length); }), kNull);
     CHECK({m, Size(kA)}, {GetCmsSignedDataDigestAlgorithmsCount(data, &n)}, {n, 2},
-          {get(data, 0x80000000, nullptr, &n, nullptr, &m), StatusBadArgument},
-          {get(data, 1, nullptr, &n, nullptr, nullptr), StatusBadArgument}, {ClearCmsSignedDataDigestAlgorithms(data)},
-          {GetCmsSignedDataDigestAlgorithmsCount(data, &n)}, {n, 0},
+          {ClearCmsSignedDataDigestAlgorithms(data)}, {GetCmsSignedDataDigestAlgorithmsCount(data, &n)}, {n, 0},
           {DeleteCmsSignedDataSignerInfo(data, 4), StatusBadArgument},
           {DeleteCmsSignedDataSignerInfo(data, 0x80000000), StatusBadArgument},
           {DeleteCmsSignedDataSignerInfo(data, 0)}, {GetCmsSignedDataSignerInfo(data, 1, &signer)},
@@ -143,16 +127,9 @@ TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
     CmsSignedData* const c = copy.get();
     const auto get = GetCmsSignerInfoSignerIdentifier;
     const auto setIssuer = SetCmsSignerInfoSignerIdentifierIssuerAndSerialNumber;
-    const auto digest = GetCmsSignerInfoDigestAlgorithmOidAndParameters;
-    const auto signature = GetCmsSignerInfoSignatureAlgorithmOidAndParameters;
-    CHECK({GetCmsSignedDataSignerInfo(c, 0, &signer)}, {GetCmsSignerInfoVersion(signer, &version)},
-          {uint32_t(version), 3}, {GetCmsSignedDataVersion(c, &version)}, {uint32_t(version), 1},
-          {GetCmsSignedDataContentInfo(c, &info)}, {digest(signer, nullptr, nullptr, nullptr, &n), StatusBadArgument});
+    EXPECT_STATUS(StatusOk, GetCmsSignedDataSignerInfo(c, 0, &signer), GetCmsSignedDataContentInfo(c, &info));
     EXPECT_EQ(Fetch(GetCmsContentInfoTypeOid, info) + Fetch(GetCmsContentInfoContent, info), kData + kAbc) << "lent";
     EXPECT_EQ(Fetch(GetCmsSignerInfoEncodedSignedAttributes, signer), Tlv(0x31, kAttributes));
-    EXPECT_EQ(Fetch(GetCmsSignerInfoSignature, signer), kAbc);
-    EXPECT_EQ(Fetch([&](auto out, auto length) { return digest(signer, out, length, nullptr, nullptr); }), kA);
-    EXPECT_EQ(Fetch([&](auto out, auto length) { return signature(signer, out, length, nullptr, nullptr); }), kB);
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(signer, &name, out, length, nullptr, &(m = 9)); }), kAbc);
     EXPECT_EQ(Fetch(EncodeX509Name, name), kName);
     const auto issuer = Make<FreeX509Name>(CopyX509Name, name);
@@ -163,14 +140,12 @@ TEST_F(CmsTest, SignerReadsBackInBothFormsOfItsIdentifier) {
     EXPECT_EQ(Fetch([&](auto out, auto length) { return get(signer, &name, nullptr, &(n = 9), out, length); }), kAbc);
     CHECK({n, 0}, {name == nullptr, 1}, {get(signer, nullptr, nullptr, nullptr, nullptr, &m)},
           {get(signer, &name, nullptr, &n, nullptr, nullptr), StatusBadArgument},
-          {setIssuer(signer, issuer.get(), kAbc.data(), 3)},
-          {get(signer, nullptr, nullptr, &n, nullptr, &m), StatusBadArgument},
-          {get(signer, &name, nullptr, nullptr, nullptr, &m), StatusBadArgument});
+          {setIssuer(signer, issuer.get(), kAbc.data(), 3)});
     EXPECT_EQ(Fetch(EncodeCmsSignedData, c), whole);
-    void** const parts = static_cast<void**>(reinterpret_cast<Asn1Choice**>(signer)[1]->value);
-    void* const serial = std::exchange(parts[1], nullptr);
-    CHECK({get(signer, &name, nullptr, &n, nullptr, &(m = 9)), StatusAbsent}, {m, 0},
-          {(parts[1] = serial) == nullptr, 0});
+    {
+        const Hole serial(static_cast<void**>(reinterpret_cast<Asn1Choice**>(signer)[1]->value) + 1);
+        CHECK({get(signer, &name, nullptr, &n, nullptr, &(m = 9)), StatusAbsent}, {m, 0});
+    }
     CHECK({GetCmsSignerInfoUnsignedAttributes(signer, &attributes)}, {ClearRsaAttributes(attributes)},
           {AddRsaAttributesAttribute(attributes, kA.data(), &n)}, {EncodeCmsSignedData(c, nullptr, &n)},
           {n, Size(whole) + 10});

@@ -37,10 +37,7 @@ struct EnvelopedTest : testing::Test {
 
 TEST_F(EnvelopedTest, BuiltFromNothingHasItsBytesAndReadsBack) {
     RsaAttributes attributes = nullptr;
-    int32_t version = 9;
-    CHECK({GetKeyTransVersion(key, &version), StatusAbsent}, {EncodeKeyTrans(key, nullptr, &n), StatusAbsent},
-          {Identify(8), StatusAbsent}, {SetCmsEnvelopedDataVersion(d, 7)}, {GetCmsEnvelopedDataVersion(d, &version)},
-          {uint32_t(version), 7}, {SetCmsEnvelopedDataVersion(fresh, 0xFFFFFFFE)}, {SetKeyTransVersion(key, 2)},
+    CHECK({SetCmsEnvelopedDataVersion(fresh, 0xFFFFFFFE)}, {SetKeyTransVersion(key, 2)},
           {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, name.get(), kSerial.data(), 2)},
           {SetKeyTransKeyEncryptionAlgorithmOidAndParameters(key, &kOid[0], &kNull[0], 2)},
           {SetKeyTransEncryptedKey(key, &kKey[0], 3)},
@@ -54,7 +51,6 @@ TEST_F(EnvelopedTest, BuiltFromNothingHasItsBytesAndReadsBack) {
     EXPECT_EQ(ToHex(Fetch(EncodeCmsEnvelopedData, fresh)), ToHex(With(kNone, kByIssuer)));
     EXPECT_STATUS(StatusOk, SetCmsEnvelopedDataEncryptedContent(fresh, nullptr, 7));
     EXPECT_EQ(Fetch(EncodeCmsEnvelopedData, fresh), With(kNone, kByIssuer, kNone));
-    EXPECT_EQ(Fetch(GetCmsEnvelopedDataEncryptedContent, fresh), kNone);
 }
 
 TEST_F(EnvelopedTest, OriginatorInfoComesWithTheFirstMemberAndGoesWithTheLastSet) {
@@ -104,26 +100,17 @@ TEST_F(EnvelopedTest, RecipientIsNamedInOneOfTwoForms) {
           {GetKeyTransRecipientIdentifier(key, &issuer, nullptr, &n, nullptr, nullptr), StatusBadArgument},
           {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, issuer, kSerial.data(), 2)}, {Identify(8)},
           {CompareX509Names(issuer, name.get())});
-    void** const parts = static_cast<void**>(reinterpret_cast<Asn1Choice**>(key)[1]->value);
-    void* const serial = std::exchange(parts[1], nullptr);
-    m = 9;
-    CHECK({Identify(8), StatusAbsent}, {m, 0});
-    parts[1] = serial;
+    {
+        const Hole serial(static_cast<void**>(reinterpret_cast<Asn1Choice**>(key)[1]->value) + 1);
+        CHECK({m = 9, 9}, {Identify(8), StatusAbsent}, {m, 0});
+    }
     CHECK({SetKeyTransRecipientIdentifierSubjectKeyIdentifier(key, kKey.data(), 3)}, {Identify(8)},
           {issuer == nullptr, true}, {n, 0}, {m, 3});
     EXPECT_EQ(Fetch(GetKeyTransRecipientIdentifier, key, nullptr, nullptr, nullptr), kKey);
 }
 
 TEST(GostTransport, ParametersTakeAVectorOfAnyLength) {
-    const Bytes one = Tlv(0x30, Hex("040107") + kOidTlv), bad = Tlv(0x30, kOidTlv);
-    uint8_t iv[1] = {7}, oid[16] = {};
-    uint32_t n = 0, m = 16;
-    EXPECT_EQ(Fetch(EncodeGost2814789Parameters, iv, 1, kOid.data()), one);
-    const auto decode = [&](const Bytes& in) { return DecodeGost2814789Parameters(&in[0], Size(in), iv, &n, oid, &m); };
-    CHECK({decode(bad), StatusBadEncoding}, {decode(one), StatusBufferTooSmall}, {n, 1}, {m, 16});
-    iv[0] = 0;
-    CHECK({decode(one)}, {iv[0], 7});
-    EXPECT_EQ(Bytes(oid, oid + m), kOid);
+    EXPECT_EQ(Fetch(EncodeGost2814789Parameters, &kKey[0], 1, &kOid[0]), Tlv(0x30, Hex("04010A") + kOidTlv));
 }
 
 // One object, changed from line to line.
@@ -143,9 +130,7 @@ TEST(GostTransport, SettersBuildWhatTheyNeedAndReplaceWhatIsThere) {
     const auto algorithmOf = [&] {
         return GetGostR3410KeyTransportEphemeralPublicKeyAlgorithmOidAndParameters(t, nullptr, &n, nullptr, &m);
     };
-    CHECK({GetGostR3410KeyTransportUkm(t, nullptr, &n), StatusAbsent}, {algorithmOf(), StatusAbsent},
-          {key(t, nullptr, 5)});
-    EXPECT_EQ(Fetch(GetGostR3410KeyTransportEncryptedKey, t) + Fetch(GetGostR3410KeyTransportMaskKey, t), kNone);
+    EXPECT_EQ(key(t, nullptr, 5), StatusOk);
     expect(algorithm(t, nullptr, &kNull[0], 2), Hex("3004 0400 0400"));
     EXPECT_STATUS(StatusOk, SetGostR3410KeyTransportEncryptedKey(t, &kKey[0], 1));
     expect(SetGostR3410KeyTransportMacKey(t, &kKey[1], 1), session);

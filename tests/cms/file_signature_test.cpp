@@ -52,10 +52,6 @@ TEST(FileSignature, RefusesWhatItCannotUse) {
     static const Bytes plainCrl = Tlv(0x30, start + Hex("A10230003100"));
     // clang-format off
     const std::pair<void (*)(Arguments&), Status> rows[] = {
-        {[](auto& a) { a.digestOid = nullptr; }, StatusBadArgument},
-        {[](auto& a) { a.signatureOid = nullptr; }, StatusBadArgument},
-        {[](auto& a) { a.signature = nullptr; }, StatusBadArgument},
-        {[](auto& a) { a.signer = nullptr; }, StatusBadArgument},
         {[](auto& a) { a.certificate = nullptr; }, StatusBadArgument},
         {[](auto& a) { a.certificates = nullptr; }, StatusBadArgument},
         {[](auto& a) { a.certificateLength = 0; }, StatusBadArgument},

@@ -89,23 +89,16 @@ TEST_F(OcspTest, RequestBuiltFromNothingHasItsBytesAndComesApartAgain) {
                   SetOcspRequestSignatureAlgorithmOidAndParameters(fresh, &kRsa[0], &kNull[0], 2),
                   SetOcspRequestSignature(fresh, &kSignature[0], 2));
     EXPECT_EQ(ToHex(Fetch(EncodeOcspRequest, fresh)), ToHex(kRequest));
-    EXPECT_STATUS(StatusBadArgument, SetOcspRequestRequestorName(r, 2, nullptr, 3));
-    EXPECT_EQ(Fetch(EncodeOcspRequest, r), kRequest) << "as it was decoded";
-    CHECK({GetOcspRequestVersion(r, &number)}, {number, 1}, {SetOcspRequestVersion(r, 0)},
-          {SetOcspRequestRequestorName(r, 9, &byte, 1), StatusBadAlternative}, {GetOcspRequestRequestorName(r, &name)},
-          {name != nullptr, false}, {GetOcspRequestRequestorNameValue(r, &n, nullptr, &n), StatusBadArgument},
-          {ClearOcspRequestCertRequests(r)}, {GetOcspRequestExtensions(r, &handle)}, {RemoveX509Extensions(handle)},
-          {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestRequestorName(r)});
+    CHECK({SetOcspRequestVersion(r, 0)}, {SetOcspRequestRequestorName(r, 9, &byte, 1), StatusBadAlternative},
+          {GetOcspRequestRequestorName(r, &name)}, {name != nullptr, false},
+          {GetOcspRequestRequestorNameValue(r, &n, nullptr, &n), StatusBadArgument}, {ClearOcspRequestCertRequests(r)},
+          {GetOcspRequestExtensions(r, &handle)}, {RemoveX509Extensions(handle)}, {RemoveOcspRequestSignature(r)},
+          {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestRequestorName(r)});
     EXPECT_EQ(Fetch(EncodeOcspRequest, r), Hex("300430023000"));
 }
 
 TEST_F(OcspTest, SignatureOfARequestIsOneBlock) {
-    EXPECT_STATUS(StatusBadArgument, SetOcspRequestSignature(fresh, nullptr, 0),
-                  GetOcspRequestCertificate(fresh, -1, &certificate),
-                  SetOcspRequestSignatureAlgorithmOidAndParameters(fresh, nullptr, nullptr, 0));
-    EXPECT_STATUS(StatusAbsent, IsExistsOcspRequestSignature(fresh), GetOcspRequestCertificate(fresh, 0, &certificate),
-                  GetOcspRequestSignatureAlgorithmAndParameters(fresh, nullptr, &n, nullptr, nullptr));
-    CHECK({AddOcspRequestCertificate(fresh, NewCertificate())},
+    CHECK({IsExistsOcspRequestSignature(fresh), StatusAbsent}, {AddOcspRequestCertificate(fresh, NewCertificate())},
           {GetOcspRequestSignature(fresh, nullptr, &n), StatusAbsent},
           {GetOcspRequestSignatureAlgorithmAndParameters(fresh, nullptr, &n, nullptr, nullptr)}, {n, 1},
           {GetOcspRequestCertificate(fresh, 1, &certificate), StatusBadArgument},
@@ -174,12 +167,7 @@ TEST_F(OcspTest, MessageCarriesBytesWithTheirType) {
 TEST_F(OcspTest, BasicResponseBuiltFromNothingHasItsBytes) {
     const auto add = [&](const Bytes& tlv) { return AddOcspBasicResponseSingleResponse(b, SingleOf(tlv).release()); };
     const auto is = [&](const Bytes& tlv) { EXPECT_EQ(ToHex(Fetch(EncodeOcspSingleResponse, s)), ToHex(tlv)); };
-    EXPECT_STATUS(StatusAbsent, GetOcspBasicResponseResponderID(b, &n, nullptr, &n),
-                  EncodeOcspBasicResponse(b, nullptr, &n), GetOcspBasicResponseSignature(b, nullptr, &n),
-                  GetOcspBasicResponseCertificate(b, 0, &certificate), GetOcspSingleResponseCertStatus(s, &n),
-                  EncodeOcspSingleResponse(s, nullptr, &n));
-    CHECK({GetOcspSingleResponseCertStatusRevokedInfo(s, &time, &n), StatusBadArgument},
-          {SetOcspSingleResponseCertID(s, &kSha1[0], &kNull[0], 2, &kNames[0], 4, &kKeys[0], 3, &kSerial[0], 2)},
+    CHECK({SetOcspSingleResponseCertID(s, &kSha1[0], &kNull[0], 2, &kNames[0], 4, &kKeys[0], 3, &kSerial[0], 2)},
           {SetOcspSingleResponseThisUpdate(s, &kTime)}, {SetOcspSingleResponseCertStatusGood(s)});
     is(kGood);
     CHECK({SetOcspSingleResponseCertStatusUnknown(s)}, {GetOcspSingleResponseCertStatus(s, &n)}, {n, 2});
@@ -200,7 +188,6 @@ TEST_F(OcspTest, BasicResponseBuiltFromNothingHasItsBytes) {
     EXPECT_STATUS(StatusOk, SetOcspBasicResponseVersion(b, 0),
                   SetOcspBasicResponseResponderID(b, 0, &kName[0], Size(kName)));
     EXPECT_EQ(Fetch(EncodeOcspBasicResponse, b), BasicTlv(kByName, kSingles));
-    EXPECT_EQ(Tlv(0x30, Fetch(GetOcspBasicResponseToBeSignedPart, b) + kSigned), BasicTlv(kByName, kSingles));
     CHECK({AddOcspBasicResponseCertificate(b, NewCertificate())}, {GetOcspBasicResponseCertificatesCount(b, &n)},
           {n, 1}, {RemoveOcspBasicResponseCertificates(b)}, {GetOcspBasicResponseCertificatesCount(b, &n)}, {n, 0},
           {GetOcspBasicResponseCertificate(b, -1, &certificate), StatusAbsent},
@@ -209,14 +196,10 @@ TEST_F(OcspTest, BasicResponseBuiltFromNothingHasItsBytes) {
 }
 
 TEST_F(OcspTest, TimesThatCannotBeWrittenLeaveTheirFieldsAbsent) {
-    EXPECT_STATUS(StatusBadEncoding, GetOcspBasicResponseProducedAt(b, &time),
-                  GetOcspSingleResponseThisUpdate(s, &time));
     CHECK({SetOcspBasicResponseProducedAt(b, &kTime)}, {GetOcspBasicResponseProducedAt(b, &time)},
           {CompareTime(&time, &kTime), 0}, {SetOcspSingleResponseNextUpdate(s, &kTime)},
           {SetOcspSingleResponseNextUpdate(s, nullptr)}, {SetOcspSingleResponseNextUpdate(s, nullptr)},
           {SetOcspSingleResponseCertStatusGood(s)});
-    EXPECT_STATUS(StatusBadArgument, SetOcspBasicResponseProducedAt(b, nullptr),
-                  SetOcspSingleResponseThisUpdate(s, nullptr));
     EXPECT_STATUS(StatusOutOfMemory, SetOcspBasicResponseProducedAt(b, &kNoTime),
                   SetOcspSingleResponseThisUpdate(s, &kNoTime), SetOcspSingleResponseCertStatusRevoked(s, &kNoTime, 0));
     EXPECT_STATUS(StatusAbsent, GetOcspBasicResponseProducedAt(b, &time), GetOcspSingleResponseThisUpdate(s, &time),

@@ -6,34 +6,6 @@ namespace {
 
 const Bytes kFiveBytes = Hex("0205 0100000000");
 
-// Each buffer in turn is one byte short, and at last none is.
-template <class Document, size_t Count>
-void ReadInto(const Bytes& in, const Bytes (&expected)[Count]) {
-    for (size_t small = 0; small <= Count; ++small) {
-        SCOPED_TRACE(small);
-        Document document;
-        Bytes buffers[Count];
-        uint8_t* to[Count];
-        uint32_t sizes[Count];
-        for (size_t i = 0; i < Count; ++i) {
-            buffers[i] = Bytes(expected[i].size(), 0xA5);
-            to[i] = buffers[i].data();
-            sizes[i] = Size(expected[i]) - (i == small);
-        }
-        EXPECT_EQ(document.Decode(in, to, sizes), small < Count ? StatusBufferTooSmall : StatusOk);
-        for (size_t i = 0; i < Count; ++i) {
-            EXPECT_EQ(buffers[i], i == small ? Bytes(expected[i].size(), 0xA5) : expected[i]) << i;
-            EXPECT_EQ(sizes[i], expected[i].size()) << i;
-        }
-        EXPECT_EQ(Fetch(EncodeX509Extensions, document.extensions.get()), Tlv(48, kReason));
-    }
-}
-
-TEST(TimeStamps, OneCallReportsEveryLengthAndHandsObjectsOver) {
-    ReadInto<Request>(kRequest, {kSha, kNull, kHash, kPolicy, kNonce});
-    ReadInto<TstInfo>(kInfo, {kPolicy, kSha, kNull, kHash, kSerial, kNonce});
-}
-
 // Failures but 49 end the call at once, and win over a 49 before them. Accuracies are read into one of sevens.
 TEST(TimeStamps, FieldsOfAnInfoAreReadInOrder) {
     const std::string month = "20191302030405Z", t = "20190102030405";

@@ -55,36 +55,18 @@ TEST_F(CertificateTest, BuiltFromNothingHasItsBytesAndReadsBack) {
     EXPECT_EQ(ToHex(Fetch(EncodeCertificate, fresh)), ToHex(CertificateOf(fields)));
     EXPECT_EQ(Fetch(EncodeCertificate, Make<FreeCertificate>(CreateCertificateCopy, c).get()), kWhole);
     uint8_t unused = 9, byte = 0, other = 0;
-    uint32_t length = 1, keyLength = 1;
+    uint32_t length = 1;
     EXPECT_STATUS(StatusOk, GetCertificateIssuerUniqueId(c, &byte, &length, &unused),
                   GetCertificateSubjectUniqueId(c, &other, &length, nullptr));
     EXPECT_EQ((Bytes{byte, unused, other}), (Bytes{0xF0, 4, 0xFF}));
-    EXPECT_STATUS(StatusBufferTooSmall,
-                  GetCertificatePublicKeyAlgorithmOidAndParameters(c, &byte, &n, &byte, &keyLength),
-                  GetCertificateSignatureAlgorithmOidAndParameters(c, nullptr, &n, &byte, &length));
-    EXPECT_EQ(std::pair(keyLength, length), std::pair(0u, 2u)) << "lengths of the parameters";
 }
 
-TEST_F(CertificateTest, FreshOneAndBadArgumentsAreAnswered) {
-    Certificate* copy = nullptr;
-    LibraryTime none = {};
+TEST_F(CertificateTest, FreshOneNeedsItsTimesAndLendsItsNames) {
     X509Name* again = nullptr;
-    EXPECT_STATUS(StatusAbsent, GetCertificateToBeSignedPart(fresh, nullptr, &n),
-                  GetCertificateSignature(fresh, nullptr, &n), SetCertificateSubjectKeyIdentifier(fresh),
-                  GetCertificateIssuerUniqueId(fresh, nullptr, &n, nullptr));
-    EXPECT_STATUS(StatusBadEncoding, GetCertificatePublicKeyGostR3410(fresh, nullptr, &n),
-                  GetCertificateValidNotAfter(fresh, &none));
-    EXPECT_STATUS(StatusBadTime, SetCertificateValidNotAfter(fresh, &none),
-                  SetCertificateValidNotBefore(fresh, nullptr));
-    EXPECT_STATUS(StatusBadValue, IsCertificateCorrespondToAuthKeyIdent(fresh, nullptr, 0, nullptr, kKey.data(), 1));
-    EXPECT_STATUS(StatusBadArgument, CreateCertificateCopy(fresh, &copy), SetCertificateVersion(c, 3),
-                  EncodeCertificate(c, nullptr, nullptr), SetCertificateSerialNumber(c, kKey.data(), 0),
-                  SetCertificateExtensions(c, nullptr));
-    EXPECT_STATUS(StatusOk, GetCertificateIssuer(fresh, &name), GetCertificateIssuer(fresh, &again),
-                  GetCertificateSerialNumber(fresh, nullptr, &n), SetCertificateValidNotBefore(fresh, &kNotBefore),
-                  SetCertificateValidNotAfter(fresh, &kNotAfter), SetCertificateSubject(fresh, name),
-                  EncodeCertificate(fresh, nullptr, &n));
-    EXPECT_EQ(name, again);
+    CHECK({SetCertificateVersion(c, 3), StatusBadArgument}, {GetCertificateIssuer(fresh, &name)},
+          {GetCertificateIssuer(fresh, &again)}, {name == again, true}, {SetCertificateSubject(fresh, name)},
+          {SetCertificateValidNotBefore(fresh, &kNotBefore)}, {EncodeCertificate(fresh, nullptr, &n), StatusAbsent},
+          {SetCertificateValidNotAfter(fresh, &kNotAfter)}, {EncodeCertificate(fresh, nullptr, &n)});
 }
 
 TEST_F(CertificateTest, SettersTakeThePartsThatTheCertificateLentAndRemove) {
@@ -155,10 +137,6 @@ TEST_F(CertificateTest, AuthorityKeyIdentifierIsReadWithItsDirectoryName) {
     EXPECT_STATUS(StatusOk, read(Tlv(0x30, keyId), 9), read(Tlv(0x30, Tlv(0xA1, uri + directory)), 9, true));
     EXPECT_STATUS(StatusBufferTooSmall, read(Tlv(0x30, keyId + Tlv(0xA1, directory)), 2, true));
     EXPECT_STATUS(StatusWorkBufferTooSmall, read(Tlv(0x30, Tlv(0x80, Bytes(1017))), 9));
-    name = reinterpret_cast<X509Name*>(c);  // stale
-    EXPECT_STATUS(StatusBadArgument,
-                  GetCertificateAuthorityKeyIdentifier2(nullptr, nullptr, nullptr, &name, nullptr, nullptr));
-    EXPECT_EQ(name, nullptr);
 }
 
 TEST_F(CertificateTest, ZelcryptTextIsStoredAsUtf8OrRemoved) {
@@ -190,24 +168,17 @@ TEST_F(CertificateTest, MatchIsDecidedByKeyIdentifierOrElseBySerialAndIssuer) {
 
 TEST_F(CertificateTest, GostKeyWantsSetsThatFitItsAlgorithm) {
     // Status; algorithm, form, sets of the key and of the digest, size of the key.
-    const uint32_t rows[][6] = {{StatusOk, 102, 1, 1, 1, 64},
-                                {StatusOk, 102, 1, 6, 2, 64},
-                                {StatusOk, 3000, 1, 7, 3, 64},
-                                {StatusOk, 3000, 1, 9, 3, 64},
-                                {StatusOk, 3001, 1, 8, 4, 128},
-                                {StatusOk, 3001, 1, 12, 4, 128},
-                                {StatusOk, 3000, 1, 9, 3, 165},
-                                {StatusBufferTooSmall, 3000, 1, 9, 3, 166},
-                                {StatusBadKeyForm, 102, 1, 7, 1, 64},
-                                {StatusBadKeyForm, 102, 1, 1, 3, 64},
-                                {StatusBadKeyForm, 3000, 1, 8, 3, 64},
-                                {StatusBadKeyForm, 3000, 1, 10, 3, 64},
-                                {StatusBadKeyForm, 3000, 1, 1, 1, 64},
-                                {StatusBadKeyForm, 3001, 1, 9, 4, 128},
-                                {StatusBadKeyForm, 3001, 1, 10, 3, 128},
-                                {StatusBadKeyForm, 3001, 0, 0, 0, 64},
-                                {StatusBadKeyForm, 3001, 255, 0, 0, 64},
-                                {StatusBadKeyForm, 3002, 1, 9, 3, 64}};
+    // clang-format off
+    const uint32_t rows[][6] = {
+        {StatusOk, 102, 1, 1, 1, 64}, {StatusOk, 102, 1, 6, 2, 64}, {StatusOk, 3000, 1, 7, 3, 64},
+        {StatusOk, 3000, 1, 9, 3, 64}, {StatusOk, 3001, 1, 8, 4, 128}, {StatusOk, 3001, 1, 12, 4, 128},
+        {StatusOk, 3000, 1, 9, 3, 165}, {StatusBufferTooSmall, 3000, 1, 9, 3, 166},
+        {StatusBadKeyForm, 102, 1, 7, 1, 64}, {StatusBadKeyForm, 102, 1, 1, 3, 64},
+        {StatusBadKeyForm, 3000, 1, 8, 3, 64}, {StatusBadKeyForm, 3000, 1, 10, 3, 64},
+        {StatusBadKeyForm, 3000, 1, 1, 1, 64}, {StatusBadKeyForm, 3001, 1, 9, 4, 128},
+        {StatusBadKeyForm, 3001, 1, 10, 3, 128}, {StatusBadKeyForm, 3001, 0, 0, 0, 64},
+        {StatusBadKeyForm, 3001, 255, 0, 0, 64}, {StatusBadKeyForm, 3002, 1, 9, 3, 64}};
+    // clang-format on
     const auto setAlgorithm = SetCertificateGostR34102001PublicKeyAlgorithmIdAndParameters;
     const auto get = GetCertificateDecodedPublicKeyGostR34102012;
     for (const auto& [status, algorithm, form, keySet, digestSet, size] : rows) {

@@ -33,13 +33,11 @@ struct CrlTest : testing::Test {
     const walk::Owned<FreeX509Name> root = NameOf("Root");
     X509Extensions handle = nullptr;
     LibraryTime time = {};
-    int32_t version = 9;
     uint32_t n = 9;
 };
 
 TEST_F(CrlTest, BuiltFromNothingHasItsBytesAndReadsBack) {
     const Bytes oid = OidOf("1.2.840.113549.1.1.11");
-    X509Name* name = nullptr;
     EXPECT_STATUS(StatusOk, SetX509CrlVersion(fresh, 1), SetX509CrlIssuer(fresh, root.get()),
                   SetX509CrlThisUpdate(fresh, &kUtc), SetX509CrlNextUpdate(fresh, &kUtc),
                   SetX509CrlNextUpdate(fresh, &kLater),
@@ -50,25 +48,15 @@ TEST_F(CrlTest, BuiltFromNothingHasItsBytesAndReadsBack) {
                   SetX509CrlSignature(fresh, kOne.data(), 1),
                   SetX509CrlSignatureAlgorithmOidAndParameters(fresh, oid.data(), kNull.data(), 2));
     EXPECT_EQ(ToHex(Fetch(EncodeX509Crl, fresh)), ToHex(kWhole));
-    EXPECT_EQ(Tlv(0x30, Fetch(GetX509CrlToBeSignedPart, c) + kAlgorithm + Hex("03020001")), kWhole);
-    EXPECT_EQ(Fetch(GetX509CrlRevokedCertificateSerialNumber, c, 1) + Fetch(GetX509CrlSignature, c), kSerial + kOne);
-    const auto differs = [&](Status status, const LibraryTime& is) { return status + (CompareTime(&time, &is) != 0); };
-    CHECK({differs(GetX509CrlThisUpdate(c, &time), kUtc)}, {differs(GetX509CrlNextUpdate(c, &time), kLater)},
-          {differs(GetX509CrlRevokedCertificateRevokationDate(c, 1, &time), kUtc)}, {GetX509CrlVersion(c, &version)},
-          {version, 1}, {GetX509CrlIssuer(c, &name)}, {CompareX509Names(name, root.get())});
 }
 
-TEST_F(CrlTest, FreshOneAndBadArgumentsAreAnswered) {
+TEST_F(CrlTest, RefusedEntriesLeaveNothingAndRemovedOnesDo) {
     const auto add = [&](X509Crl* crl, auto date) { return AddX509CrlRevokedCertificate(crl, &kOne[0], 0, date, &n); };
-    EXPECT_STATUS(StatusBadArgument, CreateX509CrlCopy(fresh, &lent), FindX509CrlFind(c, root.get(), nullptr, 0, &n),
-                  add(c, nullptr), GetX509CrlRevokedCertificateRevokationDate(c, 2, &time), SetX509CrlVersion(c, 2));
-    EXPECT_STATUS(StatusAbsent, GetX509CrlVersion(fresh, &version), GetX509CrlNextUpdate(fresh, &time),
-                  EncodeX509Crl(fresh, 0, &n), GetX509CrlRevokedCertificateRevokationDate(fresh, 0, &time),
-                  GetX509CrlSignature(fresh, nullptr, &n));
+    EXPECT_STATUS(StatusBadArgument, add(c, nullptr), GetX509CrlRevokedCertificateRevokationDate(c, 2, &time),
+                  SetX509CrlVersion(c, 2));
     EXPECT_STATUS(StatusBadTime, SetX509CrlThisUpdate(c, &kNoTime), SetX509CrlNextUpdate(c, nullptr), add(c, &kNoTime),
                   SetX509CrlNextUpdate(fresh, nullptr), add(fresh, &kNoTime));
     EXPECT_EQ(Fetch(EncodeX509Crl, Make<FreeX509Crl>(CreateX509CrlCopy, c).get()), kWhole) << "unchanged";
-    CHECK({GetX509CrlThisUpdate(fresh, &time), StatusBadEncoding}, {Find(fresh, "Root", kNull), StatusNotFound});
     EXPECT_STATUS(StatusOk, SetX509CrlVersion(fresh, 0), SetX509CrlThisUpdate(fresh, &kUtc));
     EXPECT_EQ(Fetch(GetX509CrlToBeSignedPart, fresh), Tlv(0x30, Hex("020100 30020600 3000") + kUtcTlv + Hex("3000")));
     EXPECT_STATUS(StatusOk, add(c, &kUtc), ClearX509CrlRevokedCertificates(c), RemoveX509CrlNextUpdate(fresh));

@@ -67,21 +67,6 @@ std::string Say(Status (*decode)(const uint8_t*, uint32_t, Outputs*...), const s
     return Ask(decode, data.data(), Size(data) - 1, nulls);
 }
 
-TEST(Extension, GivesWhatFitsWhenABufferIsTooSmall) {
-    const auto extension = Decoded<FreeX509Extension>(DecodeX509Extension, Hex("300E 0603551D0F 0101FF 0404 03020780"));
-    X509Extension* out = extension.get();
-    Bytes oid(4), value(4);
-    uint32_t oidLength = 4, valueLength = 3, critical = 7;
-    EXPECT_STATUS(StatusBufferTooSmall,
-                  GetX509Extension(out, oid.data(), &oidLength, &critical, value.data(), &valueLength));
-    EXPECT_EQ(oid + value, Hex("03551D0F 00000000"));
-    EXPECT_EQ((Numbers{valueLength, critical}), (Numbers{4, 1}));
-    EXPECT_STATUS(StatusBadArgument, GetX509Extension(out, nullptr, &oidLength, nullptr, value.data(), &valueLength));
-    EXPECT_EQ(value, Hex("03020780")) << "a null flag is noticed after the buffers have been filled";
-    EXPECT_STATUS(StatusBadArgument, CreateX509Extension(&out, oid.data(), 0, nullptr, 0));
-    EXPECT_EQ(out, nullptr);
-}
-
 TEST(ExtensionList, KeepsItsOrderWhateverTheFlagSays) {
     const auto list = Make<FreeX509Extensions>(CreateX509Extensions);
     X509Extensions out = list.get();
@@ -104,20 +89,15 @@ TEST(ExtensionList, RemovesByOidWithoutLookingAtTheNextMember) {
     }
 }
 
-TEST(ExtensionList, TellsAnEmptyCellFromAnEmptyList) {
+TEST(ExtensionList, StartsAgainInAnEmptyCell) {
     const auto owner = ListOf("b");
     const X509Extensions slot = owner.get();
     const Bytes a = OidOf('a');
-    uint32_t n = 7;
-    const auto get = [&] { return GetX509ExtensionsExtension(slot, 0, nullptr, &n, &n, nullptr, &n); };
-    const auto find = [&] { return GetX509ExtensionsExtensionValue(slot, a.data(), nullptr, &n); };
-    CHECK({RemoveX509Extensions(slot)}, {GetX509ExtensionsExtensionsCount(slot, &n)}, {n, 0}, {find(), StatusNotFound},
-          {get(), StatusAbsent}, {RemoveX509ExtensionsExtension(slot, 0), StatusAbsent},
-          {SetX509ExtensionsSorted(slot, 0)}, {RemoveX509ExtensionsExtension2(slot, a.data())},
-          {ClearX509Extensions(slot)}, {EncodeX509Extensions(slot, nullptr, &n), StatusBadArgument}, {Add(slot, 'b')},
+    uint32_t n = 7, critical = 7;
+    CHECK({RemoveX509Extensions(slot)}, {GetX509ExtensionsExtensionsCount(slot, &n)}, {n, 0}, {Add(slot, 'B')},
           {Add(slot, 'a')}, {Add(slot, 'a')}, {FindX509Extension(slot, a.data(), &n)}, {n, 1},
-          {RemoveX509ExtensionsExtension(slot, 3), StatusBadArgument},
-          {RemoveX509ExtensionsExtension(slot, ~0u), StatusBadArgument}, {RemoveX509ExtensionsExtension(slot, 0)});
+          {GetX509ExtensionsExtension(slot, 0, nullptr, &n, &critical, nullptr, &n)}, {critical, 1},
+          {RemoveX509ExtensionsExtension(slot, 3), StatusBadArgument}, {RemoveX509ExtensionsExtension(slot, 0)});
     EXPECT_EQ(Fetch(EncodeX509Extensions, slot), ListTlv("aa"));
     EXPECT_STATUS(StatusOk, ClearX509Extensions(slot));
     EXPECT_EQ(Fetch(EncodeX509Extensions, slot), Hex("3000"));
@@ -133,7 +113,6 @@ TEST(ExtensionValue, HasTheseBytesOnTheWire) {
     const auto file = EncodeExtensionOcspCheckFile;
     const auto tool = EncodeExtensionIssuerSignTool;
     const uint8_t *t = kText, *none = nullptr;
-    uint32_t n = 0;
     // Of a point's two names the full one wins, and what is false or not wanted is left out. Its reasons stand under
     // the tag of the first flag.
     // clang-format off
@@ -163,11 +142,6 @@ TEST(ExtensionValue, HasTheseBytesOnTheWire) {
         {Fetch(file, t, 0, t, 2, t, 0, 2, 6, none, 0, t, 1, 1, 5), "3011 0400 800274FF 8100 0A0106 040174 050105"}};
     // clang-format on
     for (const auto& [encoded, hex] : rows) EXPECT_EQ(ToHex(encoded), ToHex(Hex(hex)));
-    EXPECT_STATUS(StatusBadArgument, EncodeExtensionInvalidityDate(nullptr, nullptr, &n),
-                  tool(t, 1, t, 1, none, 0, t, 1, nullptr, &n),
-                  file(none, 0, t, 1, t, 1, 0, 0, t, 1, t, 1, 0, 0, nullptr, &n));
-    EXPECT_STATUS(StatusOutOfMemory, EncodeExtensionInvalidityDate(&kNullTime, nullptr, &n),
-                  check(1, &kNullTime, nullptr, &n));
 }
 
 TEST(ExtensionValue, IsReadAsFarAsItIsThere) {
@@ -185,35 +159,31 @@ TEST(ExtensionValue, IsReadAsFarAsItIsThere) {
     const std::string four = "3010 0C0103 0C020303 0C0105 0C0404040404";
     // clang-format off
     const std::pair<std::string, std::string> rows[] = {
-        {Say(usage, "03020106"), "0 6"}, {Say(usage, "0306000102030405"), "0 67305985"}, {Say(usage, ""), "32 1"},
-        {Say(usage, "030207FF"), "0 128"}, {Say(reason, "0A050100000000"), "49 1"}, {Say(reason, ""), "302 1"},
-        {Say(reason, "0A01FF"), "0 -1"}, {Say(date, "180F" + kTimeText), "0 2024"}, {Say(date, "1800"), "302 1"},
-        {Say(date, "180E" + kTimeText), "307 1"}, {Say(authority, ""), "32 1 1 1 1 1"},
-        {Say(authority, "3003 820105"), "0 1 0 0 5 1"}, {Say(authority, "3007 8002AABB 820105"), "49 1 2 0 5 1"},
+        {Say(usage, "03020106"), "0 6"}, {Say(usage, "0306000102030405"), "0 67305985"},
+        {Say(usage, "030207FF"), "0 128"}, {Say(reason, "0A050100000000"), "49 1"}, {Say(reason, "0A01FF"), "0 -1"},
+        {Say(date, "180F" + kTimeText), "0 2024"}, {Say(date, "1800"), "302 1"},
+        {Say(date, "180E" + kTimeText), "307 1"}, {Say(authority, "3003 820105"), "0 1 0 0 5 1"},
         {Say(point, "3000"), "0 0 0 0 1 0 1 1 0 0 1 0 1"},
         {Say(point, "3014" + kFullName + "8101FF 81020640 8401FF 8501FF"), "0 2 0 255 1 0 1 64 1 255 1 255 1"},
         {Say(point, "3007" + kRelativeName + "8101FF"), "0 0 0 0 1 0 1 1 0 0 1 0 1"},
         {Say(point, "3006 A004A1023000"), "302 0 0 1 0 1 0 1 0 1 0 1 0"},
-        {Say(point, "3004 81020640"), "307 0 0 1 0 1 0 1 0 1 0 1 0"}, {Say(point, ""), "302 0 0 1 0 1 0 1 0 1 0 1 0"},
-        {Say(code, "0A01FF"), "0 -1"}, {Say(code, "020105"), "302 1"}, {Say(code, ""), "32 1"},
-        {Say(number, "0202FF00"), "0 -256"}, {Say(number, "0A0105"), "302 1"}, {Say(number, ""), "32 1"},
-        {Say(DecodeExtensionSnils, "0C0109"), "0 9 1"}, {Say(DecodeExtensionSnils, ""), "302 1 1"},
+        {Say(point, "3004 81020640"), "307 0 0 1 0 1 0 1 0 1 0 1 0"}, {Say(code, "0A01FF"), "0 -1"},
+        {Say(code, "020105"), "302 1"}, {Say(number, "0202FF00"), "0 -256"}, {Say(number, "0A0105"), "302 1"},
+        {Say(DecodeExtensionSnils, "0C0109"), "0 9 1"},
         {Say(DecodeExtensionRequestBlockingDate, "3011 800F" + kTimeText), "0 2024 1"},
         {Say(DecodeExtensionRequestBlockingDate, "3022 800F" + kTimeText + "810F" + kTimeText), "0 2024 2024"},
         {Say(storage, "3006 0A0103 0C0109"), "0 3 9 1"}, {Say(storage, "3003 0A0103"), "0 3 1 0"},
-        {Say(storage, "3007 0A0103 0C020909"), "49 3 1 2"}, {Say(storage, "3005 0A00 0C0109"), "311 1 1 1"},
-        {Say(check, "B003 0A0102"), "0 2 1"}, {Say(check, "3003 0A0102"), "302 1 1"},
-        {Say(check, "B003 0A0102", 1), "32 1 1"}, {Say(check, "B005 0A0102 1800"), "302 2 1"},
-        {Say(check, "B013 0A00 180F" + kTimeText, 1), "0 1 2024"}, {Say(check, "B003 0A0102", 2), "32 1 1"},
-        {Say(registry, "3009 0C0103 0C0104 0A0109"), "0 3 1 4 1 1 9"}, {Say(registry, ""), "32 1 1 1 1 1 1"},
+        {Say(storage, "3005 0A00 0C0109"), "311 1 1 1"}, {Say(check, "B003 0A0102"), "0 2 1"},
+        {Say(check, "3003 0A0102"), "302 1 1"}, {Say(check, "B003 0A0102", 1), "32 1 1"},
+        {Say(check, "B005 0A0102 1800"), "302 2 1"}, {Say(check, "B013 0A00 180F" + kTimeText, 1), "0 1 2024"},
+        {Say(check, "B003 0A0102", 2), "32 1 1"}, {Say(registry, "3009 0C0103 0C0104 0A0109"), "0 3 1 4 1 1 9"},
         {Say(registry, "3005 0C0103 0C00"), "0 3 1 1 0 0 1"},
-        {Say(registry, "300A 0C020303 0C0104 0A0109"), "49 1 2 1 1 1 1"},
         {Say(file, "3008 0400 0A0106 050105", 3 << 12), "0 1 0 1 0 1 0 1 6 1 0 1 0 1 1"},
         {Say(file, "3012 040103 800104 810105 030106 040107 050108"), "0 3 1 4 1 5 1 0 1 6 1 7 1 1 8"},
         {Say(file, "300E 04020303 810105 03020606 0C0109"), "49 1 2 1 0 5 1 0 1 1 2 1 0 0 1"},
         {Say(file, "300D 040103 0A050100000000 030106"), "49 3 1 1 0 1 0 1 1 1 1 1 1 1 1"},
-        {Say(tools, four, 1 << 4), "32 1 1 1 1 1 1 1 1"}, {Say(tools, four, 0x45), "0 1 1 1 2 5 1 1 4"},
-        {Say(tools, four, 0x60), "32 3 1 1 2 1 1 1 4"}, {Say(tools, four, 0x20), "49 3 1 1 2 1 1 1 4"}};
+        {Say(tools, four, 0x45), "0 1 1 1 2 5 1 1 4"}, {Say(tools, four, 0x60), "32 3 1 1 2 1 1 1 4"},
+        {Say(tools, four, 0x20), "49 3 1 1 2 1 1 1 4"}};
     // clang-format on
     for (const auto& row : rows) EXPECT_EQ(row.first, row.second) << "row " << &row - rows;
 }
@@ -255,17 +225,6 @@ TEST(CrlDistributionPoints, OfACertificateAreReplacedUpToALimit) {
         EXPECT_EQ(SetCertificateExtensionCrlDistributionPoints(certificate.get(), url.c_str()), status) << size;
     }
     EXPECT_EQ(Fetch(EncodeX509Extensions, slot), Hex("3014 3012 0603551D1F 040B 3009 3007" + kFullName));
-}
-
-TEST(AuthorityInformationAccess, LendsTheLocationWhateverHappensToTheMethod) {
-    const auto access = Make<FreeExtensionAuthorityInformationAccess>(CreateExtensionAuthorityInformationAccess);
-    X509GeneralName *location = nullptr, *lent = nullptr;
-    uint8_t method[3];
-    uint32_t length = 3;
-    CHECK({AllocX509GeneralNameValue(&location, X509GeneralNameIPAddress, kBytes, 2)},
-          {AddExtensionAuthorityInformationAccess(access.get(), kOid, location)},
-          {GetExtensionAuthorityInformationAccess(access.get(), 0, method, &length, &lent), StatusBufferTooSmall});
-    EXPECT_EQ(lent, location);
 }
 
 TEST(CertificatePolicies, TakeThemselvesAsQualifiersAndStaySafe) {
@@ -318,14 +277,13 @@ TEST(ExtensionValue, IsOneFunctionUnderSeveralNames) {
 
 TEST(Stores, KeepTypesAndBytes) {
     const auto owner = Make<FreeExtensionStoreCertificates>(CreateExtensionStoreCertificates);
-    ExtensionStoreCertificates *list = owner.get(), *none = list;
+    ExtensionStoreCertificates* const list = owner.get();
     const auto add = AddExtensionStoreCertificates;
     const auto get = GetExtensionStoreCertificates;
     const Bytes der = Hex("3011 3007 0A0101 040274FF 3006 0A0200FF 0400");
     int32_t type = 0;
     uint32_t n = 1;
-    CHECK({add(list, 1, nullptr, 0), StatusBadArgument}, {add(list, 1, kText, 2)}, {add(list, 255, kText, 0)},
-          {DecodeExtensionStoreCertificates(der.data(), 0, &none), StatusBadEncoding});
+    EXPECT_STATUS(StatusOk, add(list, 1, kText, 2), add(list, 255, kText, 0));
     EXPECT_EQ(Fetch(EncodeExtensionStoreCertificates, list), der);
     EXPECT_EQ(Fetch(get, list, 0, &type), Bytes(kText, kText + 2));
     CHECK({type, 1}, {get(list, 2, &type, nullptr, &n), StatusBadArgument}, {get(list, 1, &type, nullptr, &n)},
