@@ -45,7 +45,9 @@ inline Bytes NameTlv(const std::string& text) {
     return Tlv(0x30, Tlv(0x31, Tlv(0x30, OidTlv("2.5.4.3") + Tlv(0x0C, Text(text)))));
 }
 inline Bytes ExtensionTlv(const char* oid, const Bytes& value) { return Tlv(0x30, OidTlv(oid) + Tlv(4, value)); }
-inline Bytes AttributeTlv(const char* oid, const Bytes& values) { return Tlv(0x30, OidTlv(oid) + Tlv(0x31, values)); }
+inline Bytes AttributeTlv(const std::string& oid, const Bytes& values) {
+    return Tlv(0x30, OidTlv(oid) + Tlv(0x31, values));
+}
 
 // One call or value, and what it has to be: StatusOk if nothing is said.
 struct Row {
@@ -74,6 +76,9 @@ walk::Owned<Free> Make(Function function, Arguments... arguments) {
 template <auto Free, class Function>
 walk::Owned<Free> Decoded(Function decode, const Bytes& in) {
     return Make<Free>(decode, in.data(), Size(in));
+}
+inline Status AddExtension(X509Extensions list, const char* oid, const Bytes& value) {
+    return AddX509ExtensionsExtension(list, OidOf(oid).data(), 0, value.data(), Size(value));
 }
 inline auto NameOf(const std::string& text) { return Decoded<FreeX509Name>(DecodeX509Name, NameTlv(text)); }
 

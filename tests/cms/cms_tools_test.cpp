@@ -15,11 +15,10 @@ const Bytes kNull = Hex("0500"), kAlgorithm = Tlv(48, OidTlv("1.2.3") + kNull), 
 const LibraryTime kTime = {2024, 2, 29, 1, 2, 3}, kUnset = {}, *const kNone = nullptr;
 const std::string kPkcs7 = "1.2.840.113549.1.7.", kPkcs9 = "1.2.840.113549.1.9.";
 
-Bytes Attribute(const std::string& oid, const Bytes& values) { return Tlv(48, OidTlv(oid) + Tlv(49, values)); }
-const Bytes kStated = Attribute(kPkcs9 + "5", Tlv(23, Text("240229010203Z"))), kOther = Attribute("1.2.3", kNull);
-const Bytes kDigested = Attribute(kPkcs9 + "4", Tlv(4, kAbc)), kTyped = Attribute(kPkcs9 + "3", OidTlv(kPkcs7 + "1"));
+const Bytes kStated = AttributeTlv(kPkcs9 + "5", Tlv(23, Text("240229010203Z"))), kOther = AttributeTlv("1.2.3", kNull);
+const Bytes kDigested = AttributeTlv(kPkcs9 + "4", Tlv(4, kAbc)),
+            kTyped = AttributeTlv(kPkcs9 + "3", OidTlv(kPkcs7 + "1"));
 
-Bytes NameTlv(const char* cn) { return Tlv(48, Tlv(49, Tlv(48, OidTlv("2.5.4.3") + Tlv(12, Text(cn))))); }
 Bytes BySerial(const Bytes& serial) { return Tlv(48, NameTlv("Bob") + Tlv(2, serial)); }
 Bytes ByOnes(uint32_t size) { return Tlv(48, Tlv(48, {}) + Tlv(2, Bytes(size, '1'))); }
 Bytes ByKey(uint32_t size) { return Tlv(0x80, Bytes(size, 7)); }
@@ -56,9 +55,8 @@ TEST(SigningSteps, SignerAndBytesToSignHaveTheSameAttributes) {
 TEST(SigningSteps, SignersAreComparedWithCertificates) {
     const auto signer = Make<FreeCmsSignerInfo>(CreateCmsSignerInfo);
     const auto owner = Make<FreeCertificate>(CreateCertificate);
-    const auto bob = Decoded<FreeX509Name>(DecodeX509Name, NameTlv("Bob"));
-    const auto eve = Decoded<FreeX509Name>(DecodeX509Name, NameTlv("Eve"));
-    const Bytes ones(65, 1), keyId = Tlv(4, Bytes(32, 1)), oid = OidOf("2.5.29.14");
+    const auto bob = NameOf("Bob"), eve = NameOf("Eve");
+    const Bytes ones(65, 1);
     X509Extensions handle = nullptr;
     const auto compare = [&](Status set) {
         return set != 0 ? 1 : CompareSignerInfoAndCertificate(signer.get(), owner.get());
@@ -73,7 +71,7 @@ TEST(SigningSteps, SignersAreComparedWithCertificates) {
           {key(33), StatusWorkBufferTooSmall});
     CHECK({SetCertificateSerialNumber(owner.get(), &ones[0], 64)}, {serial(bob, 64), StatusAbsent});
     CHECK({SetCertificateIssuer(owner.get(), bob.get())}, {GetCertificateExtensions(owner.get(), &handle)});
-    CHECK({AddX509ExtensionsExtension(handle, &oid[0], 0, &keyId[0], Size(keyId))}, {serial(bob, 64)});
+    CHECK({AddExtension(handle, "2.5.29.14", Tlv(4, Bytes(32, 1)))}, {serial(bob, 64)});
     CHECK({serial(eve, 64), StatusNotEqual}, {serial(bob, 63), StatusNotEqual},
           {serial(bob, 65), StatusWorkBufferTooSmall});
     CHECK({key(32)}, {key(31), StatusNotEqual}, {key(0), StatusNotEqual});
@@ -139,12 +137,13 @@ TEST(Files, AreReadFirstAndWrittenLast) {
 
 Bytes With(const Bytes& attributes) { return Of(Signer(BySerial(kOne), Tlv(0xA0, attributes))); }
 Bytes WithOid(uint32_t size) { return With(Tlv(48, Tlv(6, Bytes(size, 1)) + Tlv(49, kNull)) + kStated); }
-Bytes WithValue(uint32_t size) { return With(Attribute("1.2.3", Tlv(4, Bytes(size - 4))) + kStated); }
+Bytes WithValue(uint32_t size) { return With(AttributeTlv("1.2.3", Tlv(4, Bytes(size - 4))) + kStated); }
 Bytes WithSid(const Bytes& sid) { return Of(Signer(sid)); }
 
 TEST(SigningTime, FollowsTheText) {
-    const Bytes twice = Attribute("1.2.3", kNull + kNull), text = Text("1, Bob"), unread(1, '?');
-    const Bytes bad = Attribute(kPkcs9 + "5", Tlv(23, kOne)), notFound = Hex("CFEEE4EFE8F1E0EDF220EDE520EDE0E9E4E5ED");
+    const Bytes twice = AttributeTlv("1.2.3", kNull + kNull), text = Text("1, Bob"), unread(1, '?');
+    const Bytes bad = AttributeTlv(kPkcs9 + "5", Tlv(23, kOne)),
+                notFound = Hex("CFEEE4EFE8F1E0EDF220EDE520EDE0E9E4E5ED");
     // clang-format off
     const std::tuple<uint32_t, Bytes, Status, Bytes> rows[] = {
         {0, kBoth, StatusBadArgument, unread}, {1, Of(kFirst, {}, "1"), StatusWrongContentType, unread},
@@ -152,8 +151,8 @@ TEST(SigningTime, FollowsTheText) {
         {3, kBoth, StatusNotFound, unread}, {2, kBoth, StatusOk, text}, {1, kBoth, StatusNotFound, Text("11, Bob")},
         {1, With(kOther), StatusNotFound, text}, {1, With(kOther + kStated + bad), StatusOk, text},
         {1, With(bad + kStated), StatusBadValue, text},
-        {1, With(Attribute(kPkcs9 + "5", kNull + kNull)), StatusBadSignerData, text},
-        {1, With(Attribute("1.2", {}) + kStated), StatusBadSignerData, text},
+        {1, With(AttributeTlv(kPkcs9 + "5", kNull + kNull)), StatusBadSignerData, text},
+        {1, With(AttributeTlv("1.2", {}) + kStated), StatusBadSignerData, text},
         {1, With(twice + kStated), StatusBadSignerData, text}, {1, With(kStated + twice), StatusOk, text},
         {1, WithValue(8192), StatusOk, text}, {1, WithValue(8193), StatusBadSignerData, text},
         {1, WithOid(99), StatusOk, text}, {1, WithOid(100), StatusBadSignerData, text},

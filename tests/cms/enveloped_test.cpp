@@ -8,7 +8,7 @@ namespace {
 
 const Bytes kNull = Hex("0500"), kNone, kKey = Hex("0A0B0C"), kSerial = Hex("0081"), kOid = OidOf("1.2.643.2.2.21");
 const Bytes kOidTlv = Bytes{6} + kOid, kAlgorithm = Tlv(0x30, kOidTlv + kNull), kCert = Hex("3003020107");
-const Bytes kName = Tlv(0x30, Tlv(0x31, Tlv(0x30, OidTlv("2.5.4.3") + Tlv(12, Text("CA")))));
+const Bytes kName = NameTlv("CA");
 Bytes RecipientTlv(const Bytes& rid) { return Tlv(0x30, Hex("020102") + rid + kAlgorithm + Tlv(4, kKey)); }
 const Bytes kByIssuer = RecipientTlv(Tlv(0x30, kName + Tlv(2, kSerial))), kByKeyId = RecipientTlv(Tlv(0x80, kKey));
 
@@ -21,7 +21,7 @@ auto DocumentOf(const Bytes& bytes) { return Decoded<FreeCmsEnvelopedData>(Decod
 struct EnvelopedTest : testing::Test {
     const walk::Owned<FreeCmsEnvelopedData> made = Make<FreeCmsEnvelopedData>(CreateCmsEnvelopedData);
     const walk::Owned<FreeCmsEnvelopedData> decoded = DocumentOf(With(kNone, kByKeyId));
-    const walk::Owned<FreeX509Name> name = Decoded<FreeX509Name>(DecodeX509Name, kName);
+    const walk::Owned<FreeX509Name> name = NameOf("CA");
     walk::Owned<FreeKeyTrans> recipient = Make<FreeKeyTrans>(CreateKeyTrans);
     KeyTrans* const key = recipient.get();
     CmsEnvelopedData *const fresh = made.get(), *const d = decoded.get(), *none = nullptr;

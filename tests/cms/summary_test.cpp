@@ -71,16 +71,14 @@ TEST(Summary, CrlsGiveVersionLocalTimesAndIssuer) {
 }
 
 TEST(Summary, PrivateIdentifierHasTwoLimitsAndTheVersionNoSizeQuery) {
-    const Bytes oid = OidOf("1.2.643.3.123.3.1"), latin = Text("abc"), russian = Hex("D0AF6162");
+    const Bytes latin = Text("abc"), russian = Hex("D0AF6162");
     Bytes text(52, 0xA5);
     uint32_t n = 0;
     const auto get = [&](const Bytes& utf8, uint32_t offered, uint8_t* to) {
         const auto owner = Make<FreeCertificate>(CreateCertificate);
-        const Bytes value = Tlv(12, utf8);
         X509Extensions handle = nullptr;
-        CHECK({GetZelcryptIdentifierFromCertificate(owner.get(), to, &n), StatusNotFound});
         CHECK({GetCertificateExtensions(owner.get(), &handle)});
-        CHECK({AddX509ExtensionsExtension(handle, &oid[0], 0, &value[0], Size(value))});
+        CHECK({AddExtension(handle, "1.2.643.3.123.3.1", Tlv(12, utf8))});
         return GetZelcryptIdentifierFromCertificate(owner.get(), to, &(n = offered));
     };
     CHECK({get(latin, 0, nullptr)}, {n, 3}, {get(latin, 2, &text[0]), StatusBufferTooSmall}, {n, 3}, {text[0], 0xA5});

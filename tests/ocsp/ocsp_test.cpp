@@ -30,9 +30,7 @@ const LibraryTime kTime = {2024, 2, 29, 12, 34, 56}, kNoTime = {};
 auto BasicOf(const Bytes& bytes) { return Decoded<FreeOcspBasicResponse>(DecodeOcspBasicResponse, bytes); }
 auto SingleOf(const Bytes& bytes) { return Decoded<FreeOcspSingleResponse>(DecodeOcspSingleResponse, bytes); }
 Certificate* NewCertificate() { return Make<FreeCertificate>(CreateCertificate).release(); }
-Status AddNonce(X509Extensions handle) {
-    return AddX509ExtensionsExtension(handle, OidOf("1.3.6.1.5.5.7.48.1.2").data(), 0, &kNull[0], 2);
-}
+Status AddNonce(X509Extensions handle) { return AddExtension(handle, "1.3.6.1.5.5.7.48.1.2", kNull); }
 Status AddEntry(OcspRequest* request, X509Extensions extensions, const Bytes& serial = kSerial) {
     return AddOcspRequestCertRequest(request, &kSha1[0], &kNull[0], 2, &kNames[0], 4, &kKeys[0], 3, &serial[0],
                                      Size(serial), extensions);
@@ -89,11 +87,13 @@ TEST_F(OcspTest, RequestBuiltFromNothingHasItsBytesAndComesApartAgain) {
                   SetOcspRequestSignatureAlgorithmOidAndParameters(fresh, &kRsa[0], &kNull[0], 2),
                   SetOcspRequestSignature(fresh, &kSignature[0], 2));
     EXPECT_EQ(ToHex(Fetch(EncodeOcspRequest, fresh)), ToHex(kRequest));
-    CHECK({SetOcspRequestVersion(r, 0)}, {SetOcspRequestRequestorName(r, 9, &byte, 1), StatusBadAlternative},
-          {GetOcspRequestRequestorName(r, &name)}, {name != nullptr, false},
-          {GetOcspRequestRequestorNameValue(r, &n, nullptr, &n), StatusBadArgument}, {ClearOcspRequestCertRequests(r)},
-          {GetOcspRequestExtensions(r, &handle)}, {RemoveX509Extensions(handle)}, {RemoveOcspRequestSignature(r)},
-          {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestRequestorName(r)});
+    EXPECT_STATUS(StatusBadArgument, SetOcspRequestRequestorName(r, 2, nullptr, 3));
+    EXPECT_EQ(Fetch(EncodeOcspRequest, r), kRequest) << "as it was decoded";
+    CHECK({GetOcspRequestVersion(r, &number)}, {number, 1}, {SetOcspRequestVersion(r, 0)},
+          {SetOcspRequestRequestorName(r, 9, &byte, 1), StatusBadAlternative}, {GetOcspRequestRequestorName(r, &name)},
+          {name != nullptr, false}, {GetOcspRequestRequestorNameValue(r, &n, nullptr, &n), StatusBadArgument},
+          {ClearOcspRequestCertRequests(r)}, {GetOcspRequestExtensions(r, &handle)}, {RemoveX509Extensions(handle)},
+          {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestSignature(r)}, {RemoveOcspRequestRequestorName(r)});
     EXPECT_EQ(Fetch(EncodeOcspRequest, r), Hex("300430023000"));
 }
 
@@ -214,7 +214,7 @@ TEST_F(OcspTest, ListsAreCopiedUnlessAnAnswerHasNoValue) {
     };
     OcspBasicResponses* copy = nullptr;
     OcspRevokedInfo* info = nullptr;
-    CHECK({add(kRevoked)}, {add(kNone)}, {AddResponseToOcspBasicResponses(list.get(), nullptr), StatusBadArgument});
+    CHECK({add(kRevoked)}, {add(kNone)});
     const auto same = Make<FreeOcspBasicResponses>(CreateOcspBasicResponsesCopy, list.get());
     EXPECT_EQ(Fetch(EncodeOcspBasicResponses, same.get()), Fetch(EncodeOcspBasicResponses, list.get()));
     CHECK({add(kGood)}, {CreateOcspBasicResponsesCopy(list.get(), &copy), StatusUnsupportedKind},
@@ -222,7 +222,6 @@ TEST_F(OcspTest, ListsAreCopiedUnlessAnAnswerHasNoValue) {
           {GetOcspBasicResponsesResponse(same.get(), 2, &lentBasic), StatusBadArgument},
           {GetOcspBasicResponsesResponse(same.get(), 0, &lentBasic)},
           {GetOcspBasicResponseSingleResponse(lentBasic, 0, &lent)}, {AllocCertStatusRevokedInfo(&kTime, 5, &info)},
-          {SetOcspSingleResponseCertStatus(lent, 1, nullptr), StatusBadArgument},
           {SetOcspSingleResponseCertStatus(lent, 1, info)},
           {GetOcspSingleResponseCertStatusRevokedInfo(lent, &time, &reason)},
           {reason, 5},  // A record with an index that has no form is never freed, so one of the test's own does.

@@ -104,8 +104,6 @@ TEST(GostParameters, OtherFormsIgnoreTheSets) {
     uint32_t n = 0;
     EXPECT_STATUS(StatusBadArgument,
                   EncodeAlgorithmGostR3410ParametersOid(103, 0, nullptr, nullptr, nullptr, nullptr, &n));
-    EXPECT_STATUS(StatusBadArgument,
-                  EncodeAlgorithmGostR34102012ParametersOid(1, nullptr, nullptr, nullptr, nullptr, &n));
 }
 
 TEST(Algorithm, UnknownNumberLeavesNoOidAndTheOldParameters) {

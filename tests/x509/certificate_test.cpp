@@ -27,7 +27,7 @@ X509Extensions HandleOf(const Certificate* certificate) {
     return handle;
 }
 Status Add(const Certificate* certificate, const char* oid, const Bytes& value) {
-    return AddX509ExtensionsExtension(HandleOf(certificate), OidOf(oid).data(), 0, value.data(), Size(value));
+    return AddExtension(HandleOf(certificate), oid, value);
 }
 Bytes Extensions(const Certificate* certificate) { return Fetch(EncodeX509Extensions, HandleOf(certificate)); }
 
