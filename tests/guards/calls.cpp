@@ -75,34 +75,24 @@ std::optional<Bytes> Find(const std::string& name) {
     return Read(table, in);
 }
 
-// Draws the arguments of a call one after the other.
-class Drawing {
-public:
-    explicit Drawing(Call& call) : call_(call) {}
-    Word Draw(State state);
+template <class T>
+Word Keep(T value) {
+    return reinterpret_cast<Word>(new T(value));
+}
+Word KeepBytes(const Bytes& bytes) { return reinterpret_cast<Word>((new Bytes(bytes))->data()); }
 
-private:
-    template <class T>
-    static Word Keep(T value) {
-        return reinterpret_cast<Word>(new T(value));
+// What the tables have for a parameter of bytes: its row, or that of what is decoded from them.
+std::optional<Bytes> Written(const Call& call, const Parameter& parameter, State state) {
+    std::vector<std::string> rows = {call.name + "." + parameter.name, "." + parameter.name};
+    if (call.name.starts_with("Decode") && call.words.empty()) {
+        if (state == kMany) rows.push_back("many " + call.name.substr(6));
+        rows.push_back(call.name.substr(6));
     }
-    static Word KeepBytes(const Bytes& bytes) { return reinterpret_cast<Word>((new Bytes(bytes))->data()); }
-    std::optional<Bytes> Written(const std::string& parameter) const {
-        const auto own = Find(call_.name + "." + parameter);
-        return own ? own : Find("." + parameter);
-    }
-    Bytes Octets(const std::string& parameter, size_t at, State state) const {
-        if (const auto written = Written(parameter)) return *written;
-        for (const char* row : {state == kMany ? "many " : "", ""})
-            if (const auto value =
-                    call_.name.starts_with("Decode") && at == 0 ? Find(row + call_.name.substr(6)) : std::nullopt)
-                return *value;
-        const auto& all = call_.parameters;
-        return at + 1 < all.size() && all[at + 1].IsSize() ? Bytes{2, 1, 5} : Bytes{2, 0x2A, 3};
-    }
-    Call& call_;
-    uint32_t lastSize_ = 0;
-};
+    std::optional<Bytes> found;
+    for (const std::string& row : rows)
+        if (!found) found = Find(row);
+    return found;
+}
 
 // A record of the engine with a number in it, or nothing for other types.
 void* EngineRecord(const std::string& type) {
@@ -134,31 +124,6 @@ Word Object(const std::string& type, State state) {
                 object = *reinterpret_cast<Word*>(call.words[i]);
     }
     return object;
-}
-
-Word Drawing::Draw(State state) {
-    const size_t at = call_.words.size();
-    const Parameter& parameter = call_.parameters[at];
-    if (parameter.type == "const uint8_t*") {
-        const Bytes octets = Octets(parameter.name, at, state);
-        lastSize_ = Size(octets);
-        return KeepBytes(octets);
-    }
-    if (parameter.type == "const char*") {
-        const Bytes text = Written(parameter.name).value_or(support::Text("1.2.3"));
-        lastSize_ = Size(text);
-        return KeepBytes(text + Bytes{0});
-    }
-    if (parameter.IsBuffer()) return KeepBytes(Bytes(kRoom, 0xA5));
-    if (parameter.IsNumber()) return Keep(at > 0 && call_.parameters[at - 1].IsBuffer() ? kRoom : 0xA5A5A5A5u);
-    if (parameter.IsSlot()) return Keep(calloc(1, kBlankSize));
-    if (parameter.IsPointer()) return Object(parameter.Object(), state == kBlank && at > 0 ? kFull : state);
-    if (const auto number = Written(parameter.name)) {
-        Word value = 0;
-        for (const uint8_t byte : *number) value = value << 8 | byte;
-        return value;
-    }
-    return parameter.IsSize() ? lastSize_ : 0;
 }
 
 }  // namespace
@@ -199,7 +164,32 @@ void CompareWithTable(const std::string& file, std::string (*rowOf)(const std::s
 Call::Call(const std::string& function, State state, Word first)
     : name(function), parameters(kPrototypes.at(function).parameters) {
     if (first != 0) words.push_back(first);
-    for (Drawing drawing(*this); words.size() < parameters.size();) words.push_back(drawing.Draw(state));
+    while (words.size() < parameters.size()) words.push_back(Draw(state));
+}
+
+Word Call::Draw(State state) {
+    const size_t at = words.size();
+    const Parameter& parameter = parameters[at];
+    const auto written = Written(*this, parameter, state);
+    if (parameter.type == "const uint8_t*") {
+        const bool hasSize = at + 1 < parameters.size() && parameters[at + 1].IsSize();
+        const Bytes octets = written.value_or(hasSize ? Bytes{2, 1, 5} : Bytes{2, 0x2A, 3});
+        lastSize_ = Size(octets);
+        return KeepBytes(octets);
+    }
+    if (parameter.type == "const char*") {
+        const Bytes text = written.value_or(support::Text("1.2.3"));
+        lastSize_ = Size(text);
+        return KeepBytes(text + Bytes{0});
+    }
+    if (parameter.IsBuffer()) return KeepBytes(Bytes(kRoom, 0xA5));
+    if (parameter.IsNumber()) return Keep(at > 0 && parameters[at - 1].IsBuffer() ? kRoom : 0xA5A5A5A5u);
+    if (parameter.IsSlot()) return Keep(calloc(1, kBlankSize));
+    if (parameter.IsPointer()) return Object(parameter.Object(), state == kBlank && at > 0 ? kFull : state);
+    if (!written) return parameter.IsSize() ? lastSize_ : 0;
+    Word value = 0;
+    for (const uint8_t byte : *written) value = value << 8 | byte;
+    return value;
 }
 
 void Call::FreeObjects() const {

@@ -56,6 +56,10 @@ struct Call {
     std::string name;
     const std::vector<Parameter>& parameters;
     std::vector<Word> words = {};
+
+private:
+    Word Draw(State state);  // the next argument
+    uint32_t lastSize_ = 0;  // of bytes that were drawn
 };
 
 // A status by its name, another result as a number.
