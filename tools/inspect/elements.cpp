@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "oid_names.h"
+#include "tlvforge/cpp/names.hpp"
 
 namespace inspect {
 namespace {
@@ -204,7 +205,8 @@ std::string NameOfOid(View oid) {
     for (const WellKnownOid& row : kWellKnownOids) {
         if (dotted == row.oid) return row.name;
     }
-    return dotted;
+    const std::string_view shortName = tlvforge::ShortName(dotted);
+    return shortName.empty() ? dotted : std::string(shortName);
 }
 
 std::string DescribeOid(View oid) {

@@ -28,8 +28,11 @@ struct NameEntry {
 
 }  // namespace types
 
-/** ShortName returns the usual short name of an attribute type, such as CN or O; empty for others. */
-inline std::string_view ShortName(const Oid& oid) {
+/**
+ * ShortName returns the usual short name of an attribute type, such as CN or O; empty for others.
+ * dotted: decimal text.
+ */
+inline std::string_view ShortName(std::string_view dotted) {
     static constexpr struct {
         std::string_view oid, name;
     } kNames[] = {
@@ -68,12 +71,12 @@ inline std::string_view ShortName(const Oid& oid) {
         {"1.2.643.100.4", "INNLE"},
         {"1.2.643.100.5", "OGRNIP"},
     };
-    const std::string dotted = oid.text();
     for (const auto& row : kNames) {
         if (row.oid == dotted) return row.name;
     }
     return {};
 }
+inline std::string_view ShortName(const Oid& oid) { return ShortName(oid.text()); }
 
 namespace detail {
 
