@@ -245,7 +245,7 @@ TEST(Face, TimesFromAndToChrono) {
     EXPECT_TRUE(precise.year == 1969 && precise.second == 59 && precise.millisecond == 999 &&
                 precise.microsecond == 999);
     EXPECT_EQ(ToChrono(precise), PreciseTimePoint(std::chrono::microseconds(-1)));
-    const auto null = [](LibraryTime* time) { return *time = {}, StatusOk; };
+    const auto null = [](LibraryTime* time) noexcept { return *time = {}, StatusOk; };
     EXPECT_LT(Get<std::chrono::system_clock::time_point>(null), TimePoint(seconds(-25567 * int64_t{86400})));
     EXPECT_EQ(ToText(LibraryTime{2026, 3, 1, 9, 8, 7}), "2026-03-01T09:08:07Z");
 }

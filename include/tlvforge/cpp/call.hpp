@@ -24,14 +24,14 @@ struct Signature {
         !std::is_same_v<Function, Function>,
         "not a function that returns a Status; one with templates or several overloads can't be given either");
 };
-template <class... P>
-struct Signature<Status (*)(P...), void> {
+template <bool Noexcept, class... P>
+struct Signature<Status (*)(P...) noexcept(Noexcept), void> {
     using Parameters = std::tuple<P...>;
 };
-template <class Class, class... P>
-struct Signature<Status (Class::*)(P...), void> : Signature<Status (*)(P...)> {};
-template <class Class, class... P>
-struct Signature<Status (Class::*)(P...) const, void> : Signature<Status (*)(P...)> {};
+template <class Class, bool Noexcept, class... P>
+struct Signature<Status (Class::*)(P...) noexcept(Noexcept), void> : Signature<Status (*)(P...)> {};
+template <class Class, bool Noexcept, class... P>
+struct Signature<Status (Class::*)(P...) const noexcept(Noexcept), void> : Signature<Status (*)(P...)> {};
 template <class Functor>
 struct Signature<Functor, std::void_t<decltype(&Functor::operator())>> : Signature<decltype(&Functor::operator())> {};
 
