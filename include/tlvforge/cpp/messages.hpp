@@ -86,7 +86,7 @@ namespace nothrow {
 
 /**
  * ToBeSigned returns the bytes that the signature of a document is made of: those of the signed attributes, and without
- * them the content.
+ * them the content. In a detached signature that is none of the members: nothing is returned, sign the content itself.
  */
 inline Result<Bytes> ToBeSigned(const FileSignature& signature) {
     if (!signature.useSignedAttributes) return Bytes(signature.content);
