@@ -72,28 +72,19 @@ std::vector<std::string> Arguments(const std::string& text) {
     return arguments;
 }
 
-void Report(const char* file, int line, const std::string& what, const std::string& is, const std::string& wanted) {
-    ADD_FAILURE_AT(file, line) << what << "\n  is " << is << " instead of " << wanted;
-}
-
 }  // namespace
 
-void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows) {
+void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows,
+               std::optional<Status> ofAll) {
     for (const Row& row : rows) {
-        if (row.actual == row.expected) continue;
+        const uint32_t expected = ofAll.value_or(row.expected);
+        if (row.actual == expected) continue;
         const std::string written = Arguments(text)[size_t(&row - rows.begin())];
-        const auto parts = Arguments(written.substr(1, written.size() - 2));
+        const auto parts = ofAll ? std::vector{written} : Arguments(written.substr(1, written.size() - 2));
         const bool isStatus = parts.size() == 1 || parts.back().starts_with("Status");
         const auto name = [&](uint32_t value) { return isStatus ? StatusName(value) : std::to_string(value); };
-        Report(file, line, parts[0], name(row.actual), name(row.expected));
+        ADD_FAILURE_AT(file, line) << parts[0] << "\n  is " << name(row.actual) << " instead of " << name(expected);
     }
-}
-
-void CheckStatuses(const char* file, int line, Status expected, const char* text, std::initializer_list<Row> calls) {
-    for (const Row& call : calls)
-        if (call.actual != expected)
-            Report(file, line, Arguments(text)[size_t(&call - calls.begin())], StatusName(call.actual),
-                   StatusName(expected));
 }
 
 Bytes Hex(std::string_view text) {

@@ -55,13 +55,13 @@ struct Row {
     Row(std::integral auto status) : Row(status, StatusOk) {}
     uint32_t actual, expected;
 };
-void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows);
-void CheckStatuses(const char* file, int line, Status expected, const char* text, std::initializer_list<Row> calls);
+void CheckRows(const char* file, int line, const char* text, std::initializer_list<Row> rows,
+               std::optional<Status> ofAll = {});
 
 // CHECK({call}, {value, 7}, {call, StatusAbsent}): calls and values, looked at one after the other.
 #define CHECK(...) support::CheckRows(__FILE__, __LINE__, #__VA_ARGS__, {__VA_ARGS__})
 // EXPECT_STATUS(StatusAbsent, call, call): calls, one after the other, that all give the same.
-#define EXPECT_STATUS(status, ...) support::CheckStatuses(__FILE__, __LINE__, status, #__VA_ARGS__, {__VA_ARGS__})
+#define EXPECT_STATUS(status, ...) support::CheckRows(__FILE__, __LINE__, #__VA_ARGS__, {__VA_ARGS__}, status)
 
 template <class T, auto Free>
 using Owned = walk::Owned<Free>;
@@ -111,6 +111,18 @@ struct Hole {
     ~Hole() { *at = taken; }
     void **const at, *const taken;
 };
+
+// Result of an encoder that knows no capacity, in hex: it is measured, then written with a length of 0 on entry.
+template <class Function, class... Arguments>
+std::string InFull(Function encode, Arguments... arguments) {
+    uint32_t length = 0;
+    EXPECT_EQ(encode(arguments..., nullptr, &length), StatusOk);
+    Bytes out(length);
+    length = 0;
+    EXPECT_EQ(encode(arguments..., out.data(), &length) + encode(arguments..., out.data(), nullptr), StatusBadArgument);
+    EXPECT_EQ(length, Size(out));
+    return ToHex(out);
+}
 
 // What the systems name differently. A null zone stands for none; the name of a device that takes everything; an
 // exported function by its name, null without one.

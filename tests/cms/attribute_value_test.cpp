@@ -1,4 +1,4 @@
-#include "in_full.h"
+#include "support.h"
 
 using namespace support;
 

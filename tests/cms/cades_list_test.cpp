@@ -1,4 +1,4 @@
-#include "in_full.h"
+#include "support.h"
 
 using namespace support;
 using walk::kOut;
@@ -61,6 +61,12 @@ TEST_F(CadesListTest, CertificatesGoInAndComeOut) {
     EXPECT_EQ(add(none, false, false), Numbers(3, 0));
     EXPECT_EQ(add(oid, true, false), Numbers(3, 32));
     EXPECT_EQ(add(none, false, true), Numbers(3, 32));
+    EXPECT_EQ(Read(GetESSCertIDInformation, one.get(), 0, kOut, nullptr, kOut), "AABB|0080|");
+    EXPECT_EQ(Read(GetOtherCertIDInformation, other.get(), 0, kOut, kOut, kOut, nullptr, kOut),
+              kAlgorithm + "AABB|0080|");
+    EXPECT_EQ(Read(GetESSCertIDV2Information, two.get(), 0, kOut, kOut, kOut, &issuer, kOut),
+              kAlgorithm + "AABB|0080|");
+    EXPECT_EQ(Fetch(EncodeX509GeneralNames, issuer), kNames);
     void** const parts = static_cast<void**>(reinterpret_cast<Asn1List*>(two.get())->items[0]);
     for (const int part : {0, 1}) {  // the algorithm and the hash
         const Hole taken(parts + part);

@@ -1,5 +1,3 @@
-#include "tlvforge/cms_tools.h"
-
 #include <unistd.h>
 
 #include <filesystem>

@@ -1,5 +1,3 @@
-#include "tlvforge/enveloped.h"
-
 #include "support.h"
 
 using namespace support;

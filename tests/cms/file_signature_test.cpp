@@ -1,6 +1,4 @@
 #include "support.h"
-#include "tlvforge/cms.h"
-#include "tlvforge/cms_tools.h"
 
 using namespace support;
 

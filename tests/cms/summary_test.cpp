@@ -1,7 +1,4 @@
-#include <cstdlib>
-
 #include "support.h"
-#include "tlvforge/cms_tools.h"
 
 using namespace support;
 

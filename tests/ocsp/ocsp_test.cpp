@@ -1,7 +1,3 @@
-#include "tlvforge/ocsp.h"
-
-#include <tuple>
-
 #include "support.h"
 
 using namespace support;

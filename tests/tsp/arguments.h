@@ -2,7 +2,6 @@
 #pragma once
 
 #include "support.h"
-#include "tlvforge/timestamp.h"
 
 namespace timestamps {
 
