@@ -93,9 +93,7 @@ TEST_F(EnvelopedTest, RecipientsHaveTheirKindsAndAreAdopted) {
 
 TEST_F(EnvelopedTest, RecipientIsNamedInOneOfTwoForms) {
     CHECK({SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, name.get(), kSerial.data(), 2)},
-          {Identify(2), StatusBufferTooSmall}, {n, 2}, {out[1], 0}, {m, 0}, {issuer != nullptr, true}, {Identify(3)},
-          {out[1], 0x81},
-          {GetKeyTransRecipientIdentifier(key, &issuer, nullptr, &n, nullptr, nullptr), StatusBadArgument},
+          {Identify(2), StatusBufferTooSmall}, {Identify(3)}, {out[1], 0x81},
           {SetKeyTransRecipientIdentifierIssuerAndSerialNumber(key, issuer, kSerial.data(), 2)}, {Identify(8)},
           {CompareX509Names(issuer, name.get())});
     {

@@ -20,10 +20,14 @@ inline Bytes InfoOf(const std::string& time, const Bytes& middle) {
 inline const Bytes kRequest = RequestOf(Bytes{6} + kPolicy + Tlv(2, kNonce) + kTrue + Tlv(0xA0, kReason));
 inline const Bytes kInfo = InfoOf("20190102030405.12Z", Hex("300A 020101 800201F4 810107") + kTrue);
 
-// Stands in an out-pointer before the call: nothing may be left of it afterwards but by a status of 32.
-template <class T>
-T* Garbage() {
-    return reinterpret_cast<T*>(uintptr_t{0xBAD});
+// Owns what a decoder stores in its out-pointer. What stood there before is garbage: nothing may be left of it but by a
+// status of 32.
+template <class Owner>
+Status Hand(Owner& owner, auto decode) {
+    auto object = reinterpret_cast<typename Owner::pointer>(uintptr_t{0xBAD});
+    const Status status = decode(&object);
+    owner.reset(status == StatusBadArgument ? nullptr : object);
+    return status;
 }
 inline const uint8_t* OrNull(const Bytes& bytes) { return bytes.empty() ? nullptr : bytes.data(); }
 
@@ -34,11 +38,10 @@ struct Request {
     walk::Owned<FreeX509Extensions> extensions;
 
     Status Decode(const Bytes& in, uint8_t** to, uint32_t* n) {
-        X509Extensions handle = Garbage<X509ExtensionsCell>();
-        const Status status = DecodeTimeStampReq(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2],
-                                                 &n[2], to[3], &n[3], to[4], &n[4], &certReq, &handle);
-        extensions.reset(status == StatusBadArgument ? nullptr : handle);
-        return status;
+        return Hand(extensions, [&](auto handle) {
+            return DecodeTimeStampReq(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2], &n[2], to[3],
+                                      &n[3], to[4], &n[4], &certReq, handle);
+        });
     }
     Bytes Write() const {
         const auto& [hashOid, parameters, hash, policy, nonce] = fields;
@@ -58,14 +61,11 @@ struct TstInfo {
     walk::Owned<FreeX509Extensions> extensions;
 
     Status Decode(const Bytes& in, uint8_t** to, uint32_t* n) {
-        X509GeneralName* name = Garbage<X509GeneralName>();
-        X509Extensions handle = Garbage<X509ExtensionsCell>();
-        const Status status =
-            DecodeTSTInfo(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2], &n[2], to[3], &n[3], to[4],
-                          &n[4], &genTime, &accuracy, &ordering, to[5], &n[5], &name, &handle);
-        tsa.reset(status == StatusBadArgument ? nullptr : name);
-        extensions.reset(status == StatusBadArgument ? nullptr : handle);
-        return status;
+        const auto decode = [&](auto name, auto handle) {
+            return DecodeTSTInfo(in.data(), Size(in), &version, to[0], &n[0], to[1], &n[1], to[2], &n[2], to[3], &n[3],
+                                 to[4], &n[4], &genTime, &accuracy, &ordering, to[5], &n[5], name, handle);
+        };
+        return Hand(tsa, [&](auto name) { return Hand(extensions, std::bind_front(decode, name)); });
     }
     Bytes Write() const {
         const auto& [policy, hashOid, parameters, hash, serial, nonce] = fields;
@@ -83,12 +83,10 @@ struct Response {
     Bytes fields[1];  // none
 
     Status Decode(const Bytes& in, uint8_t**, uint32_t*) {
-        PKIFreeText* texts = Garbage<PKIFreeText>();
-        CmsContentInfo* info = Garbage<CmsContentInfo>();
-        const Status result = DecodeTimeStampResp(in.data(), Size(in), &status, &texts, &failInfo, &info);
-        text.reset(result == StatusBadArgument ? nullptr : texts);
-        token.reset(result == StatusBadArgument ? nullptr : info);
-        return result;
+        const auto decode = [&](auto texts, auto info) {
+            return DecodeTimeStampResp(in.data(), Size(in), &status, texts, &failInfo, info);
+        };
+        return Hand(text, [&](auto texts) { return Hand(token, std::bind_front(decode, texts)); });
     }
     Bytes Write() const { return Fetch(EncodeTimeStampResp, uint32_t(status), text.get(), failInfo, token.get()); }
 };

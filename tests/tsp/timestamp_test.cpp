@@ -73,20 +73,18 @@ TEST(TimeStamps, MissingAndUnfinishedArgumentsAreAnswered) {
     const auto extensions = Make<FreeX509Extensions>(CreateX509Extensions);
     const auto empty = Make<FreeX509GeneralName>(CreateX509GeneralName);
     uint8_t b[256] = {};
-    uint32_t n = 0;
+    uint32_t n = sizeof b;
     int32_t version = 0;
     X509Extensions handle = nullptr;
-    n = sizeof b;
     EXPECT_STATUS(StatusOk, DecodeTimeStampReq(&request[0], Size(request), &version, b, &n, nullptr, nullptr, b, &n, b,
                                                &n, b, &n, &n, &handle));
-    const auto write = [&](const uint8_t* policy, const LibraryPreciseTime& genTime, const X509GeneralName* tsa) {
-        return EncodeTSTInfo(1, policy, b, nullptr, 0, b, 1, b, 1, &genTime, nullptr, 0, nullptr, 0, tsa,
-                             extensions.get(), nullptr, &n);
+    const auto write = [&](const LibraryPreciseTime& genTime, const X509GeneralName* tsa) {
+        return EncodeTSTInfo(1, b, b, nullptr, 0, b, 1, b, 1, &genTime, nullptr, 0, nullptr, 0, tsa, extensions.get(),
+                             nullptr, &n);
     };
-    CHECK({write(b, time, nullptr)}, {write(nullptr, time, nullptr), StatusOutOfMemory},
-          {write(b, {}, nullptr), StatusOutOfMemory}, {write(b, tooFine, nullptr), StatusOutOfMemory},
-          {write(b, time, empty.get()), StatusBadArgument}, {RemoveX509Extensions(extensions.get())},
-          {write(b, time, nullptr), StatusBadArgument});
+    CHECK({write(time, nullptr)}, {write(tooFine, nullptr), StatusOutOfMemory},
+          {write(time, empty.get()), StatusBadArgument}, {RemoveX509Extensions(extensions.get())},
+          {write(time, nullptr), StatusBadArgument});
 }
 
 }  // namespace

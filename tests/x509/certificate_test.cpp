@@ -85,10 +85,9 @@ TEST_F(CertificateTest, ListAdoptsAndLends) {
     Certificate* lent = nullptr;
     const auto copy = Make<FreeCertificates>(CreateCertificatesCopy, list.get());
     EXPECT_EQ(Fetch(EncodeCertificates, copy.get()), Tlv(0x30, kWhole));
-    EXPECT_STATUS(StatusOk, AddCertificateToCertificates(list.get(), made.release()),
-                  GetCertificatesCount(list.get(), &n), GetCertificatesCertificate(list.get(), 1, &lent));
-    EXPECT_EQ(std::pair(n, lent), std::pair(2u, fresh));
-    EXPECT_STATUS(StatusBadArgument, GetCertificatesCertificate(list.get(), 2, &lent));
+    CHECK({AddCertificateToCertificates(list.get(), made.release())},
+          {GetCertificatesCertificate(list.get(), 1, &lent)}, {lent == fresh, true},
+          {GetCertificatesCertificate(list.get(), 2, &lent), StatusBadArgument});
 }
 
 TEST_F(CertificateTest, SubjectKeyIdentifierIsTheHashOfTheKey) {

@@ -67,9 +67,8 @@ TEST_F(CrlTest, RefusedEntriesLeaveNothingAndRemovedOnesDo) {
 TEST_F(CrlTest, ListsAdoptLendAndEncode) {
     const auto list = Decoded<FreeX509Crls>(DecodeX509Crls, Tlv(0x30, kWhole));
     EXPECT_EQ(Fetch(EncodeX509Crls, Make<FreeX509Crls>(CreateX509CrlsCopy, list.get()).get()), Tlv(0x30, kWhole));
-    CHECK({AddX509CrlToX509Crls(list.get(), made.release())},
-          {GetX509CrlsCrl(list.get(), 2, &lent), StatusBadArgument});
-    CHECK({GetX509CrlsCount(list.get(), &n)}, {n, 2}, {GetX509CrlsCrl(list.get(), 1, &lent)}, {lent == fresh, true});
+    CHECK({AddX509CrlToX509Crls(list.get(), made.release())}, {GetX509CrlsCrl(list.get(), 2, &lent), StatusBadArgument},
+          {GetX509CrlsCrl(list.get(), 1, &lent)}, {lent == fresh, true});
     const auto entries = Make<FreeX509RevokedCertificates>(CreateX509RevokedCertificates);
     const auto add = AddX509RevokedCertificatesRevokedCertificate;
     EXPECT_STATUS(StatusOk, add(entries.get(), kOne.data(), 1, &kUtc, nullptr),
