@@ -54,7 +54,7 @@ private:
     static constexpr size_t kPrefix = 8;   // the pointer to the slab
     static constexpr size_t kRecord = 16;  // all records of values have this size
     static constexpr size_t kSlack = 16;
-#ifdef TLVFORGE_INSTRUMENT
+#if defined(TLVFORGE_INSTRUMENT) && !defined(TLVFORGE_WHOLE_SLABS)
     static constexpr bool kOneNodeEach = true;  // so that each node is an allocation that can fail
 #else
     static constexpr bool kOneNodeEach = false;
