@@ -37,27 +37,36 @@ walk::Owned<FreeX509GeneralNames> Uri() {
     return Decoded<FreeX509GeneralNames>(DecodeX509GeneralNames, Hex("3003 860175"));
 }
 
+// An output of a reader. A time's first field is the year.
+template <class Output>
+union AnswerCell {
+    Output output;
+    std::conditional_t<std::is_pointer_v<Output>, uintptr_t, std::conditional_t<sizeof(Output) == 1, uint8_t, int32_t>>
+        number;
+
+    AnswerCell() : output{} { number = 1; }
+    int64_t Word() const {
+        return std::is_pointer_v<Output> && number != 0 && number != 1 ? 2 : static_cast<int64_t>(number);
+    }
+};
+
 // What a reader answers, as numbers: the status, then its outputs; of a time the year, of an object 2. All of them are
 // 1 before the call, which is also the room in every buffer. A bit of `nulls` stands for an output that is a null
 // pointer.
 template <class Source, class... Outputs>
 std::string Ask(Status (*read)(Source, uint32_t, Outputs*...), std::type_identity_t<Source> source, uint32_t number,
                 uint32_t nulls = 0) {
-    union Cell {
-        uint64_t number;
-        LibraryTime time;
-    } cells[sizeof...(Outputs)] = {};
-    for (Cell& cell : cells) cell.number = 1;
-    const auto call = [&]<size_t... I>(std::index_sequence<I...>) {
-        return read(source, number, (nulls >> I & 1 ? nullptr : reinterpret_cast<Outputs*>(&cells[I]))...);
-    };
-    std::string words = std::to_string(call(std::index_sequence_for<Outputs...>()));
-    const bool objects[] = {std::is_pointer_v<Outputs>...};
-    for (const Cell& cell : cells) {
-        const auto value = static_cast<int32_t>(cell.number);
-        words += " " + std::to_string(objects[&cell - cells] && cell.number > 1 ? 2 : value);
-    }
-    return words;
+    std::tuple<AnswerCell<Outputs>...> cells;
+    return std::apply(
+        [&](auto&... cell) {
+            uint32_t at = 0;
+            const auto out = [&](auto& each) { return (nulls >> at++ & 1) != 0 ? nullptr : &each.output; };
+            // In braces the arguments are taken from left to right.
+            const std::tuple<Outputs*...> outputs{out(cell)...};
+            const Status status = std::apply([&](auto*... to) { return read(source, number, to...); }, outputs);
+            return (std::to_string(status) + ... + (" " + std::to_string(cell.Word())));
+        },
+        cells);
 }
 
 template <class... Outputs>
