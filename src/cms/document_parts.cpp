@@ -149,7 +149,6 @@ Status DecodeSignedMessage(Bytes message, Tree<CmsSignedData>* signedData, Place
 }
 
 Status EncodeSignedMessage(const CmsSignedData* signedData, uint8_t* buffer, uint32_t* length) {
-    if (signedData == nullptr) return Fail(StatusBadArgument);
     Asn1Value type = kSignedDataType;
     return EncodeTree(AddressOf(SignedMessage{&type, Unconst(signedData)}), buffer, length);
 }

@@ -8,8 +8,6 @@ using namespace tlvforge;
 namespace tlvforge {
 namespace {
 
-bool IsAbsentOrUnknown(uint8_t kind) { return kind == 0 || kind > Asn1KindSetOf; }
-
 // NULL is left out on purpose: trees that hold one can't be copied or compared.
 bool IsCopiedAsValue(uint8_t kind) { return kind != Asn1KindNull && IsValueKind(kind); }
 
@@ -276,8 +274,7 @@ Status CreateInArena(const Asn1Item* item, void** out, uint32_t fill, Arena& are
 
 Status CopyIntoArena(const Asn1Item& item, const void* source, void** out, Arena& arena) {
     void* copy = nullptr;
-    const Status status =
-        IsAbsentOrUnknown(item.kind) ? Fail(StatusUnsupportedKind) : CopyNode(item, source, &copy, arena);
+    const Status status = CopyNode(item, source, &copy, arena);
     *static_cast<Cell*>(out) = copy;
     return status;
 }

@@ -13,7 +13,7 @@ Bytes X(uint32_t size) { return Rdn(12, Bytes(size, 'x')); }
 auto NameOf(const Bytes& rdns) { return Decoded<FreeX509Name>(DecodeX509Name, Tlv(48, rdns)); }
 const Bytes kBob = Utf8(u8"Bob"), kOther = Cn(12, Bytes(1024), "2.5.4.10"), kTwo = Hex("00410042"),
             kAA = Rdn(19, Hex("4141"));
-const Bytes kSigns = Hex("0401 0451 0404 0454 0407 0457 040E 045E 040B 0410 044F 0450 2116 2022 00B0 263A 0000 41");
+const Bytes kSigns = Hex("04010451040404540407 0457040E045E040B0410 044F0450 21162022 00B0 263A 00FF0100 000041");
 
 // The text of get(object), or its status as a number; checks the size query, 49 and the zero on the way.
 template <class Function, class T>
@@ -34,7 +34,7 @@ TEST(Summary, CertificatesGiveSerialNumberAndCommonNames) {
         {Bytes(99, '1'), kBob, Bytes(99, '1') + Text(", Bob")}, {Bytes(101, '1'), kBob, Text("Bob")},
         {{1}, Utf8(u8"Ёлка ёж Яя"), Hex("A8EBEAE020B8E620DFFF")}, {{1}, Utf8(u8"a😀b€c"), Text("abc")},
         {{1}, Utf8(u8"Єé°"), Hex("B49960")}, {{1}, Rdn(12, Hex("D04190 90 D0D190 D0")), Hex("41C0C1")},
-        {{1}, Rdn(30, kSigns), Hex("A8B8AABAAFBFA1A2BBC0FF3FB995B03F00")}, {{1}, Rdn(30, {1}), Text("49")},
+        {{1}, Rdn(30, kSigns), Hex("A8B8AABAAFBFA1A2BBC0FF3FB995B03FFF3F00")}, {{1}, Rdn(30, {1}), Text("49")},
         {{1}, Rdn(19, Text("abc")) + Rdn(20, {}) + Rdn(22, Hex("FF")), Text("????")},
         {{1}, Tlv(49, kOther + Cn(12, kTwo) + Cn(12, kAA)) + Tlv(49, kOther) + kBob, kTwo + Text("Bob")},
         {{1}, X(1022) + X(0), Bytes(1022, 'x')}, {{1}, X(1020) + kBob, Text("49")}, {{'1'}, X(1020), Text("49")},

@@ -111,10 +111,10 @@ TEST(Engine, ReadsHeaders) {
 
 TEST(Engine, RefusesWhatCannotBeEncoded) {
     uint8_t byte = 5;
-    Asn1Value value = {2, 1, &byte}, lost = {2, 1, nullptr};
+    Asn1Value value = {2, 1, &byte}, lost = {2, 1, nullptr}, huge = {2, UINT32_MAX, &byte};
     const Asn1Choice outside = {2, &value}, empty = {0, nullptr}, first = {0, &value};
     const Asn1List tableless = {1, nullptr, 0, nullptr, 1};
-    Asn1Value *none[] = {nullptr}, *one[] = {&value};
+    Asn1Value *none[] = {nullptr}, *one[] = {&value}, *large[] = {&huge};
     // clang-format off
     const struct { const char* name; const Asn1Item& item; const void* node; Status status; } cases[] = {
         {"bytes lost", itemOf<Integer>, &lost, 311},      {"required field gone", itemOf<OneInteger>, none, 311},
@@ -122,7 +122,9 @@ TEST(Engine, RefusesWhatCannotBeEncoded) {
         {"list without table", itemOf<Anys>, &tableless, 311}, {"two element items", TwoElements, &tableless, 305},
         {"no fields", NoFields, one, 32}, {"field without item", NullField, one, 32},
         {"no alternatives", NoAlternatives, &first, 32}, {"fixed set", FixedSet, one, 300},
-        {"no number", NumberlessExplicit, &value, 305}, {"no node", itemOf<Integer>, nullptr, 32}};
+        {"no number", NumberlessExplicit, &value, 305}, {"no node", itemOf<Integer>, nullptr, 32},
+        {"long value", itemOf<Integer>, &huge, 304},      {"long content", itemOf<OneInteger>, large, 304},
+        {"long wrapped", itemOf<Explicit<0, Integer>>, &huge, 304}};
     // clang-format on
     for (const auto& c : cases) {
         uint32_t length = 0;

@@ -41,6 +41,7 @@ TEST(Tree, CreatesWhatFillAsksFor) {
     void* untouched = &untouched;
     CHECK({CreateAsn1Object(&Integer, &untouched, 0)}, {untouched == &untouched, 1},
           {CreateAsn1Object(&UnknownKind, &untouched, 1), StatusUnsupportedKind},
+          {CopyAsn1Object(&UnknownKind, &schema::kFalse, &untouched), StatusUnsupportedKind},
           {CreateAsn1Object(&OptionalSequence, &untouched, 1)}, {untouched == nullptr, 1},
           {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), StatusBadArgument},
           {CreateOptionalAsn1Sequence(&OptionalSequence, &untouched, 1)}, {untouched != nullptr, 1},

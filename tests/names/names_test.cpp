@@ -106,6 +106,9 @@ TEST(GeneralNames, LargeTableIsABlockOfMalloc) {
     free(list->items);
     list->items = table;  // freed by the library
     EXPECT_EQ(Fetch(EncodeX509GeneralNames, names.get()), Tlv(0x30, members));
+    const auto few = Decoded<FreeX509GeneralNames>(DecodeX509GeneralNames, Hex("3003820161"));
+    list = reinterpret_cast<Asn1List*>(few.get());
+    EXPECT_EQ(reinterpret_cast<Asn1List*>(list->items), list + 1) << "a small one lies beside the list";
 }
 
 TEST(GeneralNames, EachAlternativeGoesToTheWireAndBack) {

@@ -69,6 +69,19 @@ TEST_F(CertificateTest, FreshOneNeedsItsTimesAndLendsItsNames) {
           {SetCertificateValidNotAfter(fresh, &kNotAfter)}, {EncodeCertificate(fresh, nullptr, &n)});
 }
 
+TEST_F(CertificateTest, NamesAreCopiedOrAdoptedAsTheFlagSays) {
+    const Name own = NameOf("Own");
+    EXPECT_STATUS(StatusOk, SetCertificateIssuer_i(fresh, own.get(), 1), SetCertificateSubject_i(fresh, own.get(), -1));
+    for (const auto get : {GetCertificateIssuer, GetCertificateSubject}) {
+        EXPECT_STATUS(StatusOk, get(fresh, &name), CompareX509Names(name, own.get()));
+        EXPECT_NE(name, own.get());
+    }
+    X509Name *const issuer = NameOf("a").release(), *const subject = NameOf("b").release();
+    CHECK({SetCertificateIssuer_i(fresh, issuer, 0)}, {SetCertificateSubject_i(fresh, subject, 0)},
+          {GetCertificateIssuer(fresh, &name)}, {name == issuer, true}, {GetCertificateSubject(fresh, &name)},
+          {name == subject, true});
+}
+
 TEST_F(CertificateTest, SettersTakeThePartsThatTheCertificateLentAndRemove) {
     int32_t version = 9;
     EXPECT_STATUS(StatusOk, GetCertificateVersion(c, &version), GetCertificateIssuer(c, &name),
@@ -171,6 +184,7 @@ TEST_F(CertificateTest, GostKeyWantsSetsThatFitItsAlgorithm) {
     const uint32_t rows[][6] = {
         {StatusOk, 102, 1, 1, 1, 64}, {StatusOk, 102, 1, 6, 2, 64}, {StatusOk, 3000, 1, 7, 3, 64},
         {StatusOk, 3000, 1, 9, 3, 64}, {StatusOk, 3001, 1, 8, 4, 128}, {StatusOk, 3001, 1, 12, 4, 128},
+        {StatusOk, 3001, 1, 10, 4, 128}, {StatusBadKeyForm, 3001, 1, 7, 4, 128}, {StatusBadKeyForm, 3000, 1, 9, 2, 64},
         {StatusOk, 3000, 1, 9, 3, 165}, {StatusBufferTooSmall, 3000, 1, 9, 3, 166},
         {StatusBadKeyForm, 102, 1, 7, 1, 64}, {StatusBadKeyForm, 102, 1, 1, 3, 64},
         {StatusBadKeyForm, 3000, 1, 8, 3, 64}, {StatusBadKeyForm, 3000, 1, 10, 3, 64},

@@ -252,7 +252,12 @@ TEST(CertificatePolicies, TakeThemselvesAsQualifiersAndStaySafe) {
     }
     uint32_t index = 99;
     EXPECT_EQ(Fetch(EncodeExtensionCertificatePolicies, list), der);
-    for (uint32_t i = 2; i < 30; ++i) EXPECT_STATUS(StatusOk, AddExtensionPolicyInformation(list, kOid, &index));
+    Bytes all(der.begin() + 2, der.end());
+    for (uint32_t i = 2; i < 30; ++i) {
+        EXPECT_STATUS(StatusOk, AddExtensionPolicyInformation(list, kOid, &index));
+        all = all + Hex("30050603551D20");
+    }
+    EXPECT_EQ(Fetch(EncodeExtensionCertificatePolicies, list), Tlv(0x30, all));
     EXPECT_EQ(index, 29u);
     EXPECT_EQ(qualifier(0, 0), (Numbers{0, 0x25, 5, 13}));
     EXPECT_EQ(qualifier(0, 0, 1), (Numbers{49, 0x25, 0, 13}));
