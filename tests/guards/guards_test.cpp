@@ -65,10 +65,10 @@ void AddEffects(const Call& call, uint32_t* sum) {
     }
 }
 
-// False for what frees its object or reads the clock, and for a recipient that is a number here.
+// False for what frees its object or those that it gave or reads the clock, and for a recipient that is a number here.
 bool HasEffects(const std::string& function) {
     return !function.starts_with("Free") && !function.starts_with("GetCurrent") &&
-           function != "AddCmsEnvelopedDataRecipientInfo";
+           function != "DecodeExtensionIssuingDistributionPoint" && function != "AddCmsEnvelopedDataRecipientInfo";
 }
 
 // Makes all calls of a function: writes the name of each when it begins, and its result, or "same" for that of the full

@@ -43,6 +43,9 @@ TEST(X509Name, ValueThatIsNoElementIsReadInsideItsRecord) {
         EXPECT_STATUS(StatusOk, GetX509NameEntry(name.get(), 0, 0, value, &valueLength, &tag, oid, &oidLength));
         EXPECT_EQ(valueLength, stored == 3 ? 1u : 0u);
     }
+    any->length = UINT32_MAX;
+    uint32_t n = 0;
+    EXPECT_STATUS(StatusLengthTooLong, EncodeX509Name(name.get(), nullptr, &n));
 }
 
 TEST(X509Name, DeleteHoldsTheIndexAgainstTheLastRdnToo) {
@@ -106,7 +109,7 @@ TEST(GeneralNames, LargeTableIsABlockOfMalloc) {
     free(list->items);
     list->items = table;  // freed by the library
     EXPECT_EQ(Fetch(EncodeX509GeneralNames, names.get()), Tlv(0x30, members));
-    const auto few = Decoded<FreeX509GeneralNames>(DecodeX509GeneralNames, Hex("3003820161"));
+    const auto few = Make<FreeX509Name>(CopyX509Name, NameOf("few").get());
     list = reinterpret_cast<Asn1List*>(few.get());
     EXPECT_EQ(reinterpret_cast<Asn1List*>(list->items), list + 1) << "a small one lies beside the list";
 }
