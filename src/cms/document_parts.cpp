@@ -48,8 +48,9 @@ Status EnsureIssuerAndSerialNumber(EntityIdentifier* identifier) {
         if (const Status status = ClearAsn1Choice(itemOf<EntityIdentifier>, identifier)) return status;
     }
     if (identifier->value == nullptr) {
-        const Status status = CreateAsn1Object(&itemOf<IssuerAndSerialNumber>, &identifier->value, 0);
-        if (status != StatusOk) return status;
+        IssuerAndSerialNumber* both = nullptr;
+        if (const Status status = CreateTree(&both, 0)) return status;
+        identifier->value = both;
     }
     identifier->selected = kIssuerAndSerialNumber;
     return Ensure(&static_cast<IssuerAndSerialNumber*>(identifier->value)->issuer);

@@ -249,7 +249,7 @@ Status CompareNodes(const Asn1Item& item, const void* left, const void* right, u
     return StatusOk;
 }
 
-// Slabs of trees that are created and copied: most fit one.
+// The slab of a tree of unknown size that is created or copied: most fit one.
 constexpr size_t kSmallSlab = 512;
 
 Status CreateInArena(const Asn1Item* item, void** out, uint32_t fill, Arena& arena) {
@@ -283,6 +283,13 @@ Status CopyAsn1Object(const Asn1Item* item, const void* source, void** out) {
     if (AnyNull(item, source, out)) return Fail(StatusBadArgument);
     Arena arena(item->constructedBit != 0 ? kSmallSlab : 0);
     return CopyIntoArena(*item, source, out, arena);
+}
+
+Status CreateInSlab(const Asn1Item& item, size_t units, void** out, uint32_t fill) {
+    if (out == nullptr) return Fail(StatusBadArgument);
+    const bool hasOneNode = !IsBlock(item) || units <= Arena::UnitsOf(BlockSize(item));
+    Arena arena(hasOneNode ? 0 : Arena::SizeFor(units));
+    return CreateInArena(&item, out, fill, arena);
 }
 
 void FreeWithFacts(const Facts& facts, void* node) {

@@ -18,11 +18,15 @@ public:
         next_ = size < kLargestFirst ? size : kLargestFirst;
         largest_ = length < kLargestSlab ? length : kLargestSlab;
     }
-    // For a tree of unknown size; 0: blocks of their own.
+    // For a tree that isn't decoded; 0: blocks of their own.
     explicit Arena(size_t firstSlab) : next_(firstSlab) {}
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
     ~Arena() { Close(); }
+
+    // What nodes take of a slab, in units of 16 bytes, and a slab for so many.
+    static constexpr size_t UnitsOf(size_t size) { return StepOf(size) / 16; }
+    static constexpr size_t SizeFor(size_t units) { return sizeof(Slab) + 16 * units + kSlack; }
 
     // Null when out of memory.
     [[gnu::always_inline]] void* Allocate(size_t size) {
@@ -61,7 +65,7 @@ private:
 #endif
 
     // The distance from node to node.
-    static size_t StepOf(size_t size) { return (size + kPrefix + 15) & ~size_t{15}; }
+    static constexpr size_t StepOf(size_t size) { return (size + kPrefix + 15) & ~size_t{15}; }
 
     uint8_t* Advance(size_t step) {
         uint8_t* at = at_;

@@ -212,6 +212,8 @@ Status DecodeWithFacts(const uint8_t* data, uint32_t length, const Facts& facts,
                        uint32_t* consumed = nullptr);
 Status EncodeWithFacts(const void* node, const Facts& facts, uint8_t* buffer, uint32_t* length);
 void FreeWithFacts(const Facts& facts, void* node);
+// The tree takes so many units of its slab.
+Status CreateInSlab(const Asn1Item& item, size_t units, void** out, uint32_t fill);
 
 // ---- Trees by the type of their root --------------------------------------------------------------------------------
 
@@ -227,9 +229,25 @@ inline constexpr const Facts& releaseFactsOf<Asn1Any> = factsOf<schema::Any>;
 template <class Node>
 inline constexpr const Asn1Item& releaseItemOf = *releaseFactsOf<Node>.item;
 
+// What a new tree takes of a slab, in units of 16 bytes. A record takes two, and so does a value: one without bytes,
+// made where `filled`, and the short one that a default is. Lists are no part of a slab.
+constexpr size_t CreatedUnits(const Facts& facts, bool filled) {
+    if (facts.Is(Facts::kHasDefault)) return 2;
+    if (facts.Is(Facts::kOptional) || IsList(*facts.item)) return 0;
+    if (facts.kind != Asn1KindSequence)
+        return filled || facts.kind == Asn1KindChoice || facts.kind == Asn1KindAny ? 2 : 0;
+    size_t units = Arena::UnitsOf(8 * facts.childCount);
+    for (uint16_t i = 0; i < facts.childCount; ++i) units += CreatedUnits(facts.children[i], filled);
+    return units;
+}
+
+// Without values, and with empty ones.
+template <class Node>
+inline constexpr size_t createdUnits[] = {CreatedUnits(factsOf<Node>, false), CreatedUnits(factsOf<Node>, true)};
+
 template <class Node>
 Status CreateTree(Node** out, uint32_t fill = 1) {
-    return CreateAsn1Object(&itemOf<Node>, Untyped(out), fill);
+    return CreateInSlab(itemOf<Node>, createdUnits<Node>[fill != 0], Untyped(out), fill);
 }
 
 template <class Node>
@@ -308,7 +326,9 @@ public:
     // For functions that store a new tree.
     Node** Slot() { return &node_; }
 
-    Status Create(uint32_t fill = 0) { return CreateAsn1Object(&itemOf<Element>, Untyped(&node_), fill); }
+    Status Create(uint32_t fill = 0) {
+        return CreateInSlab(itemOf<Element>, createdUnits<Element>[fill != 0], Untyped(&node_), fill);
+    }
     Status Decode(const uint8_t* data, uint32_t length) {
         return DecodeWithFacts(data, length, factsOf<Element>, Untyped(&node_));
     }

@@ -8,9 +8,9 @@ using namespace tlvforge;
 Status CreateX509Extension(X509Extension** out, const uint8_t* oid, uint32_t critical, const uint8_t* value,
                            uint32_t valueLength) {
     if (out == nullptr) return Fail(StatusBadArgument);
-    Tree<X509Extension> extension;
-    Status status = extension.Create();
-    if (status == StatusOk) status = SetX509Extension(extension.Get(), oid, critical, value, valueLength);
+    Tree<X509Extension> extension(NewRecord<X509Extension>());
+    const Status status =
+        extension ? SetX509Extension(extension.Get(), oid, critical, value, valueLength) : Fail(StatusOutOfMemory);
     *out = status == StatusOk ? extension.Take() : nullptr;
     return status;
 }
