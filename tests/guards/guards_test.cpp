@@ -3,6 +3,7 @@
 // frees nothing.
 #include "guards/calls.h"
 
+#include <set>
 #include <sstream>
 
 namespace {
@@ -71,6 +72,13 @@ bool HasEffects(const std::string& function) {
            function != "DecodeExtensionIssuingDistributionPoint" && function != "AddCmsEnvelopedDataRecipientInfo";
 }
 
+bool IsList(const Parameter& parameter) {
+    const std::set<std::string> names = {"certificates", "crls", "list", "names", "responses", "strings", "texts"};
+    const std::set<std::string> types = {"SeveralData", "X509Name"};
+    return parameter.IsPointer() && !parameter.IsSlot() &&
+           (names.contains(parameter.name) || types.contains(parameter.Object()));
+}
+
 // Makes all calls of a function: writes the name of each when it begins, and its result, or "same" for that of the full
 // objects.
 void MeasureAll(const std::string& function, const auto& write) {
@@ -105,6 +113,11 @@ void MeasureAll(const std::string& function, const auto& write) {
             if (parameters[i].IsNumber() && i > 0 && parameters[i - 1].IsBuffer())
                 with("=0", [](Word word) { *reinterpret_cast<uint32_t*>(word) = 0; });
         }
+    if (Call call(function, kFull); IsList(parameters.empty() ? Parameter() : parameters[0])) {
+        auto* const list = reinterpret_cast<Asn1List*>(call.words[0]);
+        if (list->count != 0) list->items[0] = nullptr;
+        measure("hole", "full", call);
+    }
     if (effects != 0) write("leaves\t" + std::to_string(effects) + '\n');
 }
 
