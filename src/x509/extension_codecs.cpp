@@ -83,11 +83,9 @@ Status PoliciesView::Of(const ExtensionCertificatePolicies* policies, Place plac
     void** next = items + policies->count;
     for (uint32_t i = 0; i < policies->count; ++i) {
         const PolicyInformation* policy = policies->At(i);
-        items[i] = nullptr;
-        if (policy == nullptr) continue;
         FilteredPolicy* filtered = new (&records[i]) FilteredPolicy{};
-        next = Filter(policy, filtered, next);
-        items[i] = &filtered->policy;
+        if (policy != nullptr) next = Filter(policy, filtered, next);
+        items[i] = policy != nullptr ? &filtered->policy : nullptr;
     }
     filtered_ = *policies;
     filtered_.items = items;

@@ -68,9 +68,9 @@ Status SetAuthorityKeyIdentifier(const Part<X509ExtensionsCell>& extensions, con
 // The parts that an issuer's certificate supplies.
 struct AuthorityIdentity {
     const uint8_t* keyId = nullptr;  // the bytes below, or null: any failure to read one means none
-    uint32_t keyIdLength = 32;
+    uint32_t keyIdLength = sizeof keyIdBytes;
     X509Name* issuer = nullptr;  // of the certificate's issuer, lent
-    uint32_t serialLength = 64;
+    uint32_t serialLength = sizeof serial;
     uint8_t keyIdBytes[32];
     uint8_t serial[64];
 

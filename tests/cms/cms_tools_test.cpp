@@ -72,7 +72,8 @@ TEST(SigningSteps, SignersAreComparedWithCertificates) {
     CHECK({AddExtension(handle, "2.5.29.14", Tlv(4, Bytes(32, 1)))}, {serial(bob, 64)});
     CHECK({serial(eve, 64), StatusNotEqual}, {serial(bob, 63), StatusNotEqual},
           {serial(bob, 65), StatusWorkBufferTooSmall});
-    CHECK({key(32)}, {key(31), StatusNotEqual}, {key(0), StatusNotEqual});
+    CHECK({key(32)}, {key(31), StatusNotEqual}, {key(0), StatusNotEqual}, {ClearX509Extensions(handle)},
+          {AddExtension(handle, "2.5.29.14", Tlv(4, Bytes(33, 1)))}, {key(32), StatusWorkBufferTooSmall});
 }
 
 // Signers that end in lists of indefinite length without an end: each is four bytes longer as DER.

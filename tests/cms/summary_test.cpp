@@ -40,7 +40,9 @@ TEST(Summary, CertificatesGiveSerialNumberAndCommonNames) {
         {{1}, X(1022) + X(0), Bytes(1022, 'x')}, {{1}, X(1020) + kBob, Text("49")}, {{'1'}, X(1020), Text("49")},
         {{1}, X(1019) + kAA, Bytes(1019, 'x') + Text("??")}, {{1}, X(1020) + kAA, Text("49")},
         {{1}, X(1020) + Rdn(30, kTwo), Bytes(1020, 'x') + Text("AB")}, {{1}, X(1021) + Rdn(30, kTwo), Text("49")},
-        {{1}, Tlv(49, Cn(12, Bytes(1025), "2.5.4.10")), Text("49")}};
+        {{1}, Tlv(49, Cn(12, Bytes(1025), "2.5.4.10")), Text("49")},
+        {{1}, Tlv(49, Tlv(48, Tlv(6, Bytes(99)) + Tlv(12, kTwo))) + kBob, Text("Bob")},
+        {{1}, Tlv(49, Tlv(48, Tlv(6, Bytes(100)) + Tlv(12, kTwo))) + kBob, Text("49")}};
     // clang-format on
     for (const auto& [serial, rdns, expected] : rows) {
         const auto owner = Make<FreeCertificate>(CreateCertificate);

@@ -39,9 +39,11 @@ TEST(Tree, CreatesWhatFillAsksFor) {
         EXPECT_TRUE(fill == 0 || field(1)->type == 6);
     }
     void* untouched = &untouched;
+    const Asn1List tableless = {1, nullptr, 0, nullptr, 1};
     CHECK({CreateAsn1Object(&Integer, &untouched, 0)}, {untouched == &untouched, 1},
           {CreateAsn1Object(&UnknownKind, &untouched, 1), StatusUnsupportedKind},
           {CopyAsn1Object(&UnknownKind, &schema::kFalse, &untouched), StatusUnsupportedKind},
+          {CopyAsn1Object(&itemOf<Integers>, &tableless, &untouched), StatusBadArgument},
           {CreateAsn1Object(&OptionalSequence, &untouched, 1)}, {untouched == nullptr, 1},
           {CreateOptionalAsn1Sequence(&ThreeIntegers, &untouched, 1), StatusBadArgument},
           {CreateOptionalAsn1Sequence(&OptionalSequence, &untouched, 1)}, {untouched != nullptr, 1},

@@ -128,6 +128,13 @@ TEST_F(CertificateTest, AuthorityKeyIdentifierNamesTheIssuersCertificate) {
     EXPECT_STATUS(StatusBadArgument,
                   SetCertificateAuthorityKeyIdentifier2(fresh, nullptr, 0, NameOf("x").get(), nullptr, 0));
     expect(Tlv(0x80, kKey), Hex("82020080"), "Root");
+    const Bytes most(32, 1);
+    EXPECT_STATUS(StatusOk, SetCertificateSerialNumber(c, kSerial.data(), 2), ClearX509Extensions(HandleOf(c)),
+                  Add(c, kSubjectKeyId, Tlv(4, most)), SetCertificateAuthorityKeyIdentifier(fresh, c));
+    expect(Tlv(0x80, most), Hex("82020080"), "Root");
+    EXPECT_STATUS(StatusOk, ClearX509Extensions(HandleOf(c)), Add(c, kSubjectKeyId, Tlv(4, Bytes(33))),
+                  SetCertificateAuthorityKeyIdentifier(fresh, c));
+    expect(kNone, Hex("82020080"), "Root");
     const std::string text(3000, 'x');
     EXPECT_STATUS(StatusOk,
                   SetCertificateAuthorityKeyIdentifier2(fresh, kKey.data(), 3, NameOf(text).get(), nullptr, 0));
@@ -152,12 +159,12 @@ TEST_F(CertificateTest, AuthorityKeyIdentifierIsReadWithItsDirectoryName) {
 }
 
 TEST_F(CertificateTest, ZelcryptTextIsStoredAsUtf8OrRemoved) {
-    const std::string longest(65, '\xC0');
+    const std::string longest = std::string(64, '\xC0') + "z";
     EXPECT_STATUS(StatusOk, Add(fresh, kZelcryptKeyId, kOther),
                   SetCertificateZelcryptKeyIdentifier(fresh, longest.c_str()),
                   SetCertificateZelcryptKeyIdentifier(fresh, "\xC0z"));
     EXPECT_EQ(Extensions(fresh), Tlv(0x30, ExtensionTlv(kZelcryptKeyId, Hex("0C03D0907A"))));
-    EXPECT_STATUS(StatusWorkBufferTooSmall, SetCertificateZelcryptKeyIdentifier(fresh, (longest + '\xC0').c_str()));
+    EXPECT_STATUS(StatusWorkBufferTooSmall, SetCertificateZelcryptKeyIdentifier(fresh, (longest + "z").c_str()));
     EXPECT_EQ(Extensions(fresh), Hex("3000"));
 }
 
@@ -204,6 +211,17 @@ TEST_F(CertificateTest, GostKeyWantsSetsThatFitItsAlgorithm) {
         EXPECT_EQ(get(c, out.data(), &n, &sets[0], &sets[1], &sets[2]), status) << algorithm << ", " << keySet;
         EXPECT_EQ(out == key && sets == (Numbers{keySet, digestSet, 2}), status == 0);
     }
+    const Bytes oid = OidOf("1.2.643.7.1.1.1.1"), longOid = Bytes{99} + Bytes(99), longerOid = Bytes{100} + Bytes(100);
+    const auto with = [&](const Bytes& algorithm, uint32_t size) {
+        const Bytes parameters = Tlv(0x30, Bytes(size - 2));
+        Numbers sets(3);
+        const auto set = SetCertificatePublicKeyAlgorithmOidAndParameters;
+        EXPECT_STATUS(StatusOk, set(c, algorithm.data(), parameters.data(), size));
+        return get(c, nullptr, &n, &sets[0], &sets[1], &sets[2]);
+    };
+    EXPECT_STATUS(StatusBadEncoding, with(oid, 100));
+    EXPECT_STATUS(StatusUnknownOid, with(longOid, 9));
+    EXPECT_STATUS(StatusBufferTooSmall, with(oid, 101), with(longerOid, 9));
 }
 
 TEST_F(CertificateTest, GostSettersKeepTheirLimits) {

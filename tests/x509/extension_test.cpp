@@ -258,6 +258,10 @@ TEST(CertificatePolicies, TakeThemselvesAsQualifiersAndStaySafe) {
         all = all + Hex("30050603551D20");
     }
     EXPECT_EQ(Fetch(EncodeExtensionCertificatePolicies, list), Tlv(0x30, all));
+    {
+        const Hole second(reinterpret_cast<Asn1List*>(list)->items + 1);
+        EXPECT_STATUS(StatusAbsent, EncodeExtensionCertificatePolicies(list, nullptr, &index));
+    }
     EXPECT_EQ(index, 29u);
     EXPECT_EQ(qualifier(0, 0), (Numbers{0, 0x25, 5, 13}));
     EXPECT_EQ(qualifier(0, 0, 1), (Numbers{49, 0x25, 0, 13}));
