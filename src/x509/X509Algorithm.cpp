@@ -116,11 +116,6 @@ Status GetAlgorithmIdentifierParameters(const AlgorithmIdentifier* record, Outpu
     return StatusOk;
 }
 
-Status SetAlgorithmIdentifierOid(AlgorithmIdentifier* record, const uint8_t* oid) {
-    if (AnyNull(record, oid)) return Fail(StatusBadArgument);
-    return ReplaceOidField(&record->algorithm, oid);
-}
-
 Status SetAlgorithmIdentifierById(AlgorithmIdentifier* record, uint32_t id) {
     if (record == nullptr) return Fail(StatusBadArgument);
     FreeField(&record->algorithm);
@@ -150,7 +145,7 @@ Status GetAlgorithm(const Part<AlgorithmIdentifier>& field, Output oid, Output p
 
 Status SetAlgorithm(const Part<AlgorithmIdentifier>& field, const uint8_t* oid, Bytes parameters) {
     if (!field) return field.Absent();
-    if (const Status status = SetAlgorithmIdentifierOid(field.node, oid)) return status;
+    if (const Status status = ReplaceOidField(&field.node->algorithm, oid)) return status;
     return SetAlgorithmIdentifierParameters(field.node, parameters);
 }
 

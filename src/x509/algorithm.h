@@ -11,7 +11,6 @@ namespace tlvforge {
 Status GetAlgorithmIdentifierOid(const AlgorithmIdentifier* record, Output oid);
 // Absent parameters have the length 0.
 Status GetAlgorithmIdentifierParameters(const AlgorithmIdentifier* record, Output parameters);
-Status SetAlgorithmIdentifierOid(AlgorithmIdentifier* record, const uint8_t* oid);
 // An unknown id is StatusUnknownId and leaves the OID absent.
 Status SetAlgorithmIdentifierById(AlgorithmIdentifier* record, uint32_t id);
 // Null or length 0 leaves no parameters; otherwise a whole element is copied.

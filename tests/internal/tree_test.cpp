@@ -1,5 +1,6 @@
 // Trees as a whole, and the operations on single nodes that the documents share.
 
+#include "engine/tmalloc.h"
 #include "schema.h"
 #include "support.h"
 
@@ -95,12 +96,17 @@ TEST(Tree, ListsGrowAndShrink) {
         const Bytes form = count % 2 != 0 ? Hex("3080") + elements + Hex("0000") : Tlv(0x30, elements);
         const AnyTree decoded = Decoded(itemOf<Integers>, ToHex(form).c_str());
         const auto* of = reinterpret_cast<Asn1List*>(decoded.Get());
+        ASSERT_EQ(of->sorted, 1);
         ASSERT_EQ(of->capacity, count == 0 ? 0u : count <= 10 ? 10u : count <= 215 ? 215u : count <= 522 ? 522u : 983u);
     }
     const AnyTree one = Decoded(itemOf<Integers>, "3003 020101");
     auto* small = reinterpret_cast<Asn1List*>(one.Get());
     const auto add = [&] { return AddAsn1ListItem(small, Integer, AllocAsn1Integer(1)); };
     for (const void* table = small->items; small->count < 10;) CHECK({add()}, {table == small->items, 1});
+    const walk::Owned<ReleaseRecord<Asn1Value>> left(AllocAsn1Integer(1));
+    instruments.failAt = instruments.allocations + 1;
+    CHECK({AddAsn1ListItem(small, Integer, left.get()), StatusOutOfMemory}, {small->count, 0});
+    for (instruments.failAt = 0; small->count < 10;) CHECK({add()});
     CHECK({add()}, {small->count, 11}, {small->capacity, 215});
 }
 

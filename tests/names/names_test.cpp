@@ -66,6 +66,11 @@ TEST(X509Name, CompareSeesLengthsAndContentInOrder) {
     const auto compare = [&](const auto& to) { return CompareX509Names(first.get(), to.get()); };
     const auto empty = Decoded<FreeX509Name>(DecodeX509Name, Hex("30800000"));
     CHECK({compare(second)}, {compare(NameWith({})), StatusAbsent}, {compare(empty), StatusAbsent});
+    {
+        auto* rdn = static_cast<Asn1List*>(reinterpret_cast<Asn1List*>(second.get())->items[0]);
+        const Hole value(static_cast<void**>(rdn->items[0]) + 1);
+        EXPECT_STATUS(StatusNotEqual, compare(second), CompareX509Names(second.get(), first.get()));
+    }
     CHECK({ClearX509Name(first.get())}, {ClearX509Name(second.get())}, {compare(second)});
 }
 

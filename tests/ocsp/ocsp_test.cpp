@@ -189,6 +189,10 @@ TEST_F(OcspTest, BasicResponseBuiltFromNothingHasItsBytes) {
           {GetOcspBasicResponseCertificate(b, -1, &certificate), StatusAbsent},
           {GetOcspBasicResponseSingleResponse(b, -1, &lent), StatusBadArgument}, {ClearOcspBasicResponseResponses(b)},
           {GetOcspBasicResponseSingleResponsesCount(b, &n)}, {n, 0});
+    const auto bare = Make<FreeOcspBasicResponse>(CreateOcspBasicResponse);
+    free(std::exchange(reinterpret_cast<void***>(bare.get())[0][3], nullptr));  // its list
+    CHECK({AddOcspBasicResponseSingleResponse(bare.get(), SingleOf(kGood).release())},
+          {GetOcspBasicResponseSingleResponsesCount(bare.get(), &n)}, {n, 1});
 }
 
 TEST_F(OcspTest, TimesThatCannotBeWrittenLeaveTheirFieldsAbsent) {

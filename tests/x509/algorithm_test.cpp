@@ -63,6 +63,7 @@ TEST(Algorithm, NumbersStandForTheirOids) {
     EXPECT_TRUE(rows.eof());
     EXPECT_STATUS(StatusUnknownOid, FindAlgIdByOid(OidOf("1.2.840.113549.1.1.11").data(), &found));
     EXPECT_STATUS(StatusUnknownId, GetPublicKeyAlgorithmOid(0, nullptr, &found));
+    EXPECT_STATUS(StatusBadArgument, EncodeAlgorithmGostR34102001Parameters(1, 99, 1, 1, nullptr, nullptr));
 }
 
 TEST(GostParameters, FormIsStoredBeforeAnyFailureAndNumbersUpToIt) {
