@@ -1,13 +1,13 @@
 // tlvforge-inspect [OPTION]... [FILE]...: prints an outline of documents, DER or PEM; --help lists the options.
 
 #include <getopt.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <optional>
 
+#include "common/platform.h"
 #include "kinds.h"
 #include "sample.h"
 #include "source.h"
@@ -67,7 +67,7 @@ public:
 
     void InspectPath(const char* path, bool alone) {
         const bool isInput = strcmp(path, "-") == 0;
-        if (isInput && isatty(STDIN_FILENO) != 0) {
+        if (isInput && tlvforge::IsTerminal(stdin)) {
             fprintf(stderr, "tlvforge-inspect: reading standard input; end it with Ctrl-D, or see --help\n");
         }
         Inspect(Origin(isInput ? "standard input" : Shown(path), alone),
@@ -200,7 +200,7 @@ private:
 
 bool IsForTerminal() {
     const char* const noColour = getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) != 0 && (noColour == nullptr || *noColour == 0);
+    return tlvforge::kTerminalsHaveColours && tlvforge::IsTerminal(stdout) && (noColour == nullptr || *noColour == 0);
 }
 
 // Whether it was one of the three words.
@@ -292,6 +292,7 @@ void InspectAll(Inspector& inspector, int count, char** paths) {
 
 int main(int count, char** arguments) {
     Options options;
+    tlvforge::PrepareStreams();
     if (const std::optional<int> result = ReadOptions(count, arguments, options)) return *result;
     const std::unique_ptr<Outline> outline =
         options.json ? MakeJsonOutline() : MakeTextOutline(options.coloured, options.limit);

@@ -1,10 +1,15 @@
 // Readings of single values: times, addresses, timestamps of certificate transparency, SHA-256.
+#ifdef _WIN32
+#include <ws2tcpip.h>
+#else
 #include <arpa/inet.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
 
+#include "common/platform.h"
 #include "common/times.h"
 #include "walk.h"
 
@@ -100,7 +105,7 @@ private:
 std::string DescribeMoment(uint64_t milliseconds) {
     const time_t seconds = static_cast<time_t>(milliseconds / 1000);
     struct tm parts = {};
-    if (gmtime_r(&seconds, &parts) == nullptr || parts.tm_year > 8099) return std::to_string(milliseconds) + " ms";
+    if (!tlvforge::SplitUtc(seconds, &parts) || parts.tm_year > 8099) return std::to_string(milliseconds) + " ms";
     char text[64], fraction[16];
     strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
     snprintf(fraction, sizeof fraction, ".%03uZ", static_cast<unsigned>(milliseconds % 1000));
