@@ -86,7 +86,7 @@ TEST(Tree, ListsGrowAndShrink) {
     EXPECT_EQ(capacities, (std::vector<uint32_t>{10, 215, 522}));
     void* element = nullptr;
     int32_t number = 0;
-    CHECK({RemoveAsn1ListItem(list.Get(), 7, Integer)}, {GetAsn1ListItem(list.Get(), 7, &element)},
+    CHECK({list->sorted, 1}, {RemoveAsn1ListItem(list.Get(), 7, Integer)}, {GetAsn1ListItem(list.Get(), 7, &element)},
           {GetAsn1Int32(static_cast<Asn1Value*>(element), &number)}, {number, 8}, {GetAsn1ListLength(list.Get()), 299});
     EXPECT_STATUS(StatusBadArgument, RemoveAsn1ListItem(list.Get(), 299, Integer),
                   RemoveAsn1ListItem(list.Get(), UINT32_MAX, Integer), GetAsn1ListItem(list.Get(), -1, &element));
