@@ -71,15 +71,10 @@ TEST_F(CertificateTest, FreshOneNeedsItsTimesAndLendsItsNames) {
 
 TEST_F(CertificateTest, NamesAreCopiedOrAdoptedAsTheFlagSays) {
     const Name own = NameOf("Own");
-    EXPECT_STATUS(StatusOk, SetCertificateIssuer_i(fresh, own.get(), 1), SetCertificateSubject_i(fresh, own.get(), -1));
-    for (const auto get : {GetCertificateIssuer, GetCertificateSubject}) {
-        EXPECT_STATUS(StatusOk, get(fresh, &name), CompareX509Names(name, own.get()));
-        EXPECT_NE(name, own.get());
-    }
-    X509Name *const issuer = NameOf("a").release(), *const subject = NameOf("b").release();
-    CHECK({SetCertificateIssuer_i(fresh, issuer, 0)}, {SetCertificateSubject_i(fresh, subject, 0)},
-          {GetCertificateIssuer(fresh, &name)}, {name == issuer, true}, {GetCertificateSubject(fresh, &name)},
-          {name == subject, true});
+    X509Name* const given = NameOf("Given").release();
+    CHECK({SetCertificateIssuer_i(fresh, given, 0)}, {GetCertificateIssuer(fresh, &name)}, {name == given, true},
+          {SetCertificateSubject_i(fresh, own.get(), -1)}, {GetCertificateSubject(fresh, &name)},
+          {name == own.get(), false}, {CompareX509Names(name, own.get())});
 }
 
 TEST_F(CertificateTest, SettersTakeThePartsThatTheCertificateLentAndRemove) {
