@@ -156,6 +156,10 @@ TEST_F(OcspTest, MessageCarriesBytesWithTheirType) {
     is("30130A0101A00E300C06052B0E03021A04036B6579");  // another type with the bytes that were there
     EXPECT_STATUS(StatusOk, set(kSha1, kSerial, 2), SetOcspResponseStatus(m, 0));
     is("30120A0100A00D300B06052B0E03021A04020080");
+    for (int cell : {0, 1}) {
+        const Hole part(reinterpret_cast<void***>(m)[1] + cell);
+        EXPECT_STATUS(StatusAbsent, GetOcspResponseBytes(m, nullptr, &n, nullptr, &reason));
+    }
     EXPECT_STATUS(StatusOk, set({0}, kNone, 0));
     is("30030A0100");
 }
