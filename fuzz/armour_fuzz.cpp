@@ -23,9 +23,8 @@ void WalkText(const Bytes& in) {
     Require(Ok(DetermineSuitableStringType(in.data(), in.size(), &type)));
     for (uint32_t size = 1;; size = std::max(2 * size, length)) {
         const Bytes utf8(length = size);
-        if (Ok(ConvertAnsiToUTF8(text.c_str(), reinterpret_cast<char*>(utf8.data()), &length))) {
+        if (Ok(ConvertAnsiToUTF8(text.c_str(), reinterpret_cast<char*>(utf8.data()), &length)))
             return Require(std::find(utf8.data(), utf8.end(), 0) - utf8.data() == length && length >= text.size());
-        }
         Require(length == 20 + 2 * text.size());
     }
 }

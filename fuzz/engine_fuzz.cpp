@@ -107,9 +107,8 @@ void WalkHeader(const Bytes& in) {
     uint8_t tagClass = 0, constructed = 0;
     uint32_t tag = 0, content = 0, header = 0, indefinite = 0;
     (void)GetAsn1ObjectInfo(in.data(), in.size(), &tagClass, &constructed, &tag, &content, &indefinite, &header);
-    if (Ok(GetAsn1ObjectInfo(in.data(), in.size(), &tagClass, &constructed, &tag, &content, nullptr, &header))) {
+    if (Ok(GetAsn1ObjectInfo(in.data(), in.size(), &tagClass, &constructed, &tag, &content, nullptr, &header)))
         Require(uint64_t{header} + content <= in.size());
-    }
 }
 
 void WalkContent(uint8_t kind, const Bytes& in) {

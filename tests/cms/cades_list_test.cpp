@@ -17,9 +17,8 @@ template <class... Arguments>
 std::string Read(Arguments... arguments) {
     const auto outputs = walk::Get(arguments...);
     std::string text;
-    for (size_t i = 0; outputs && i < outputs->size(); ++i) {
+    for (size_t i = 0; outputs && i < outputs->size(); ++i)
         text += ToHex(Bytes((*outputs)[i].data(), (*outputs)[i].end())) + "|";
-    }
     return text;
 }
 

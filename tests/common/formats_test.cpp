@@ -45,9 +45,8 @@ TEST(Base64, LayoutSizesAndRoundTripOfEveryLength) {
 
 TEST(Base64, FastDecoderStaysInsideForeignText) {
     for (const std::string piece : {"A", "=", "AAA=", "QUJD\r\n", "\xBD\xFE"}) {
-        for (std::string text; text.size() < 200; text += piece[text.size() % piece.size()]) {
+        for (std::string text; text.size() < 200; text += piece[text.size() % piece.size()])
             EXPECT_NE(Answer(DecodeFromBase64, text).substr(0, 6), "status") << text;
-        }
     }
 }
 
@@ -57,9 +56,8 @@ TEST(Pem, ReadsWhatOthersWriteAndRefusesTheRest) {
     EXPECT_EQ(Answer(DecodePem, "a - b\n" + begin + "\r\n QUJD QUI= \r\n" + end + "QUJD"), "ABCAB");
     EXPECT_EQ(Answer(DecodePem, begin + "QUJD\n----- EN."), "ABC");
     EXPECT_EQ(Answer(DecodePem, "QUJD\nQUJD\r\nQ\xD1==\r\n"), "ABCABCA");
-    for (const std::string text : {"\nQUJD", "QUJD\n-----END X-----\n", "-----BEGIN X-----\nQUJD\n----- EN"}) {
+    for (const std::string text : {"\nQUJD", "QUJD\n-----END X-----\n", "-----BEGIN X-----\nQUJD\n----- EN"})
         EXPECT_EQ(Answer(DecodePem, text), refused) << text;
-    }
     for (const std::string body : {"", "QUJ", "QUJDQUJ", "QUJ\nD", "QUJD\n\tQUJD", "Q*JD", "QU*=", "QUJ*", "QU=D",
                                    "QQ==xx", "QQ==QQ==", "A: 4\n\nQUJD"}) {
         EXPECT_EQ(Answer(DecodePem, body) + Answer(DecodePem, begin + body + end), refused + refused) << body;

@@ -168,9 +168,8 @@ TEST(Face, AdoptedObjectsAreLeftOnSuccessAlone) {
 TEST(Face, ListsAreRanges) {
     const auto certificate = Sample();
     std::string text;
-    for (auto& [oid, critical, value] : Extensions(certificate)) {
+    for (auto& [oid, critical, value] : Extensions(certificate))
         text += oid.text() + (critical ? "! " : " ") + std::to_string(value.size()) + "; ";
-    }
     EXPECT_EQ(text, "2.5.29.15! 4; 2.5.29.35 40; ");
 
     const auto request = Create<PKCS10CertReq>();
@@ -178,9 +177,8 @@ TEST(Face, ListsAreRanges) {
     Call(SetPKCS10CertReqExtensions, request, Get(GetCertificateExtensions, certificate));
     auto requested = Extensions(request);
     EXPECT_EQ(std::distance(requested.begin(), requested.end()), 2);
-    for (auto& [oid, values, index] : Attributes(Get(GetPKCS10CertReqAttributes, request))) {
+    for (auto& [oid, values, index] : Attributes(Get(GetPKCS10CertReqAttributes, request)))
         EXPECT_TRUE(oid == Oid("1.2.840.113549.1.9.14") && values.size() == 1 && index == 0);
-    }
 
     const auto crl = Create<X509Crl>();
     for (uint8_t i = 1; i < 4; ++i) Call(AddX509CrlRevokedCertificate, crl, Bytes{i}, TimePoint(seconds(i)));
@@ -196,9 +194,8 @@ TEST(Face, ListsAreRanges) {
     Call(AddX509GeneralName, names, X509GeneralNameDNSName, "a.example");
     Call(AddX509GeneralName, names, X509GeneralNameIPAddress, Bytes{127, 0, 0, 1});
     EXPECT_EQ(Members(names).begin()->value, support::Text("a.example"));
-    for (const auto& [alternative, value] : List(GetX509GeneralNameCount, GetX509GeneralName, names)) {
+    for (const auto& [alternative, value] : List(GetX509GeneralNameCount, GetX509GeneralName, names))
         EXPECT_EQ(value.size(), alternative == 7 ? 4u : 9u);
-    }
     const auto purposes = Create<ExtensionExtendedKeyUsage>();
     Call(AddExtensionExtendedKeyUsage, purposes, kKeyUsage);
     for (const Oid& purpose : Members(purposes)) EXPECT_EQ(purpose, kKeyUsage);

@@ -93,9 +93,8 @@ TEST(Bridge, EveryNativeGivesBackWhatItObtained) {
             Drive(name, shape, sweep);
         }
         // A virtual machine out of memory, for each array: there are no more than two for a letter.
-        for (int object = 0; object < 2 * static_cast<int>(shape.size()); ++object) {
+        for (int object = 0; object < 2 * static_cast<int>(shape.size()); ++object)
             Drive(name, shape, {64, false, 1}, object);
-        }
     }
     EXPECT_GE(count, 783u);
 }

@@ -2,12 +2,12 @@
 // one that judges. The zone of the C library has a lock that the sanitizer doesn't see: the preset sets TZ, so that the
 // zone is read once.
 
+#include <pthread.h>
+
 #include <atomic>
-#include <condition_variable>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <mutex>
 #include <thread>
 
 #include "support.h"
@@ -56,22 +56,6 @@ TEST(Threads, WorkOnTreesOfTheirOwn) {
     EXPECT_EQ(done, kThreads);
 }
 
-// All threads wait until the last one is here. (With std::barrier of libstdc++ 12 one of them may sleep on.)
-class Meeting {
-public:
-    void Wait() {
-        std::unique_lock lock(mutex_);
-        const size_t meeting = come_++ / kThreads;
-        if (come_ % kThreads == 0) all_.notify_all();
-        all_.wait(lock, [&] { return come_ / kThreads > meeting; });
-    }
-
-private:
-    size_t come_ = 0;
-    std::mutex mutex_;
-    std::condition_variable all_;
-};
-
 // Trees whose nodes share blocks go from thread to thread, and one tree ends up with the nodes of another's: each is
 // freed where it is last used.
 TEST(Threads, ExchangeTheNodesOfTrees) {
@@ -83,20 +67,22 @@ TEST(Threads, ExchangeTheNodesOfTrees) {
     Certificate* certificates[kThreads] = {};
     X509Name* names[kThreads] = {};
     std::atomic<int> faults = 0;
-    Meeting meeting;
+    pthread_barrier_t meeting;  // in std::barrier of libstdc++ 12 a thread may sleep on
+    ASSERT_EQ(pthread_barrier_init(&meeting, nullptr, kThreads), 0);
     InThreads([&](size_t self) {
         for (int round = 0; round < 200; ++round) {
             faults += DecodeCertificate(der.data(), der.size(), &certificates[self]) != StatusOk;
             faults += DecodeX509Name(name.data(), support::Size(name), &names[self]) != StatusOk;
-            meeting.Wait();
+            pthread_barrier_wait(&meeting);
             Certificate* certificate = certificates[(self + 1) % kThreads];
             X509Name* subject = names[(self + 2) % kThreads];
-            meeting.Wait();
+            pthread_barrier_wait(&meeting);
             faults += SetCertificateSubject_i(certificate, subject, 0) != StatusOk;
             faults += support::Fetch(EncodeCertificate, certificate) != renamed;
             FreeCertificate(certificate);
         }
     });
+    pthread_barrier_destroy(&meeting);
     EXPECT_EQ(faults, 0);
 }
 

@@ -81,9 +81,8 @@ TEST(GostParameters, DefaultOfTheEncryptionSetGoesByTheAlgorithm) {
     const Bytes key = OidOf("1.2.3"), digest = OidOf("1.2.643.4"), bytes = Sets("1.2.3 1.2.643.4");
     for (const uint32_t id : {102, 3000, 3001}) {
         const Bytes standing = OidOf(id == 102 ? "1.2.643.2.2.31.1" : "1.2.643.7.1.2.5.1.1");
-        for (const uint8_t* set : {standing.data(), static_cast<const uint8_t*>(nullptr)}) {
+        for (const uint8_t* set : {standing.data(), static_cast<const uint8_t*>(nullptr)})
             EXPECT_EQ(Fetch(EncodeAlgorithmGostR3410ParametersOid, id, 1, key.data(), digest.data(), set), bytes);
-        }
         uint8_t form = 7, out[16];
         uint32_t keyLength = 1, digestLength = 0, n = 0;
         const auto decode = [&](const Bytes& in, uint8_t* set, uint32_t* length) {
