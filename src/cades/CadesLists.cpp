@@ -173,7 +173,8 @@ Status AddESSCertIDToList(ESSCertIDs* list, const uint8_t* hash, uint32_t hashLe
 Status GetESSCertIDInformation(const ESSCertIDs* list, uint32_t index, uint8_t* hash, uint32_t* hashLength,
                                X509GeneralNames** issuer, uint8_t* serial, uint32_t* serialLength) {
     if (AnyNull(hashLength, serialLength) || !HasIndex(list, index)) return Fail(StatusBadArgument);
-    const Part<ESSCertID> id = MemberAt(list, index);  // without one the first part fails
+    const Part<ESSCertID> id = MemberAt(list, index);
+    if (!id) return id.Absent();
     return ReadParts([&] { return GetBytes(At<&ESSCertID::certHash>(id.node), hash, hashLength); },
                      [&] {
                          return GetIssuerSerial(id->issuerSerial, issuer, {serial, serialLength});
@@ -264,7 +265,8 @@ Status GetOcspResponseIdInformation(const OcspListIDs* list, uint32_t index, voi
                                     uint32_t* parametersLength) {
     const HashOutputs out = {{oid, oidLength}, {parameters, parametersLength}, {hash, hashLength}};
     if (out.LackLength() || keyHashLength == nullptr || !HasIndex(list, index)) return Fail(StatusBadArgument);
-    const Part<OcspResponseId> id = MemberAt(list, index);  // without one the first part fails
+    const Part<OcspResponseId> id = MemberAt(list, index);
+    if (!id) return id.Absent();
     const auto choice = At<&OcspResponseId::ocspIdentifier, &OcspIdentifier::ocspResponderID>(id.node);
     return ReadParts(
         [&] {
